@@ -1,0 +1,97 @@
+#include "core/MemoryHeap.h"
+
+#include <cstdint>
+#include <cstring>
+
+#include "kticore/core/Exception.h"
+#include "core/MemoryManager.h"
+
+namespace kt {
+
+namespace {
+
+constexpr size_t kBlockHeaderSize = 8;
+static_assert(sizeof(CHeap*) == kBlockHeaderSize, "a block header holds one CHeap*");
+
+void* SystemBlockOf(void* block) { return static_cast<char*>(block) - kBlockHeaderSize; }
+
+CHeap* OwnerOf(void* block) {
+    CHeap* owner;
+    std::memcpy(&owner, SystemBlockOf(block), sizeof owner);
+    return owner;
+}
+
+}  // namespace
+
+CHeap::CHeap(size_t size, int isStatic) : isStatic(isStatic) {
+    sys::ScopedLock lock(memoryManager.memoryLock);
+    for (DWORD attempt = 0;; ++attempt) {
+        handle = sys::CreateSystemHeap();
+        if (handle != nullptr || !memoryManager.RetryAfterLowMemory(attempt))
+            break;
+    }
+    coreBytes.Add(size);
+    coreOps.Add(1);
+    if (handle == nullptr)
+        throw CXMemException();
+    memoryManager.heaps.AddTail(this);
+}
+
+CHeap::~CHeap() {
+    sys::ScopedLock lock(memoryManager.memoryLock);
+    memoryManager.heaps.Remove(this);
+    sys::DestroySystemHeap(handle);
+}
+
+ULONG CHeap::AddRef() { return isStatic ? 1 : CKTUnknownImpl::AddRef(); }
+
+ULONG CHeap::Release() { return isStatic ? 1 : CKTUnknownImpl::Release(); }
+
+void* CHeap::Alloc(size_t size) {
+    const size_t total = GetHeaderSize(size) + size;
+    if (total < size)  // no system heap can serve what does not fit a size_t
+        throw CXMemException();
+    sys::ScopedLock lock(memoryManager.memoryLock);
+    for (DWORD attempt = 0;; ++attempt) {
+        if (void* systemBlock = sys::AllocZeroed(handle, total)) {
+            CHeap* owner = this;
+            std::memcpy(systemBlock, &owner, sizeof owner);
+            coreBytes.Add(total);
+            coreOps.Add(1);
+            return static_cast<char*>(systemBlock) + kBlockHeaderSize;
+        }
+        if (!memoryManager.RetryAfterLowMemory(attempt))
+            throw CXMemException();
+    }
+}
+
+// No lock: the system heap serialises itself.
+void CHeap::Free(void* block) {
+    CHeap* owner = OwnerOf(block);
+    coreOps.Add(1);
+    sys::FreeBlock(owner->handle, SystemBlockOf(block));
+}
+
+void* CHeap::Realloc(void* block, size_t newSize) {
+    CHeap* owner = OwnerOf(block);
+    sys::ScopedLock lock(memoryManager.memoryLock);
+    void* moved = owner->Alloc(newSize);  // on failure the old block stays valid
+    const size_t oldSize = sys::BlockSize(owner->handle, SystemBlockOf(block)) - kBlockHeaderSize;
+    std::memcpy(moved, block, newSize < oldSize ? newSize : oldSize);
+    coreOps.Add(1);
+    sys::FreeBlock(owner->handle, SystemBlockOf(block));
+    coreOps.Add(1);
+    return moved;
+}
+
+// The size as a signed 32-bit number, as the interface reports sizes.
+size_t CHeap::GetBlockSize(void* block) {
+    CHeap* owner = OwnerOf(block);
+    const auto systemSize =
+        static_cast<std::int32_t>(sys::BlockSize(owner->handle, SystemBlockOf(block)));
+    return static_cast<size_t>(systemSize - static_cast<std::int32_t>(kBlockHeaderSize));
+}
+
+size_t CHeap::GetHeaderSize(size_t) { return kBlockHeaderSize; }
+
+}  // namespace kt

@@ -1,0 +1,183 @@
+#include "kticore/core/Unknown.h"
+
+#include <gtest/gtest.h>
+
+#include "kticore/core/Heap.h"
+
+namespace {
+
+struct ITestGreeter : IKTUnknown {
+    virtual int Greet() = 0;
+};
+
+struct ITestCounter : IKTUnknown {
+    virtual int Count() = 0;
+};
+
+class CGreeter : public CKTUnknownImpl<ITestGreeter> {
+public:
+    explicit CGreeter(bool* destroyed = nullptr) : destroyed(destroyed) {}
+    ~CGreeter() override {
+        if (destroyed != nullptr)
+            *destroyed = true;
+    }
+    int Greet() override { return 42; }
+    ULONG References() const { return refs; }
+
+private:
+    bool* destroyed;
+};
+
+// A class with a second interface, answered by the pattern that overrides
+// QueryInterface and falls back to the Internal lookup first.
+class CGreeterCounter : public CKTUnknownImpl<ITestGreeter>, public ITestCounter {
+public:
+    int Greet() override { return 1; }
+    int Count() override { return 2; }
+
+    ULONG AddRef() override { return InternalAddRef(); }
+    ULONG Release() override { return InternalRelease(); }
+    int QueryInterface(const type_info& wanted, void** out) override {
+        if (InternalQueryInterface(wanted, out))
+            return 1;
+        if (wanted != typeid(ITestCounter))
+            return 0;
+        if (out != nullptr) {
+            InternalAddRef();
+            *out = static_cast<ITestCounter*>(this);
+        }
+        return 1;
+    }
+};
+
+TEST(ReferenceCounting, NewObjectHoldsTheCreatorsReference) {
+    bool destroyed = false;
+    auto* greeter = new CGreeter(&destroyed);
+    EXPECT_EQ(greeter->AddRef(), 2u);
+    EXPECT_EQ(greeter->Release(), 1u);
+    EXPECT_FALSE(destroyed);
+    EXPECT_EQ(greeter->Release(), 0u);
+    EXPECT_TRUE(destroyed);
+}
+
+TEST(QueryInterface, NullOutIsAPureTestThatAddsNoReference) {
+    auto* greeter = new CGreeter;
+    EXPECT_EQ(greeter->QueryInterface(typeid(IKTUnknown), nullptr), 1);
+    EXPECT_EQ(greeter->QueryInterface(typeid(ITestGreeter), nullptr), 1);
+    EXPECT_EQ(greeter->QueryInterface(typeid(ITestCounter), nullptr), 0);
+    EXPECT_EQ(greeter->References(), 1u);
+    greeter->Release();
+}
+
+TEST(QueryInterface, MissStoresNullAndReturnsZero) {
+    auto* greeter = new CGreeter;
+    void* out = greeter;
+    EXPECT_EQ(greeter->QueryInterface(typeid(IHeap), &out), 0);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(greeter->References(), 1u);
+    greeter->Release();
+}
+
+TEST(QueryInterface, HitGivesTheObjectWithOneAddedReference) {
+    auto* greeter = new CGreeter;
+    void* out = nullptr;
+    ASSERT_EQ(greeter->QueryInterface(typeid(ITestGreeter), &out), 1);
+    EXPECT_EQ(out, static_cast<ITestGreeter*>(greeter));
+    EXPECT_EQ(greeter->References(), 2u);
+    ASSERT_EQ(greeter->QueryInterface(typeid(IKTUnknown), &out), 1);
+    EXPECT_EQ(out, static_cast<IKTUnknown*>(static_cast<ITestGreeter*>(greeter)));
+    EXPECT_EQ(greeter->References(), 3u);
+    greeter->Release();
+    greeter->Release();
+    EXPECT_EQ(greeter->Release(), 0u);
+}
+
+TEST(QueryInterface, FurtherInterfacesShareTheObjectsCount) {
+    auto* object = new CGreeterCounter;
+    void* out = nullptr;
+    ASSERT_EQ(object->QueryInterface(typeid(ITestCounter), &out), 1);
+    auto* counter = static_cast<ITestCounter*>(out);
+    EXPECT_EQ(counter, static_cast<ITestCounter*>(object));
+    EXPECT_NE(static_cast<void*>(counter), static_cast<void*>(static_cast<ITestGreeter*>(object)));
+    EXPECT_EQ(counter->Count(), 2);
+    // Both bases count the one object.
+    EXPECT_EQ(counter->AddRef(), 3u);
+    EXPECT_EQ(object->Release(), 2u);
+    ASSERT_EQ(counter->QueryInterface(typeid(ITestGreeter), &out), 1);
+    EXPECT_EQ(static_cast<ITestGreeter*>(out)->Greet(), 1);
+    EXPECT_EQ(counter->Release(), 2u);
+    EXPECT_EQ(counter->Release(), 1u);
+    EXPECT_EQ(object->Release(), 0u);
+}
+
+class CChild : public CKTUnknownImplParent<ITestGreeter, ITestGreeter> {
+public:
+    explicit CChild(bool* destroyed) : destroyed(destroyed) {}
+    ~CChild() override { *destroyed = true; }
+    int Greet() override { return 7; }
+    ULONG BaseReferences() const { return refs; }
+
+private:
+    bool* destroyed;
+};
+
+TEST(ParentedObject, CountsOnItsOwnAndHoldsOneReferenceToItsParent) {
+    bool parentGone = false;
+    bool childGone = false;
+    auto* parent = new CGreeter(&parentGone);
+    auto* child = new CChild(&childGone);
+
+    child->SetParent(parent);
+    EXPECT_EQ(parent->References(), 2u);
+    EXPECT_EQ(child->AddRef(), 2u);
+    EXPECT_EQ(child->BaseReferences(), 1u);
+
+    ITestGreeter* got = child->GetParent();
+    EXPECT_EQ(got, parent);
+    EXPECT_EQ(parent->References(), 3u);
+    got->Release();
+
+    EXPECT_EQ(parent->Release(), 1u);  // the creator lets go; the child keeps it
+    EXPECT_FALSE(parentGone);
+    EXPECT_EQ(child->Release(), 1u);
+    EXPECT_EQ(child->Release(), 0u);
+    EXPECT_TRUE(childGone);
+    EXPECT_TRUE(parentGone);
+}
+
+TEST(ParentedObject, SetParentSwapsTheReferenceAndAcceptsNull) {
+    bool childGone = false;
+    auto* first = new CGreeter;
+    auto* second = new CGreeter;
+    auto* child = new CChild(&childGone);
+
+    EXPECT_EQ(child->GetParent(), nullptr);
+    child->SetParent(first);
+    child->SetParent(second);
+    EXPECT_EQ(first->References(), 1u);
+    EXPECT_EQ(second->References(), 2u);
+    child->SetParent(nullptr);
+    EXPECT_EQ(second->References(), 1u);
+    EXPECT_EQ(child->Release(), 0u);
+    EXPECT_TRUE(childGone);
+    EXPECT_EQ(first->Release(), 0u);
+    EXPECT_EQ(second->Release(), 0u);
+}
+
+TEST(UncountedStandIn, CountsNothingAndAsksItsTarget) {
+    auto* greeter = new CGreeter;
+    CUnknownInternal standIn(greeter);
+    EXPECT_EQ(standIn.AddRef(), 0u);
+    EXPECT_EQ(standIn.Release(), 0u);
+    EXPECT_EQ(greeter->References(), 1u);
+
+    void* out = nullptr;
+    ASSERT_EQ(standIn.QueryInterface(typeid(ITestGreeter), &out), 1);
+    EXPECT_EQ(out, static_cast<ITestGreeter*>(greeter));
+    EXPECT_EQ(greeter->References(), 2u);
+    EXPECT_EQ(standIn.QueryInterface(typeid(IHeap), &out), 0);
+    greeter->Release();
+    EXPECT_EQ(greeter->Release(), 0u);
+}
+
+}  // namespace

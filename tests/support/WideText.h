@@ -1,0 +1,14 @@
+// Helpers for the library's 16-bit text in tests.
+#pragma once
+
+#include <string>
+
+#include "kticore/platform/Platform.h"
+
+namespace kt::test {
+
+using WideString = std::basic_string<KTWCHAR>;
+
+inline WideString Wide(const KTWCHAR* text) { return text != nullptr ? WideString(text) : WideString(); }
+
+}  // namespace kt::test
