@@ -1,0 +1,116 @@
+// What a host module can do with kticore so far, step by step, printed.
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "kticore/kticore.h"
+
+namespace {
+
+void Step(const char* title) { std::printf("\n== %s\n", title); }
+
+std::string Narrow(const KTWCHAR* text) {
+    std::string narrow;
+    for (; *text != 0; ++text)
+        narrow += *text < 0x80 ? static_cast<char>(*text) : '?';
+    return narrow;
+}
+
+void ShowActivity(const char* when) {
+    unsigned long long bytes = 0;
+    unsigned int ops = 0;
+    Get_CoreActivity(&bytes, &ops);
+    std::printf("   activity %-22s %llu bytes, %u operations\n", when, bytes, ops);
+}
+
+// A host's own object: one interface, counted by the library's template.
+struct IGreeter : IKTUnknown {
+    virtual const char* Greeting() = 0;
+};
+
+class CGreeter : public CKTUnknownImpl<IGreeter> {
+public:
+    const char* Greeting() override { return "hello from a counted object"; }
+    ~CGreeter() override { std::printf("   CGreeter destroyed by its last Release\n"); }
+};
+
+// Declines twice to free anything, then gives up.
+class CPatientSink : public ILowMemoryNotifySink {
+public:
+    int OnLowMemory(DWORD attempt) override {
+        std::printf("   low-memory sink called, attempt %lu\n", static_cast<unsigned long>(attempt));
+        return attempt < 2;
+    }
+};
+
+void ObjectModel() {
+    Step("Objects are counted and asked for interfaces by run-time type");
+    auto* greeter = new CGreeter;
+    void* out = nullptr;
+    if (greeter->QueryInterface(typeid(IGreeter), &out))
+        std::printf("   QueryInterface(IGreeter) -> \"%s\"\n", static_cast<IGreeter*>(out)->Greeting());
+    std::printf("   QueryInterface(IHeap) answers %d\n", greeter->QueryInterface(typeid(IHeap), nullptr));
+    std::printf("   Release -> %lu\n", static_cast<unsigned long>(greeter->Release()));
+    std::printf("   Release -> %lu\n", static_cast<unsigned long>(greeter->Release()));
+}
+
+void Heaps() {
+    Step("Private heaps: zero-filled blocks, freed through any heap");
+    IHeap* heap = new_MemoryHeap(0);
+    IHeap* defaultHeap = Mem_DefaultHeap(0);
+    ShowActivity("before:");
+    auto* block = static_cast<char*>(heap->Alloc(100));
+    ShowActivity("after Alloc(100):");
+    std::strcpy(block, "kept across Realloc");
+    block = static_cast<char*>(heap->Realloc(block, 4000));
+    std::printf("   Realloc(4000): \"%s\", block size %zu, header %zu bytes\n", block,
+                heap->GetBlockSize(block), heap->GetHeaderSize(0));
+    defaultHeap->Free(block);
+    std::printf("   freed through the default heap, which ignores counting: Release -> %lu\n",
+                static_cast<unsigned long>(defaultHeap->Release()));
+    for (int i = 0; i < 1000; ++i)
+        heap->Alloc(64);
+    std::printf("   1000 blocks left in the private heap; its last Release frees them: %lu\n",
+                static_cast<unsigned long>(heap->Release()));
+}
+
+void LowMemory() {
+    Step("A sink is asked before an allocation fails");
+    static CPatientSink sink;
+    Mem_SetLowMemoryNotifySink(&sink);
+    try {
+        Mem_DefaultHeap(0)->Alloc(size_t{1} << 52);
+    } catch (CXMemException& failure) {
+        std::printf("   CXMemException, code %d\n", failure.GetCode());
+    }
+    try {
+        Mem_SetLowMemoryNotifySink(&sink);
+    } catch (CXException& refusal) {
+        std::printf("   a second sink is refused with code %d\n", refusal.GetCode());
+    }
+}
+
+void Failures() {
+    Step("Failures are numbers, thrown by the library and caught by reference");
+    try {
+        XThrowFileError(32, KTW("C:\\data\\locked.dat"), XFILEOP_OPEN);  // ERROR_SHARING_VIOLATION
+    } catch (CXFileException& failure) {
+        std::printf("   CXFileException code %d, operation %lu, name \"%s\"\n", failure.GetCode(),
+                    static_cast<unsigned long>(failure.operation), Narrow(failure.name).c_str());
+    }
+    std::printf("   Win32 error 5 -> %lu, storage status 0x80030005 -> %lu\n",
+                static_cast<unsigned long>(XErrorFromWin32(5)),
+                static_cast<unsigned long>(XErrorFromHResult(0x80030005)));
+}
+
+}  // namespace
+
+int main() {
+    std::printf("kticore demo host\n");
+    ObjectModel();
+    Heaps();
+    LowMemory();
+    Failures();
+    std::printf("\ndone\n");
+    return 0;
+}

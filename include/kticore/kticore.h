@@ -1,0 +1,8 @@
+// Everything a host module needs from kticore, in one include.
+#pragma once
+
+#include "kticore/core/Aggregation.h"
+#include "kticore/core/Exception.h"
+#include "kticore/core/Heap.h"
+#include "kticore/core/List.h"
+#include "kticore/core/Unknown.h"
