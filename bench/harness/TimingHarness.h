@@ -1,0 +1,36 @@
+// A small timing harness for the paths that only exist in the Windows build and
+// run under Wine, where Google Benchmark is not built. Each figure is the best
+// of several rounds, so that a round disturbed by the machine does not count.
+#pragma once
+
+#include <chrono>
+#include <cstdio>
+
+namespace kt::bench {
+
+template <class Body>
+double NanosecondsPerCall(Body&& body, long iterations, int rounds = 9) {
+    body();  // warm up
+    double best = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const auto start = std::chrono::steady_clock::now();
+        for (long i = 0; i < iterations; ++i)
+            body();
+        const std::chrono::duration<double, std::nano> elapsed =
+            std::chrono::steady_clock::now() - start;
+        const double perCall = elapsed.count() / static_cast<double>(iterations);
+        if (round == 0 || perCall < best)
+            best = perCall;
+    }
+    return best;
+}
+
+inline void PrintRatioHeader() {
+    std::printf("%-28s %-16s %12s %12s %8s\n", "case", "peer", "kticore ns", "peer ns", "ratio");
+}
+
+inline void PrintRatio(const char* name, const char* peer, double ours, double theirs) {
+    std::printf("%-28s %-16s %12.1f %12.1f %7.2fx\n", name, peer, ours, theirs, ours / theirs);
+}
+
+}  // namespace kt::bench
