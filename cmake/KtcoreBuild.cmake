@@ -11,6 +11,11 @@ if(KTCORE_SANITIZE)
     add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(KTCORE_FUZZ_ENGINE STREQUAL "libfuzzer")
+    # Coverage for libFuzzer in everything; only the targets link its main.
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 if(WIN32)
     # One copy of the C++ runtime inside each module: exceptions and type_info
     # still cross module boundaries, and no runtime DLL has to travel along.
@@ -20,10 +25,11 @@ endif()
 # Warnings for the project's own targets (not for GoogleTest). No
 # -Wnon-virtual-dtor: interfaces have no virtual destructor by design, since
 # objects die through Release and the destructor's slot follows the
-# interface's own operations in the virtual table.
+# interface's own operations in the virtual table. Shadowing is checked for
+# locals only: constructor parameters carry their members' names.
 function(kt_target_defaults target)
     target_compile_options(${target} PRIVATE
-        -Wall -Wextra -Wshadow=local -Wold-style-cast -Woverloaded-virtual
+        -Wall -Wextra $<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wshadow> -Wold-style-cast -Woverloaded-virtual
         -Wcast-align -Wnull-dereference -Wimplicit-fallthrough)
     if(KTCORE_WARNINGS_AS_ERRORS)
         target_compile_options(${target} PRIVATE -Werror)
