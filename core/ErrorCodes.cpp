@@ -3,6 +3,9 @@
 // and both of its not-found values mean a missing file.
 #include "kticore/core/Exception.h"
 
+// The tables read best as they stand, a few values a line.
+// clang-format off
+
 DWORD XErrorFromWin32(DWORD error) {
     switch (error) {
     case 8: case 14: case 84: case 1130:
@@ -60,3 +63,4 @@ DWORD XErrorFromHResult(DWORD status) {
         return XE_BAD_DATA;
     }
 }
+// clang-format on

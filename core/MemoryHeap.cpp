@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "kticore/core/Exception.h"
 #include "core/MemoryManager.h"
+#include "kticore/core/Exception.h"
 
 namespace kt {
 

@@ -1,8 +1,8 @@
 // The process's memory manager and the exported functions of the heaps.
 #include "core/MemoryManager.h"
 
-#include "kticore/core/Exception.h"
 #include "core/MemoryHeap.h"
+#include "kticore/core/Exception.h"
 
 namespace kt {
 

@@ -82,7 +82,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
             blocks.swap(survivors);
         } else {
             for (const Block& block : blocks)
-                if (!Holds(block, block.fill, 0, block.size) || asked->GetBlockSize(block.data) != block.size)
+                if (!Holds(block, block.fill, 0, block.size) ||
+                    asked->GetBlockSize(block.data) != block.size)
                     __builtin_trap();
         }
     }

@@ -39,7 +39,8 @@ void RatioReporter::Finalize() {
             if (&figure == ours)
                 continue;
             std::printf("%-28s %-10s %12.1f %12.1f %7.2fx\n", key.c_str(), figure.peer.c_str(),
-                        ours->nanoseconds, figure.nanoseconds, ours->nanoseconds / figure.nanoseconds);
+                        ours->nanoseconds, figure.nanoseconds,
+                        ours->nanoseconds / figure.nanoseconds);
         }
     }
 }

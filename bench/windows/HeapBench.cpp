@@ -34,8 +34,8 @@ int main() {
     for (size_t size : {16u, 256u, 4096u}) {
         char name[32];
         std::snprintf(name, sizeof name, "AllocFree/%zu", size);
-        const double ours = AllocFree([&] { return heap->Alloc(size); },
-                                      [&](void* block) { heap->Free(block); });
+        const double ours =
+            AllocFree([&] { return heap->Alloc(size); }, [&](void* block) { heap->Free(block); });
         const double zeroing =
             AllocFree([&] { return HeapAlloc(privateHeap, HEAP_ZERO_MEMORY, size + 8); },
                       [&](void* block) { HeapFree(privateHeap, 0, block); });

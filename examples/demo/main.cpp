@@ -38,7 +38,8 @@ public:
 class CPatientSink : public ILowMemoryNotifySink {
 public:
     int OnLowMemory(DWORD attempt) override {
-        std::printf("   low-memory sink called, attempt %lu\n", static_cast<unsigned long>(attempt));
+        std::printf("   low-memory sink called, attempt %lu\n",
+                    static_cast<unsigned long>(attempt));
         return attempt < 2;
     }
 };
@@ -48,8 +49,10 @@ void ObjectModel() {
     auto* greeter = new CGreeter;
     void* out = nullptr;
     if (greeter->QueryInterface(typeid(IGreeter), &out))
-        std::printf("   QueryInterface(IGreeter) -> \"%s\"\n", static_cast<IGreeter*>(out)->Greeting());
-    std::printf("   QueryInterface(IHeap) answers %d\n", greeter->QueryInterface(typeid(IHeap), nullptr));
+        std::printf("   QueryInterface(IGreeter) -> \"%s\"\n",
+                    static_cast<IGreeter*>(out)->Greeting());
+    std::printf("   QueryInterface(IHeap) answers %d\n",
+                greeter->QueryInterface(typeid(IHeap), nullptr));
     std::printf("   Release -> %lu\n", static_cast<unsigned long>(greeter->Release()));
     std::printf("   Release -> %lu\n", static_cast<unsigned long>(greeter->Release()));
 }

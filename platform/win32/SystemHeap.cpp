@@ -25,9 +25,7 @@ SystemHeap CreateSystemHeap() {
 
 void DestroySystemHeap(SystemHeap heap) { HeapDestroy(heap); }
 
-void* AllocZeroed(SystemHeap heap, size_t size) {
-    return HeapAlloc(heap, HEAP_ZERO_MEMORY, size);
-}
+void* AllocZeroed(SystemHeap heap, size_t size) { return HeapAlloc(heap, HEAP_ZERO_MEMORY, size); }
 
 void FreeBlock(SystemHeap heap, void* block) { HeapFree(heap, 0, block); }
 

@@ -9,6 +9,8 @@ namespace kt::test {
 
 using WideString = std::basic_string<KTWCHAR>;
 
-inline WideString Wide(const KTWCHAR* text) { return text != nullptr ? WideString(text) : WideString(); }
+inline WideString Wide(const KTWCHAR* text) {
+    return text != nullptr ? WideString(text) : WideString();
+}
 
 }  // namespace kt::test

@@ -43,9 +43,7 @@ public:
         --count;
     }
 
-    KT_LISTITEM* Next(const KT_LISTITEM* item) const {
-        return item == last ? nullptr : item->next;
-    }
+    KT_LISTITEM* Next(const KT_LISTITEM* item) const { return item == last ? nullptr : item->next; }
 
     DWORD count = 0;
     KT_LISTITEM* first = nullptr;

@@ -10,18 +10,18 @@
 #include <typeinfo>
 
 #if defined(_WIN32)
-#  include <windows.h>
+#    include <windows.h>
 // The 16-bit text unit of the interface and its literal.
 typedef wchar_t KTWCHAR;
-#  define KTW(text) L##text
-#  if defined(KTCORE_BUILDING_LIBRARY)
-#    define KTCORE_API __declspec(dllexport)
-#  else
-#    define KTCORE_API __declspec(dllimport)
-#  endif
+#    define KTW(text) L##text
+#    if defined(KTCORE_BUILDING_LIBRARY)
+#        define KTCORE_API __declspec(dllexport)
+#    else
+#        define KTCORE_API __declspec(dllimport)
+#    endif
 #else
-#  include "kticore/platform/posix/WinTypes.h"
-#  define KTCORE_API __attribute__((visibility("default")))
+#    include "kticore/platform/posix/WinTypes.h"
+#    define KTCORE_API __attribute__((visibility("default")))
 #endif
 
 // Interfaces are identified by run-time type; the Windows compilers declare
