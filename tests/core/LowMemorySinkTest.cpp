@@ -93,12 +93,6 @@ TEST_F(LowMemorySink, FailedReallocLeavesTheOldBlockValid) {
     EXPECT_TRUE(MemoryLockIsFree());
 }
 
-TEST_F(LowMemorySink, IsNotAskedWhenMemoryIsThere) {
-    IHeap* heap = Mem_DefaultHeap(0);
-    heap->Free(heap->Alloc(1 << 16));
-    EXPECT_TRUE(sink.attempts.empty());
-}
-
 TEST_F(LowMemorySink, SecondInstallationIsRefusedAndTheFirstSinkStays) {
     ScriptedSink other;
     for (ILowMemoryNotifySink* candidate : {static_cast<ILowMemoryNotifySink*>(&other),
