@@ -11,6 +11,7 @@ kt_prerequisites() {
     local missing=()
     command -v cmake >/dev/null || missing+=(cmake)
     command -v g++ >/dev/null || missing+=(g++)
+    command -v make >/dev/null || missing+=(make)
     command -v x86_64-w64-mingw32-g++-posix >/dev/null || missing+=(g++-mingw-w64-x86-64)
     [ -x /usr/lib/wine/wine64 ] || missing+=(wine wine64)
     [ -f /usr/src/googletest/CMakeLists.txt ] || missing+=(googletest)
