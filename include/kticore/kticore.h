@@ -6,3 +6,5 @@
 #include "kticore/core/Heap.h"
 #include "kticore/core/List.h"
 #include "kticore/core/Unknown.h"
+#include "kticore/strings/XString.h"
+#include "kticore/strings/XStringW.h"

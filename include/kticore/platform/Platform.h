@@ -11,6 +11,8 @@
 
 #if defined(_WIN32)
 #    include <windows.h>
+// _setmbcp and _getmbcp: the multibyte code page of narrow text.
+#    include <mbctype.h>
 // The 16-bit text unit of the interface and its literal.
 typedef wchar_t KTWCHAR;
 #    define KTW(text) L##text
@@ -20,8 +22,9 @@ typedef wchar_t KTWCHAR;
 #        define KTCORE_API __declspec(dllimport)
 #    endif
 #else
+#    include "kticore/platform/posix/MbCType.h"
+#    include "kticore/platform/posix/Visibility.h"
 #    include "kticore/platform/posix/WinTypes.h"
-#    define KTCORE_API __attribute__((visibility("default")))
 #endif
 
 // Interfaces are identified by run-time type; the Windows compilers declare
