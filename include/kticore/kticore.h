@@ -3,8 +3,12 @@
 
 #include "kticore/core/Aggregation.h"
 #include "kticore/core/Exception.h"
+#include "kticore/core/Enum.h"
 #include "kticore/core/Heap.h"
 #include "kticore/core/List.h"
+#include "kticore/core/ListEnum.h"
+#include "kticore/core/Map.h"
+#include "kticore/core/MapEnum.h"
 #include "kticore/core/Unknown.h"
 #include "kticore/strings/XString.h"
 #include "kticore/strings/XStringW.h"

@@ -1,9 +1,12 @@
-// The library's plain intrusive list: a circular, doubly linked chain of links
-// that the listed objects embed. A list converts a link back to its object by
+// The library's lists. COList is a circular, doubly linked chain of links
+// that the listed objects embed; a list converts a link back to its object by
 // the link's fixed distance within the object (a static_cast from a base).
+// CTList keeps values in nodes of its own, CTPList owns the pointers it keeps.
 #pragma once
 
-#include "kticore/platform/Platform.h"
+#include <type_traits>
+
+#include "kticore/core/Heap.h"
 
 struct KT_LISTITEM {
     KT_LISTITEM* next = nullptr;
@@ -48,4 +51,82 @@ public:
     DWORD count = 0;
     KT_LISTITEM* first = nullptr;
     KT_LISTITEM* last = nullptr;
+};
+
+// A node of CTList: the links, then the value.
+template <class T>
+struct _CTListPlex : KT_LISTITEM {
+    explicit _CTListPlex(const T& value) : value(value) {}
+    T value;
+};
+
+template <class Plex>
+class CTList : public COList {
+public:
+    explicit CTList(IHeap* heap = nullptr) : heap(heap != nullptr ? heap : Mem_DefaultHeap(0)) {}
+    CTList(const CTList&) = delete;
+    CTList& operator=(const CTList&) = delete;
+    ~CTList() { RemoveAll(); }
+
+    // The new last node, or null once RemoveAll has closed the list.
+    template <class T>
+    Plex* AddTail(const T& value) {
+        if (closing)
+            return nullptr;
+        Plex* node = new Plex(value);
+        COList::AddTail(node);
+        return node;
+    }
+
+    // Unlinks `node` and hands it back; the caller frees it.
+    Plex* Remove(Plex* node) {
+        COList::Remove(node);
+        return node;
+    }
+
+    // Frees every node and closes the list for good.
+    void RemoveAll() {
+        if (closing)
+            return;
+        closing = 1;
+        for (KT_LISTITEM* item = first; item != nullptr;) {
+            KT_LISTITEM* next = COList::Next(item);
+            delete static_cast<Plex*>(item);
+            item = next;
+        }
+        first = last = nullptr;
+        count = 0;
+    }
+
+    Plex* First() const { return static_cast<Plex*>(first); }
+    Plex* Next(const Plex* node) const { return static_cast<Plex*>(COList::Next(node)); }
+
+    IHeap* heap;
+    DWORD closing = 0;
+};
+
+// A list that owns its items: a pointer in it is deleted with it (text with
+// delete[]).
+template <class T>
+class CTPList : public CTList<_CTListPlex<T>> {
+public:
+    using CTList<_CTListPlex<T>>::CTList;
+
+    virtual ~CTPList() { RemoveAll(); }
+
+    void RemoveAll() {
+        if (this->closing)
+            return;
+        for (_CTListPlex<T>* node = this->First(); node != nullptr; node = this->Next(node))
+            DeleteItem(node->value);
+        CTList<_CTListPlex<T>>::RemoveAll();
+    }
+
+private:
+    static void DeleteItem(T item) {
+        if constexpr (std::is_same_v<std::remove_cv_t<std::remove_pointer_t<T>>, char>)
+            delete[] item;
+        else
+            delete item;
+    }
 };

@@ -1,0 +1,291 @@
+// CTMap: a chained hash map with a table of fixed size (127 buckets as a
+// rule). A key is identified by its 32-bit hash alone: two keys with one hash
+// are one entry, and the text of a key is never compared; the stored copy is
+// only what a walk gives back. New entries go to the front of their chain.
+#pragma once
+
+#include <cstring>
+#include <string>
+#include <type_traits>
+
+#include "kticore/core/Heap.h"
+#include "kticore/core/Unknown.h"
+
+// How a key type hashes and keeps its keys.
+template <class K>
+struct CTMapKey;
+
+// Narrow text: h = h * 257 + c over its bytes taken as signed, in 32 bits.
+template <>
+struct CTMapKey<const char*> {
+    static DWORD Hash(const char* key) {
+        DWORD hash = 0;
+        for (; *key != 0; ++key)
+            hash = hash * 257 + static_cast<DWORD>(static_cast<signed char>(*key));
+        return hash;
+    }
+    static const char* Copy(const char* key) {
+        const size_t size = std::strlen(key) + 1;
+        return static_cast<const char*>(std::memcpy(new char[size], key, size));
+    }
+    static void Free(const char* key) { delete[] key; }
+};
+
+// Narrow text behind another pointer type, hashed in lower case: keys that
+// differ only in case are one key. Kept in the spelling given.
+template <>
+struct CTMapKey<const ULONG*> {
+    static const char* Text(const ULONG* key) { return reinterpret_cast<const char*>(key); }
+    static DWORD Hash(const ULONG* key) {
+        DWORD hash = 0;
+        for (const char* p = Text(key); *p != 0; ++p) {
+            char c = *p >= 'A' && *p <= 'Z' ? static_cast<char>(*p - 'A' + 'a') : *p;
+            hash = hash * 257 + static_cast<DWORD>(static_cast<signed char>(c));
+        }
+        return hash;
+    }
+    static const ULONG* Copy(const ULONG* key) {
+        return reinterpret_cast<const ULONG*>(CTMapKey<const char*>::Copy(Text(key)));
+    }
+    static void Free(const ULONG* key) { CTMapKey<const char*>::Free(Text(key)); }
+};
+
+// 16-bit text: the same loop over its units, taken unsigned.
+template <>
+struct CTMapKey<const KTWCHAR*> {
+    static DWORD Hash(const KTWCHAR* key) {
+        DWORD hash = 0;
+        for (; *key != 0; ++key)
+            hash = hash * 257 + static_cast<DWORD>(static_cast<WORD>(*key));
+        return hash;
+    }
+    static const KTWCHAR* Copy(const KTWCHAR* key) {
+        const size_t size = std::char_traits<KTWCHAR>::length(key) + 1;
+        KTWCHAR* copy = new KTWCHAR[size];
+        std::char_traits<KTWCHAR>::copy(copy, key, size);
+        return copy;
+    }
+    static void Free(const KTWCHAR* key) { delete[] key; }
+};
+
+// Numbers are their own hash and their own copy.
+template <class N>
+struct CTMapNumberKey {
+    static DWORD Hash(N key) { return static_cast<DWORD>(key); }
+    static N Copy(N key) { return key; }
+    static void Free(N) {}
+};
+template <>
+struct CTMapKey<unsigned> : CTMapNumberKey<unsigned> {};
+template <>
+struct CTMapKey<int> : CTMapNumberKey<int> {};
+
+// What the map does with its values: a counted object holds one reference
+// for the map, another pointer is deleted with its entry, anything else is
+// kept by value.
+template <class V, class = void>
+struct CTMapValue {
+    static constexpr bool kCounted = false;
+    static void Retain(V&) {}
+    static void Free(V&) {}
+};
+template <class T>
+struct CTMapValue<T*, std::enable_if_t<std::is_base_of_v<IKTUnknown, T>>> {
+    static constexpr bool kCounted = true;
+    static void Retain(T* value) {
+        if (value != nullptr)
+            value->AddRef();
+    }
+    static void Free(T* value) {
+        if (value != nullptr)
+            value->Release();
+    }
+};
+template <class T>
+struct CTMapValue<T*, std::enable_if_t<!std::is_base_of_v<IKTUnknown, T>>> {
+    static constexpr bool kCounted = false;
+    static void Retain(T*) {}
+    static void Free(T* value) { delete value; }
+};
+
+// A place in a walk over a map: (0, null) before the first entry.
+struct CTMapPosition {
+    int bucket = 0;
+    void* node = nullptr;
+};
+
+template <class K, class V>
+class CTMap {
+public:
+    struct Node {
+        Node* next;
+        V value;
+        K key;
+        DWORD hash;
+    };
+
+    static constexpr DWORD kTableMark = 6502;
+
+    explicit CTMap(IHeap* heap = nullptr, DWORD tableSize = 127) : heap(heap), tableSize(tableSize) {}
+    CTMap(const CTMap&) = delete;
+    CTMap& operator=(const CTMap&) = delete;
+    virtual ~CTMap() { RemoveAll(); }
+
+    // Stores `value` under `key`, replacing the entry of the same hash (its
+    // key copy takes the new spelling). 0 once RemoveAll has closed the map.
+    int Set(K key, const V& value) {
+        if (closing)
+            return 0;
+        const DWORD hash = Keys::Hash(key);
+        Node** bucket = Bucket(hash);
+        for (Node* node = *bucket; node != nullptr; node = node->next) {
+            if (node->hash != hash)
+                continue;
+            V old = node->value;
+            node->value = value;
+            Values::Retain(node->value);
+            Values::Free(old);
+            const K oldKey = node->key;
+            node->key = Keys::Copy(key);
+            Keys::Free(oldKey);
+            return 1;
+        }
+        *bucket = new Node{*bucket, value, Keys::Copy(key), hash};
+        Values::Retain((*bucket)->value);
+        ++count;
+        return 1;
+    }
+
+    int Lookup(K key, V& out) {
+        const Node* node = Find(key);
+        if (node == nullptr)
+            return 0;
+        out = node->value;
+        return 1;
+    }
+
+    // For counted values: with `addRef` nonzero the caller gets a reference.
+    template <class W = V, class = std::enable_if_t<CTMapValue<W>::kCounted>>
+    int Lookup(K key, V& out, int addRef) {
+        if (!Lookup(key, out))
+            return 0;
+        if (addRef != 0)
+            Values::Retain(out);
+        return 1;
+    }
+
+    int Remove(K key) {
+        if (closing)
+            return 0;
+        const DWORD hash = Keys::Hash(key);
+        for (Node** link = Bucket(hash); *link != nullptr; link = &(*link)->next) {
+            if ((*link)->hash != hash)
+                continue;
+            Node* node = *link;
+            *link = node->next;
+            FreeNode(node);
+            --count;
+            return 1;
+        }
+        return 0;
+    }
+
+    // Frees every entry and the table, and closes the map: Set and Remove
+    // refuse from then on, as a destructor needs. Clear reopens it.
+    void RemoveAll() {
+        if (closing || tableMark == 0)
+            return;
+        closing = 1;
+        for (DWORD i = 0; i < tableSize; ++i) {
+            for (Node* node = table[i]; node != nullptr;) {
+                Node* next = node->next;
+                FreeNode(node);
+                node = next;
+            }
+        }
+        delete[] table;
+        table = nullptr;
+        count = 0;
+        tableMark = 0;
+    }
+
+    void Clear() {
+        RemoveAll();
+        closing = 0;
+    }
+
+    // One step of a walk: buckets in ascending order, each chain from its
+    // newest entry to its oldest. Null at the end, which also resets the
+    // position, or when the map is closed.
+    K* NextKey(CTMapPosition& position) {
+        Node* node = Step(position);
+        return node != nullptr ? &node->key : nullptr;
+    }
+    V* NextValue(CTMapPosition& position) {
+        Node* node = Step(position);
+        return node != nullptr ? &node->value : nullptr;
+    }
+
+    DWORD GetCount() const { return count; }
+
+protected:
+    using Keys = CTMapKey<K>;
+    using Values = CTMapValue<V>;
+
+    void CreateTable() {
+        if (tableMark != 0)
+            return;
+        if (heap == nullptr)
+            heap = Mem_DefaultHeap(0);
+        table = new Node*[tableSize]();
+        tableMark = kTableMark;
+    }
+
+    Node** Bucket(DWORD hash) {
+        CreateTable();
+        return &table[hash % tableSize];
+    }
+
+    Node* Find(K key) {
+        const DWORD hash = Keys::Hash(key);
+        for (Node* node = *Bucket(hash); node != nullptr; node = node->next)
+            if (node->hash == hash)
+                return node;
+        return nullptr;
+    }
+
+    static void FreeNode(Node* node) {
+        Keys::Free(node->key);
+        Values::Free(node->value);
+        delete node;
+    }
+
+    Node* Step(CTMapPosition& position) {
+        if (closing)
+            return nullptr;
+        CreateTable();
+        Node* node = static_cast<Node*>(position.node);
+        if (node != nullptr && node->next != nullptr) {
+            position.node = node->next;
+            return node->next;
+        }
+        if (node != nullptr)
+            ++position.bucket;
+        for (DWORD i = static_cast<DWORD>(position.bucket); i < tableSize; ++i) {
+            if (table[i] != nullptr) {
+                position.bucket = static_cast<int>(i);
+                position.node = table[i];
+                return table[i];
+            }
+        }
+        position = CTMapPosition();
+        return nullptr;
+    }
+
+    Node** table = nullptr;
+    DWORD count = 0;
+    IHeap* heap;
+    DWORD tableSize;
+    DWORD tableMark = 0;
+    DWORD closing = 0;
+};

@@ -1,0 +1,164 @@
+// The hash map: hash identity, ownership of values, closing, walking.
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "kticore/core/MapEnum.h"
+#include "tests/support/WideText.h"
+
+namespace kt::test {
+namespace {
+
+// What a walk step returned; a test fails rather than follow null.
+template <class T>
+T& Stepped(T* item) {
+    if (item == nullptr)
+        throw std::runtime_error("the walk ended early");
+    return *item;
+}
+
+// Counts how often it is alive.
+class Counted : public CKTUnknownImpl<IKTUnknown> {
+public:
+    ULONG Refs() const { return refs; }
+};
+
+TEST(Map, ATextKeyHashesAsSpecifiedInThirtyTwoBits) {
+    EXPECT_EQ(CTMapKey<const char*>::Hash(""), 0u);
+    EXPECT_EQ(CTMapKey<const char*>::Hash("aaeaea"), 0xBAA5C14Eu);
+    EXPECT_EQ(CTMapKey<const char*>::Hash("abagab"), 0xBAA5C14Eu);
+    EXPECT_EQ(CTMapKey<const char*>::Hash("\xFF"), 0xFFFFFFFFu);  // bytes count as signed
+    EXPECT_EQ(CTMapKey<const KTWCHAR*>::Hash(KTW("\uFFFF")), 0xFFFFu);  // units as unsigned
+}
+
+TEST(Map, KeysWithOneHashAreOneEntry) {
+    CTMap<const char*, int> map;
+    EXPECT_EQ(map.Set("aaeaea", 1), 1);
+    EXPECT_EQ(map.Set("abagab", 2), 1);
+    EXPECT_EQ(map.GetCount(), 1u);
+    int value = 0;
+    EXPECT_EQ(map.Lookup("aaeaea", value), 1);
+    EXPECT_EQ(value, 2);
+    CTMapPosition position;
+    EXPECT_EQ(std::string(Stepped(map.NextKey(position))), "abagab");  // the spelling of the last Set
+}
+
+TEST(Map, SetReplacesAndRemoveForgets) {
+    CTMap<const char*, int> map;
+    map.Set("", 1);
+    map.Set("one", 1);
+    map.Set("one", 11);
+    EXPECT_EQ(map.GetCount(), 2u);
+    int value = -1;
+    EXPECT_EQ(map.Lookup("", value), 1);
+    EXPECT_EQ(value, 1);
+    EXPECT_EQ(map.Remove("one"), 1);
+    EXPECT_EQ(map.Remove("one"), 0);
+    value = 99;
+    EXPECT_EQ(map.Lookup("one", value), 0);
+    EXPECT_EQ(value, 99);
+    EXPECT_EQ(map.GetCount(), 1u);
+}
+
+TEST(Map, CaseBlindKeysMeetAndKeepTheirSpelling) {
+    CTMap<const ULONG*, int> map;
+    auto key = [](const char* text) { return reinterpret_cast<const ULONG*>(text); };
+    map.Set(key("Abc"), 7);
+    int value = 0;
+    EXPECT_EQ(map.Lookup(key("ABC"), value), 1);
+    EXPECT_EQ(value, 7);
+    CTMapPosition position;
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(Stepped(map.NextKey(position)))), "Abc");
+}
+
+TEST(Map, WalksBucketsInOrderAndChainsNewestFirst) {
+    CTMap<int, int> map(nullptr, 7);
+    map.Set(5, 50);
+    map.Set(3, 30);
+    map.Set(10, 100);  // bucket 3, in front of 3
+    std::vector<int> keys;
+    CTMapPosition position;
+    for (int* key = map.NextKey(position); key != nullptr; key = map.NextKey(position))
+        keys.push_back(*key);
+    EXPECT_EQ(keys, (std::vector<int>{10, 3, 5}));
+    EXPECT_EQ(position.node, nullptr);  // reset at the end
+    EXPECT_EQ(Stepped(map.NextValue(position)), 100);
+}
+
+TEST(Map, CountedValuesHoldOneReferenceForTheMap) {
+    Counted* object = new Counted;
+    {
+        CTMap<const char*, Counted*> map;
+        map.Set("a", object);
+        map.Set("b", object);
+        EXPECT_EQ(object->Refs(), 3u);
+        map.Set("b", object);  // replacing a value by itself
+        EXPECT_EQ(object->Refs(), 3u);
+        Counted* found = nullptr;
+        EXPECT_EQ(map.Lookup("a", found, 1), 1);
+        EXPECT_EQ(object->Refs(), 4u);
+        found->Release();
+        map.Remove("a");
+        EXPECT_EQ(object->Refs(), 2u);
+    }
+    EXPECT_EQ(object->Refs(), 1u);
+    object->Release();
+}
+
+TEST(Map, RemoveAllClosesAndClearReopens) {
+    CTMap<const char*, int> unused;
+    unused.RemoveAll();  // never held anything: stays open
+    EXPECT_EQ(unused.Set("a", 1), 1);
+
+    CTMap<const char*, int> map;
+    map.Set("a", 1);
+    map.RemoveAll();
+    EXPECT_EQ(map.GetCount(), 0u);
+    EXPECT_EQ(map.Set("b", 2), 0);
+    EXPECT_EQ(map.Remove("b"), 0);
+    CTMapPosition position;
+    EXPECT_EQ(map.NextKey(position), nullptr);
+    map.Clear();
+    EXPECT_EQ(map.Set("b", 2), 1);
+    int value = 0;
+    EXPECT_EQ(map.Lookup("b", value), 1);
+}
+
+TEST(Map, WideKeysAreCopied) {
+    CTMap<const KTWCHAR*, int> map;
+    KTWCHAR key[] = KTW("name");
+    map.Set(key, 1);
+    key[0] = 'g';
+    int value = 0;
+    EXPECT_EQ(map.Lookup(KTW("name"), value), 1);
+    CTMapPosition position;
+    EXPECT_EQ(Wide(Stepped(map.NextKey(position))), KTW("name"));
+}
+
+TEST(MapEnum, EnumeratorsKeepTheMapAliveAndSkipCountsSteps) {
+    auto* map = new CTMapEnum<const char*, int, const char*, int>;
+    map->Set("x", 1);
+    map->Set("y", 2);
+    CTEnum<const char*>* keys = map->GetEnum();
+    map->Release();  // the enumerator holds it now
+
+    const char* items[4] = {};
+    ULONG fetched = 99;
+    EXPECT_EQ(keys->Next(0, items, &fetched), 0);
+    EXPECT_EQ(fetched, 0u);
+    EXPECT_EQ(keys->Next(4, items, &fetched), 1);
+    EXPECT_EQ(fetched, 2u);
+    EXPECT_EQ(keys->Next(4, items, &fetched), 0);
+    EXPECT_EQ(fetched, 0u);
+    keys->Reset();
+    EXPECT_EQ(keys->Skip(2), 1);
+    keys->Reset();
+    EXPECT_EQ(keys->Skip(3), 0);
+    EXPECT_EQ(keys->QueryInterface(typeid(CTEnum<const char*>), nullptr), 1);
+    keys->Release();
+}
+
+}  // namespace
+}  // namespace kt::test

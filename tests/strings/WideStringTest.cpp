@@ -1,0 +1,97 @@
+// What the wide string does differently: null arguments are answered, the
+// case-blind search, units everywhere, narrow text converted in a code page.
+#include <gtest/gtest.h>
+
+#include "kticore/strings/XString.h"
+#include "kticore/strings/XStringW.h"
+#include "tests/support/StringInspection.h"
+#include "tests/support/WideText.h"
+
+namespace kt::test {
+namespace {
+
+const KTWCHAR* const kNull = nullptr;
+
+TEST(WideString, NullArgumentsAreAnswered) {
+    CXStringW s(KTW("abc"));
+    EXPECT_EQ(s.Compare(kNull), 1);
+    EXPECT_EQ(s.CompareI(kNull), 1);
+    EXPECT_EQ(s.CompareN(kNull, 2), 1);
+    EXPECT_EQ(s.Find(kNull, 0), -1);
+    EXPECT_EQ(s.FindOnOf(kNull), -1);
+    EXPECT_EQ(s.FindRevOnOf(kNull), -1);
+    EXPECT_EQ(s.Copy(static_cast<KTWCHAR*>(nullptr)), 0u);
+    EXPECT_EQ(s.FindReplace(kNull, KTW("x")), 0);
+    EXPECT_EQ(s.FindReplace(kNull, KTWCHAR('x')), -1);
+    s.Format(kNull);
+    EXPECT_EQ(Wide(s), KTW("abc"));
+}
+
+TEST(WideString, SizesAreUnitsAndAllocIsBytes) {
+    CXStringW s(KTW("0123456789"));
+    EXPECT_EQ(s.GetLength(), 10u);
+    EXPECT_EQ(s.GetSize(), 10u);
+    EXPECT_EQ(s.GetSize(20u), 10u);
+    CXStringW fresh;
+    fresh.GetBuffer(10);
+    fresh.ReleaseBuffer();
+    EXPECT_EQ(fresh.GetAllocSize(), 22);
+}
+
+TEST(WideString, FindIIgnoresCaseAndLeavesTheString) {
+    CXStringW s(KTW("xabc"));
+    EXPECT_EQ(s.FindI(KTW("ABC")), 1);
+    EXPECT_EQ(Wide(s), KTW("xabc"));
+    EXPECT_EQ(s.FindI(KTW("")), -1);
+    EXPECT_EQ(CXStringW().FindI(KTW("a")), -1);
+    EXPECT_EQ(CXStringW(KTW("Stra\u00DFe \u00C9T\u00C9")).FindI(KTW("\u00e9t\u00e9")), 7);
+}
+
+TEST(WideString, CaseCoversLettersBeyondAscii) {
+    CXStringW s(KTW("\u00e9\u0101\u03b1\u0436\uff41z"));
+    s.Upper();
+    EXPECT_EQ(Wide(s), KTW("\u00C9\u0100\u0391\u0416\uff21Z"));
+    s.Lower();
+    EXPECT_EQ(Wide(s), KTW("\u00e9\u0101\u03b1\u0436\uff41z"));
+}
+
+TEST(WideString, TrimsUnicodeBlanks) {
+    CXStringW s(KTW("\u3000\u00a0 text\u2028\t"));
+    s.TrimLeft();
+    s.TrimRight();
+    EXPECT_EQ(Wide(s), KTW("text"));
+}
+
+TEST(WideString, ReplacingOneUnitKeepsTheRest) {
+    CXStringW s(KTW("a.b.c"));
+    EXPECT_EQ(s.FindReplace(KTW("."), KTWCHAR('/')), 1);
+    EXPECT_EQ(Wide(s), KTW("a/b.c"));
+}
+
+TEST(WideString, NarrowTextConvertsInTheAnsiCodePage) {
+    EXPECT_EQ(Wide(CXStringW("caf\xE9")), KTW("caf\u00e9"));
+    EXPECT_EQ(Wide(CXStringW("\x80")), KTW("\u20ac"));  // the euro sign in 1252
+    CXStringW out(KTW("old"));
+    hostMultiByteToUnicode("", out);
+    EXPECT_EQ(out.GetLength(), 0u);
+    hostMultiByteToUnicode("new", out);
+    EXPECT_EQ(Wide(out), KTW("new"));
+}
+
+TEST(WideString, WideTextBecomesNarrowInTheAnsiCodePage) {
+    CXString s(KTW("caf\u00e9 \u20ac \u3042"));
+    EXPECT_EQ(std::string(s), "caf\xE9 \x80 ?");
+    CXString assigned;
+    assigned = KTW("x");
+    EXPECT_EQ(std::string(assigned), "x");
+}
+
+TEST(WideString, StringResourcesThatDoNotExistLoadNothing) {
+    CXStringW wide(KTW("keep"));
+    CXString narrow("keep");
+    EXPECT_EQ(wide.Load(nullptr, 65000), 0);
+    EXPECT_EQ(narrow.Load(nullptr, 65000), 0);
+}
+
+}  // namespace
+}  // namespace kt::test
