@@ -85,9 +85,13 @@ struct StringOps {
         Adopt(s, copy);
     }
 
-    // Whether `text` lies in the string's own buffer, which growing may free.
-    static bool IsInside(const String& s, const Unit* text) {
-        return !IsEmptyString(s.data) && text >= s.data && text <= s.data + Capacity(s);
+    // `text`, or a copy of it in `copy` where it lies in the string's own
+    // buffer, which a change may move or free.
+    static const Unit* Detached(const String& s, const Unit* text, unsigned n, Buffer& copy) {
+        if (text == nullptr || IsEmptyString(s.data) || text < s.data || text > s.data + Capacity(s))
+            return text;
+        copy.assign(text, n);
+        return copy.c_str();
     }
 
     static void ConcatCopy(String& s, const Unit* text, unsigned n) {
@@ -97,10 +101,8 @@ struct StringOps {
     static void ConcatCopyTo(String& s, unsigned pos, const Unit* text, unsigned n) {
         if (text == nullptr)
             return;
-        if (IsInside(s, text)) {
-            const Buffer copy(text, n);
-            return ConcatCopyTo(s, pos, copy.c_str(), n);
-        }
+        Buffer copy;
+        text = Detached(s, text, n, copy);
         pos = std::min(pos, Text::Size(s.data));
         ReallocBuffer(s, pos + n + 1);
         std::memcpy(s.data + pos, text, n * sizeof(Unit));
@@ -295,16 +297,24 @@ struct StringOps {
         return pos < 0 || static_cast<unsigned>(pos) > length ? Text::Size(s.data) : UnitsBefore(s, pos);
     }
 
-    // Puts `n` units of `text` in the place of `removed` units at `at`, in a
-    // private buffer with room for `room` units.
+    // Puts `n` units of `text` in the place of `removed` units at `at`. The
+    // buffer must be private with room for `room` units (at least the result
+    // and its terminator): the change is made in place if it is, else the
+    // result is built in a new buffer.
     static void Splice(String& s, unsigned at, unsigned removed, const Unit* text, unsigned n, unsigned room) {
-        if (IsInside(s, text)) {
-            const Buffer copy(text, n);
-            return Splice(s, at, removed, copy.c_str(), n, room);
-        }
+        Buffer copy;
+        text = Detached(s, text, n, copy);
         const unsigned size = Text::Size(s.data);
-        ReallocBuffer(s, room);
-        std::memmove(s.data + at + n, s.data + at + removed, (size - at - removed + 1) * sizeof(Unit));
+        const unsigned tail = size - at - removed + 1;  // with the terminator
+        const CXStringData* header = Header(s.data);
+        if (header->refs < 2 && size_t{room} * sizeof(Unit) <= static_cast<size_t>(header->alloc)) {
+            std::memmove(s.data + at + n, s.data + at + removed, tail * sizeof(Unit));
+        } else {
+            Unit* result = NewBuffer(room);
+            std::memcpy(result, s.data, at * sizeof(Unit));
+            std::memcpy(result + at + n, s.data + at + removed, tail * sizeof(Unit));
+            Adopt(s, result);
+        }
         if (n != 0)
             std::memcpy(s.data + at, text, n * sizeof(Unit));
     }
