@@ -106,6 +106,52 @@ void Failures() {
                 static_cast<unsigned long>(XErrorFromHResult(0x80030005)));
 }
 
+void Strings() {
+    Step("Strings share their text until one of them changes it");
+    CXString original("C:\\Projects\\kticore\\docs\\design\\strings.txt");
+    CXString copy = original;
+    std::printf("   copy shares the buffer: %s\n", static_cast<const char*>(copy) == original ? "yes" : "no");
+    copy.ChangeFileExt("md");
+    std::printf("   after ChangeFileExt(\"md\"): \"%s\" and the original \"%s\"\n",
+                static_cast<const char*>(copy), static_cast<const char*>(original));
+    char directory[64];
+    original.GetFilePath(directory);
+    std::printf("   directory \"%s\", name \"%s\", extension \"%s\"\n", directory, original.GetFileName(),
+                original.GetFileExt());
+    original.ReducePathString(30);
+    std::printf("   shortened for display: \"%s\"\n", static_cast<const char*>(original));
+
+    _setmbcp(932);
+    CXString japanese("\x93\xFA\x96\x7B\x8C\xEA");  // three Shift-JIS characters
+    std::printf("   in code page 932, a text of %u bytes has %u characters; the second is 0x%04X\n",
+                japanese.GetSize(), japanese.GetLength(), static_cast<unsigned>(japanese.GetAt(1)));
+    _setmbcp(_MB_CP_ANSI);
+
+    CXString line;
+    line.Format("%s=%d (%5.2f) %S", "temperature", 21, 21.456, KTW("wide text"));
+    std::printf("   Format: \"%s\"\n", static_cast<const char*>(line));
+    CXStringW wide;
+    wide.Format(KTW("%s and %S"), KTW("wide"), "narrow");
+    std::printf("   wide Format: \"%s\"\n", Narrow(wide).c_str());
+}
+
+void Containers() {
+    Step("Maps find entries by the hash of their name; enumerators keep them alive");
+    auto* map = new CTMapEnum<const char*, int, const char*, int>;
+    map->Set("width", 640);
+    map->Set("height", 480);
+    map->Set("width", 800);  // replaces
+    CTEnum<const char*>* names = map->GetEnum();
+    map->Release();
+    const char* name = nullptr;
+    while (names->Next(1, &name, nullptr)) {
+        int value = 0;
+        map->Lookup(name, value);
+        std::printf("   %s = %d\n", name, value);
+    }
+    names->Release();
+}
+
 }  // namespace
 
 int main() {
@@ -114,6 +160,8 @@ int main() {
     Heaps();
     LowMemory();
     Failures();
+    Strings();
+    Containers();
     std::printf("\ndone\n");
     return 0;
 }
