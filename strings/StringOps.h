@@ -11,6 +11,7 @@
 #include <climits>
 #include <cstdarg>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "kticore/strings/StringData.h"
@@ -34,6 +35,8 @@ struct StringOps {
     static unsigned Capacity(const String& s) { return static_cast<unsigned>(Header(s.data)->alloc) / sizeof(Unit); }
 
     static Unit* NewBuffer(unsigned units) {
+        if (size_t{units} * sizeof(Unit) > static_cast<size_t>(INT_MAX))
+            throw std::bad_alloc();  // `alloc` could not describe it
         const size_t bytes = sizeof(CXStringData) + (size_t{units} + 1) * sizeof(Unit);
         char* block = new char[bytes]();
         CXStringData* header = reinterpret_cast<CXStringData*>(block);

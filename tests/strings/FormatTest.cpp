@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdarg>
+#include <new>
 #include <random>
 #include <string>
 
@@ -117,6 +118,12 @@ TEST(Format, PrintsWholeTextWhereTheFiguresFallShort) {
     EXPECT_EQ(Narrow("%10.3s|", big.c_str()), "       xxx|");
     EXPECT_EQ(Narrow("%f", 1e300).size(), 301u + 7u);
     EXPECT_EQ(Narrow("%.40d", -5), "-" + std::string(39, '0') + "5");
+}
+
+TEST(Format, AWidthBeyondAnyBufferFailsAsAllocationDoes) {
+    CXString s("kept");
+    EXPECT_THROW(s.Format("%99999999999d", 1), std::bad_alloc);
+    EXPECT_EQ(std::string(s), "kept");
 }
 
 // Formats and arguments drawn at random; the estimate must cover the text.
