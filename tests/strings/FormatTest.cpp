@@ -80,7 +80,7 @@ TEST(Format, NarrowConversionsPrintTheSameOnEveryBuild) {
     EXPECT_EQ(Narrow("%d|%5d|%-5d|%05d|%+d|% d", 42, 42, 42, 42, 42, 42), "42|   42|42   |00042|+42| 42");
     EXPECT_EQ(Narrow("%u|%x|%X|%#x|%o|%#o|%.3d|%hd", -1, 255, 255, 255, 8, 8, 7, 70000),
               "4294967295|ff|FF|0xff|10|010|007|4464");
-    EXPECT_EQ(Narrow("%ld", static_cast<long>(-5)), "-5");
+    EXPECT_EQ(Narrow("%ld|%#x|%#o|%.0d|", static_cast<long>(-5), 0, 0, 0), "-5|0|0||");
     EXPECT_EQ(Narrow("%f|%.2f|%8.3f|%e|%g|%G", 3.14159, 2.005, -1.5, 1.5, 1e20, 1e-5),
               "3.141590|2.00|  -1.500|1.500000e+00|1e+20|1E-05");
     EXPECT_EQ(Narrow("%.0f|%#.0f|%+.1e", 2.5, 2.0, 12345.0), "2|2.|+1.2e+04");
