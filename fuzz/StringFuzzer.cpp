@@ -15,6 +15,7 @@
 #include "fuzz/FuzzInput.h"
 #include "kticore/strings/XString.h"
 #include "kticore/strings/XStringW.h"
+#include "tests/support/FormatEstimate.h"
 
 namespace {
 
@@ -26,18 +27,6 @@ void Require(bool condition, const char* what) {
         std::abort();
     }
 }
-
-// Reaches the protected estimate.
-template <class String, class Unit>
-struct Estimating : String {
-    int operator()(const Unit* format, ...) {
-        va_list args;
-        va_start(args, format);
-        const int estimate = this->FormatV(format, args);
-        va_end(args);
-        return estimate;
-    }
-};
 
 template <class String, class Unit>
 class StringRun {
@@ -196,30 +185,30 @@ private:
     // One conversion with its arguments, as Format's table allows them.
     void Format() {
         static const char* kFlags[] = {"", "-", "+", "0", " ", "#", "-#0"};
-        std::string spec = SomeAscii() + "%" + kFlags[input.Below(7)];
+        std::string conversion = SomeAscii() + "%" + kFlags[input.Below(7)];
         const bool starWidth = input.Below(4) == 0, starPrecision = input.Below(4) == 0;
-        spec += starWidth ? "*" : std::to_string(input.Below(60));
+        conversion += starWidth ? "*" : std::to_string(input.Below(60));
         if (starPrecision)
-            spec += ".*";
+            conversion += ".*";
         else if (input.Below(2))
-            spec += "." + std::to_string(input.Below(40));
+            conversion += "." + std::to_string(input.Below(40));
         const int width = static_cast<int>(input.Below(80)) - 20,
                   precision = static_cast<int>(input.Below(50)) - 5;
         switch (input.Below(5)) {
             case 0:
-                return Stars(spec + "hd", starWidth, starPrecision, width, precision,
+                return Stars(conversion + "hd", starWidth, starPrecision, width, precision,
                              static_cast<int>(input.Below(65536) << 16));
             case 1:
-                return Stars(spec + "g", starWidth, starPrecision, width, precision,
+                return Stars(conversion + "g", starWidth, starPrecision, width, precision,
                              static_cast<double>(input.Below(65536)) * 1e10);
             case 2:
-                return Stars(spec + "hs", starWidth, starPrecision, width, precision,
+                return Stars(conversion + "hs", starWidth, starPrecision, width, precision,
                              "narrow text");
             case 3:
-                return Stars(spec + "lc", starWidth, starPrecision, width, precision,
+                return Stars(conversion + "lc", starWidth, starPrecision, width, precision,
                              static_cast<int>(Character()));
             default:
-                return Stars(spec + "x" + SomeAscii(), starWidth, starPrecision, width, precision,
+                return Stars(conversion + "x" + SomeAscii(), starWidth, starPrecision, width, precision,
                              static_cast<int>(input.Byte()));
         }
     }
@@ -234,9 +223,9 @@ private:
     }
 
     template <class Value>
-    void Stars(const std::string& spec, bool starWidth, bool starPrecision, int width,
+    void Stars(const std::string& conversion, bool starWidth, bool starPrecision, int width,
                int precision, Value value) {
-        const Text format(spec.begin(), spec.end());
+        const Text format(conversion.begin(), conversion.end());
         if (starWidth && starPrecision)
             Formatted(format, width, precision, value);
         else if (starWidth)
@@ -250,7 +239,7 @@ private:
     template <class... Args>
     void Formatted(const Text& format, Args... args) {
         s.Format(format.c_str(), args...);
-        Estimating<String, Unit> estimate;
+        FormatEstimate<String, Unit> estimate;
         Require(s.GetSize() <= static_cast<unsigned>(estimate(format.c_str(), args...)),
                 "estimate too short");
     }

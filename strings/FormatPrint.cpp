@@ -243,8 +243,8 @@ private:
 
     void PrintReal(const Conversion<Unit>& c) {
         const double value = va_arg(args.list, double);
-        char spec[16];
-        char* s = spec;
+        char conversionText[16];
+        char* s = conversionText;
         *s++ = '%';
         if (LeftAligned(c))
             *s++ = '-';
@@ -264,7 +264,7 @@ private:
         const int width = static_cast<int>(std::llabs(static_cast<long long>(c.width)));
         const int precision = c.precisionGiven ? c.precision : 6;
         char local[512];
-        int size = std::snprintf(local, sizeof local, spec, width, precision, value);
+        int size = std::snprintf(local, sizeof local, conversionText, width, precision, value);
         if (size < 0)
             return;
         if (static_cast<size_t>(size) < sizeof local) {
@@ -272,7 +272,7 @@ private:
             return;
         }
         std::string large(static_cast<size_t>(size) + 1, 0);
-        std::snprintf(&large[0], large.size(), spec, width, precision, value);
+        std::snprintf(&large[0], large.size(), conversionText, width, precision, value);
         sink.Write(large.data(), static_cast<size_t>(size));
     }
 

@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 
+#include "tests/support/FormatEstimate.h"
 #include "tests/support/StringInspection.h"
 #include "tests/support/StringWidths.h"
 #include "tests/support/WideText.h"
@@ -14,26 +15,8 @@
 namespace kt::test {
 namespace {
 
-// Reaches the protected estimate.
-struct NarrowEstimate : CXString {
-    int operator()(const char* format, ...) {
-        va_list args;
-        va_start(args, format);
-        int estimate = FormatV(format, args);
-        va_end(args);
-        return estimate;
-    }
-};
-
-struct WideEstimate : CXStringW {
-    int operator()(const KTWCHAR* format, ...) {
-        va_list args;
-        va_start(args, format);
-        int estimate = FormatV(format, args);
-        va_end(args);
-        return estimate;
-    }
-};
+using NarrowEstimate = FormatEstimate<CXString, char>;
+using WideEstimate = FormatEstimate<CXStringW, KTWCHAR>;
 
 template <class... Args>
 std::string Narrow(const char* format, Args... args) {

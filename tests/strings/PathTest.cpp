@@ -8,17 +8,7 @@ namespace kt::test {
 namespace {
 
 template <class W>
-class Paths : public ::testing::Test {
-protected:
-    using String = typename W::String;
-    using Unit = typename W::Unit;
-    using Text = std::basic_string<Unit>;
-
-    static String Make(const char* ascii) { return String(W::Text(ascii).c_str()); }
-    static Text T(const char* ascii) { return W::Text(ascii); }
-    static Text Of(const Unit* text) { return text != nullptr ? Text(text) : T("<null>"); }
-    static Text Of(const String& s) { return static_cast<const Unit*>(s); }
-};
+using Paths = StringTest<W>;
 TYPED_TEST_SUITE(Paths, BothWidths, WidthName);
 
 TYPED_TEST(Paths, SplitIntoDirectoryNameAndExtension) {

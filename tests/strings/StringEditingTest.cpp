@@ -7,15 +7,7 @@ namespace kt::test {
 namespace {
 
 template <class W>
-class StringEditing : public ::testing::Test {
-protected:
-    using String = typename W::String;
-    using Unit = typename W::Unit;
-
-    static String Make(const char* ascii) { return String(W::Text(ascii).c_str()); }
-    static std::basic_string<Unit> Text(const String& s) { return static_cast<const Unit*>(s); }
-    static std::basic_string<Unit> T(const char* ascii) { return W::Text(ascii); }
-};
+using StringEditing = StringTest<W>;
 TYPED_TEST_SUITE(StringEditing, BothWidths, WidthName);
 
 TYPED_TEST(StringEditing, DeleteTakesRangesThatReachBackwardAndClips) {
@@ -26,7 +18,7 @@ TYPED_TEST(StringEditing, DeleteTakesRangesThatReachBackwardAndClips) {
     for (const Case& c : cases) {
         auto s = this->Make("abcd");
         s.Delete(c.pos, c.count);
-        EXPECT_EQ(this->Text(s), this->T(c.expected)) << c.pos << "," << c.count;
+        EXPECT_EQ(this->Of(s), this->T(c.expected)) << c.pos << "," << c.count;
     }
 }
 
@@ -34,39 +26,39 @@ TYPED_TEST(StringEditing, ReplaceNeedsBothARangeAndAText) {
     auto s = this->Make("abc");
     s.Replace(1, 0, this->T("x").c_str());
     s.Replace(1, 1, this->T("").c_str());
-    EXPECT_EQ(this->Text(s), this->T("abc"));
+    EXPECT_EQ(this->Of(s), this->T("abc"));
     s.Replace(1, 1, this->T("XYZ").c_str());
-    EXPECT_EQ(this->Text(s), this->T("aXYZc"));
+    EXPECT_EQ(this->Of(s), this->T("aXYZc"));
     s.Replace(-1, -2, this->T("!").c_str());
-    EXPECT_EQ(this->Text(s), this->T("aXY!"));
+    EXPECT_EQ(this->Of(s), this->T("aXY!"));
 }
 
 TYPED_TEST(StringEditing, ExtractGivesTheRangeAndItsSize) {
     auto s = this->Make("abcd");
     typename TypeParam::String dest = this->Make("old");
     EXPECT_EQ(s.Extract(-1, -2, dest), 2);
-    EXPECT_EQ(this->Text(dest), this->T("cd"));
+    EXPECT_EQ(this->Of(dest), this->T("cd"));
     EXPECT_EQ(s.Extract(1, 2), 2);
-    EXPECT_EQ(this->Text(s), this->T("bc"));
+    EXPECT_EQ(this->Of(s), this->T("bc"));
 }
 
 TYPED_TEST(StringEditing, InsertAtAPositionOrTheEnd) {
     auto s = this->Make("ac");
     s.Insert(1, 'b').Insert(-1, 'd').Insert(99, this->T("ef").c_str()).Insert(0, KTWCHAR(0));
-    EXPECT_EQ(this->Text(s), this->T("abcdef"));
+    EXPECT_EQ(this->Of(s), this->T("abcdef"));
 }
 
 TYPED_TEST(StringEditing, FindReplaceChangesTheFirstOccurrenceOnly) {
     auto s = this->Make("a-b-c");
     EXPECT_EQ(s.FindReplace(this->T("-").c_str(), this->T("+").c_str()), 1);
-    EXPECT_EQ(this->Text(s), this->T("a+b-c"));
+    EXPECT_EQ(this->Of(s), this->T("a+b-c"));
     EXPECT_EQ(s.FindReplace(KTWCHAR('-'), KTWCHAR('=')), 1);
-    EXPECT_EQ(this->Text(s), this->T("a+b=c"));
+    EXPECT_EQ(this->Of(s), this->T("a+b=c"));
     EXPECT_EQ(s.FindReplace(this->T("+b").c_str(), this->T("").c_str()), 1);
-    EXPECT_EQ(this->Text(s), this->T("a=c"));
+    EXPECT_EQ(this->Of(s), this->T("a=c"));
     EXPECT_EQ(s.FindReplace(this->T("q").c_str(), this->T("r").c_str()), 0);
     EXPECT_EQ(s.FindReplace(KTWCHAR('c'), this->T("long").c_str()), 1);
-    EXPECT_EQ(this->Text(s), this->T("a=long"));
+    EXPECT_EQ(this->Of(s), this->T("a=long"));
 }
 
 TYPED_TEST(StringEditing, SearchesReturnPositionsOrMinusOne) {
@@ -86,12 +78,12 @@ TYPED_TEST(StringEditing, TrimmingRemovesBlankSpace) {
     auto s = this->Make(" \t lead and trail \r\n ");
     s.TrimLeft();
     s.TrimRight();
-    EXPECT_EQ(this->Text(s), this->T("lead and trail"));
+    EXPECT_EQ(this->Of(s), this->T("lead and trail"));
     auto blanks = this->Make("    ");
     blanks.TrimLeft();
     EXPECT_EQ(blanks.GetLength(), 0u);
     blanks += this->Make("ok");
-    EXPECT_EQ(this->Text(blanks), this->T("ok"));
+    EXPECT_EQ(this->Of(blanks), this->T("ok"));
 }
 
 TYPED_TEST(StringEditing, ComparisonsOrderAndIgnoreCase) {
@@ -116,13 +108,13 @@ TYPED_TEST(StringEditing, CopyFitCopiesWholeCharactersThatFit) {
 
 TYPED_TEST(StringEditing, ConcatenationInAllForms) {
     auto a = this->Make("ab");
-    EXPECT_EQ(this->Text(a + this->Make("cd")), this->T("abcd"));
-    EXPECT_EQ(this->Text(a + this->T("cd").c_str()), this->T("abcd"));
-    EXPECT_EQ(this->Text(this->T("cd").c_str() + a), this->T("cdab"));
-    EXPECT_EQ(this->Text(a + KTWCHAR('!')), this->T("ab!"));
-    EXPECT_EQ(this->Text(KTWCHAR('!') + a), this->T("!ab"));
+    EXPECT_EQ(this->Of(a + this->Make("cd")), this->T("abcd"));
+    EXPECT_EQ(this->Of(a + this->T("cd").c_str()), this->T("abcd"));
+    EXPECT_EQ(this->Of(this->T("cd").c_str() + a), this->T("cdab"));
+    EXPECT_EQ(this->Of(a + KTWCHAR('!')), this->T("ab!"));
+    EXPECT_EQ(this->Of(KTWCHAR('!') + a), this->T("!ab"));
     a += KTWCHAR('c');
-    EXPECT_EQ(this->Text(a), this->T("abc"));
+    EXPECT_EQ(this->Of(a), this->T("abc"));
 }
 
 }  // namespace

@@ -8,15 +8,7 @@ namespace kt::test {
 namespace {
 
 template <class W>
-class StringSharing : public ::testing::Test {
-protected:
-    using String = typename W::String;
-    using Unit = typename W::Unit;
-
-    static String Make(const char* ascii) { return String(W::Text(ascii).c_str()); }
-    static std::basic_string<Unit> Text(const String& s) { return static_cast<const Unit*>(s); }
-    static const Unit* DataOf(const String& s) { return static_cast<const Unit*>(s); }
-};
+using StringSharing = StringTest<W>;
 TYPED_TEST_SUITE(StringSharing, BothWidths, WidthName);
 
 TYPED_TEST(StringSharing, ACopySharesUntilOneChanges) {
@@ -26,15 +18,15 @@ TYPED_TEST(StringSharing, ACopySharesUntilOneChanges) {
     EXPECT_EQ(HeaderOf(original).refs, 2);
 
     copy.Insert(0, 'x');
-    EXPECT_EQ(this->Text(original), TypeParam::Text("abc"));
-    EXPECT_EQ(this->Text(copy), TypeParam::Text("xabc"));
+    EXPECT_EQ(this->Of(original), this->T("abc"));
+    EXPECT_EQ(this->Of(copy), this->T("xabc"));
     EXPECT_EQ(HeaderOf(original).refs, 1);
     EXPECT_EQ(HeaderOf(copy).refs, 1);
 }
 
 TYPED_TEST(StringSharing, EveryChangingOperationLeavesTheOtherCopyAlone) {
     using String = typename TypeParam::String;
-    const auto before = TypeParam::Text(" Abc.def ");
+    const auto before = this->T(" Abc.def ");
     void (*changes[])(String&) = {
         [](String& s) { s.Delete(0, 2); },
         [](String& s) { s.Replace(1, 1, TypeParam::Text("zz").c_str()); },
@@ -52,7 +44,7 @@ TYPED_TEST(StringSharing, EveryChangingOperationLeavesTheOtherCopyAlone) {
         String original(before.c_str());
         String copy = original;
         change(copy);
-        EXPECT_EQ(this->Text(original), before);
+        EXPECT_EQ(this->Of(original), before);
         EXPECT_NE(this->DataOf(original), this->DataOf(copy));
     }
 }
@@ -74,14 +66,14 @@ TYPED_TEST(StringSharing, ALockedBufferIsCopiedNotShared) {
     buffer[4] = 0;
     original.ReleaseBuffer(1);  // the argument does not cut the text
     EXPECT_EQ(HeaderOf(original).refs, 1);
-    EXPECT_EQ(this->Text(original), TypeParam::Text("abcd"));
-    EXPECT_EQ(this->Text(copy), TypeParam::Text("abc"));
+    EXPECT_EQ(this->Of(original), this->T("abcd"));
+    EXPECT_EQ(this->Of(copy), this->T("abc"));
 }
 
 TYPED_TEST(StringSharing, EmptyStringsShareOneStaticBuffer) {
     using String = typename TypeParam::String;
     String a;
-    String b(TypeParam::Text("").c_str());
+    String b(this->T("").c_str());
     String c(static_cast<const typename TypeParam::Unit*>(nullptr));
     EXPECT_EQ(this->DataOf(a), this->DataOf(b));
     EXPECT_EQ(this->DataOf(a), this->DataOf(c));
@@ -127,9 +119,9 @@ TYPED_TEST(StringSharing, AssignmentSharesAndSelfAssignmentKeeps) {
 TYPED_TEST(StringSharing, TextFromTheStringsOwnBufferSurvivesGrowth) {
     auto s = this->Make("abcdef");
     s.Insert(3, this->DataOf(s));  // the source lies in the buffer that grows
-    EXPECT_EQ(this->Text(s), TypeParam::Text("abcabcdefdef"));
+    EXPECT_EQ(this->Of(s), this->T("abcabcdefdef"));
     s.Replace(0, 3, this->DataOf(s) + 9);
-    EXPECT_EQ(this->Text(s), TypeParam::Text("defabcdefdef"));
+    EXPECT_EQ(this->Of(s), this->T("defabcdefdef"));
 }
 
 }  // namespace

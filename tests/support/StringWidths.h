@@ -38,4 +38,20 @@ struct WidthName {
     }
 };
 
+// The base of typed tests: strings and texts of the width under test, made
+// from ASCII literals.
+template <class W>
+class StringTest : public ::testing::Test {
+protected:
+    using String = typename W::String;
+    using Unit = typename W::Unit;
+    using Text = std::basic_string<Unit>;
+
+    static String Make(const char* ascii) { return String(W::Text(ascii).c_str()); }
+    static Text T(const char* ascii) { return W::Text(ascii); }
+    static Text Of(const String& s) { return static_cast<const Unit*>(s); }
+    static Text Of(const Unit* text) { return text != nullptr ? Text(text) : T("<null>"); }
+    static const Unit* DataOf(const String& s) { return static_cast<const Unit*>(s); }
+};
+
 }  // namespace kt::test

@@ -102,3 +102,48 @@ public:
 private:
     std::basic_string<C> copy;
 };
+
+// An enumerator over a container that is itself a counted object. Each AddRef
+// and Release counts on the enumerator and on the container, so the container
+// lives while any of its enumerators does.
+template <class T, class Owner>
+class CTOwnedEnum : public CTEnum<T> {
+public:
+    CTOwnedEnum(const CTOwnedEnum&) = delete;
+    CTOwnedEnum& operator=(const CTOwnedEnum&) = delete;
+    virtual ~CTOwnedEnum() = default;
+
+    ULONG AddRef() override {
+        Container().AddRef();
+        return ++refs;
+    }
+
+    ULONG Release() override {
+        const ULONG left = --refs;
+        IKTUnknown& container = Container();
+        if (left == 0)
+            delete this;
+        container.Release();
+        return left;
+    }
+
+    int QueryInterface(const type_info& wanted, void** out) override {
+        const bool found = wanted == typeid(IKTUnknown) || wanted == typeid(CTEnum<T>);
+        if (out == nullptr)
+            return found;
+        *out = found ? static_cast<CTEnum<T>*>(this) : nullptr;
+        if (found)
+            AddRef();
+        return found;
+    }
+
+protected:
+    explicit CTOwnedEnum(Owner* owner) : owner(owner) { Container().AddRef(); }
+
+    Owner* owner;
+
+private:
+    IKTUnknown& Container() { return *owner; }
+
+    ULONG refs = 1;
+};

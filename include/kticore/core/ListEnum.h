@@ -8,39 +8,11 @@
 template <class T, class R>
 class CTListEnum;
 
-// Walks the items of a CTListEnum in list order. Each AddRef and Release
-// counts on the enumerator and on the list.
+// Walks the items of a CTListEnum in list order.
 template <class T, class R>
-class _CListEnum : public CTEnum<R> {
+class _CListEnum : public CTOwnedEnum<R, CTListEnum<T, R>> {
 public:
-    explicit _CListEnum(CTListEnum<T, R>* owner) : owner(owner) { static_cast<IKTUnknown&>(*owner).AddRef(); }
-    _CListEnum(const _CListEnum&) = delete;
-    _CListEnum& operator=(const _CListEnum&) = delete;
-    virtual ~_CListEnum() = default;
-
-    ULONG AddRef() override {
-        static_cast<IKTUnknown&>(*owner).AddRef();
-        return ++refs;
-    }
-
-    ULONG Release() override {
-        const ULONG left = --refs;
-        IKTUnknown& list = *owner;
-        if (left == 0)
-            delete this;
-        list.Release();
-        return left;
-    }
-
-    int QueryInterface(const type_info& wanted, void** out) override {
-        const bool found = wanted == typeid(IKTUnknown) || wanted == typeid(CTEnum<R>);
-        if (out == nullptr)
-            return found;
-        *out = found ? static_cast<CTEnum<R>*>(this) : nullptr;
-        if (found)
-            AddRef();
-        return found;
-    }
+    explicit _CListEnum(CTListEnum<T, R>* owner) : CTOwnedEnum<R, CTListEnum<T, R>>(owner) {}
 
     int Next(ULONG count, R* items, ULONG* fetched) override {
         if (!started)
@@ -48,7 +20,7 @@ public:
         ULONG stored = 0;
         for (; items != nullptr && stored < count && current != nullptr; ++stored) {
             items[stored] = static_cast<R>(current->value);
-            current = owner->Next(current);
+            current = this->owner->Next(current);
         }
         if (fetched != nullptr)
             *fetched = stored;
@@ -60,20 +32,18 @@ public:
         if (!started)
             Reset();
         for (; count != 0 && current != nullptr; --count)
-            current = owner->Next(current);
+            current = this->owner->Next(current);
         return current != nullptr;
     }
 
     void Reset() override {
-        current = owner->First();
+        current = this->owner->First();
         started = 1;
     }
 
 private:
     _CTListPlex<T>* current = nullptr;
-    CTListEnum<T, R>* owner;
     DWORD started = 0;
-    ULONG refs = 1;
 };
 
 template <class T, class R>

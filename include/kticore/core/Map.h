@@ -126,7 +126,8 @@ public:
 
     static constexpr DWORD kTableMark = 6502;
 
-    explicit CTMap(IHeap* heap = nullptr, DWORD tableSize = 127) : heap(heap), tableSize(tableSize) {}
+    explicit CTMap(IHeap* heap = nullptr, DWORD tableSize = 127)
+        : heap(heap), tableSize(tableSize) {}
     CTMap(const CTMap&) = delete;
     CTMap& operator=(const CTMap&) = delete;
     virtual ~CTMap() { RemoveAll(); }

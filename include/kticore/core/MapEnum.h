@@ -8,43 +8,14 @@
 template <class K, class V, class KR, class VR>
 class CTMapEnum;
 
-// Walks the keys of a CTMapEnum. Each AddRef and Release counts on the
-// enumerator and on the map, so the map lives while any enumerator does.
-// Having reached the end it stays there until Reset, as a list's does,
-// although the map's own walk would begin again.
+// Walks the keys of a CTMapEnum. Having reached the end it stays there until
+// Reset, as a list's enumerator does, although the map's own walk would begin
+// again.
 template <class K, class V, class KR, class VR>
-class _CMapKeyEnum : public CTEnum<KR> {
+class _CMapKeyEnum : public CTOwnedEnum<KR, CTMapEnum<K, V, KR, VR>> {
 public:
-    explicit _CMapKeyEnum(CTMapEnum<K, V, KR, VR>* owner) : owner(owner) {
-        static_cast<IKTUnknown&>(*owner).AddRef();
-    }
-    _CMapKeyEnum(const _CMapKeyEnum&) = delete;
-    _CMapKeyEnum& operator=(const _CMapKeyEnum&) = delete;
-    virtual ~_CMapKeyEnum() = default;
-
-    ULONG AddRef() override {
-        static_cast<IKTUnknown&>(*owner).AddRef();
-        return ++refs;
-    }
-
-    ULONG Release() override {
-        const ULONG left = --refs;
-        IKTUnknown& map = *owner;
-        if (left == 0)
-            delete this;
-        map.Release();
-        return left;
-    }
-
-    int QueryInterface(const type_info& wanted, void** out) override {
-        const bool found = wanted == typeid(IKTUnknown) || wanted == typeid(CTEnum<KR>);
-        if (out == nullptr)
-            return found;
-        *out = found ? static_cast<CTEnum<KR>*>(this) : nullptr;
-        if (found)
-            AddRef();
-        return found;
-    }
+    explicit _CMapKeyEnum(CTMapEnum<K, V, KR, VR>* owner)
+        : CTOwnedEnum<KR, CTMapEnum<K, V, KR, VR>>(owner) {}
 
     int Next(ULONG count, KR* items, ULONG* fetched) override {
         if (!started)
@@ -79,22 +50,21 @@ public:
 
 private:
     K* Step() {
-        K* key = finished ? nullptr : owner->NextKey(position);
+        K* key = finished ? nullptr : this->owner->NextKey(position);
         finished = key == nullptr;
         return key;
     }
 
     CTMapPosition position;
-    CTMapEnum<K, V, KR, VR>* owner;
     DWORD started = 0;
-    ULONG refs = 1;
     bool finished = false;
 };
 
 template <class K, class V, class KR, class VR>
 class CTMapEnum : public CTMap<K, V>, public CKTUnknownImpl<IKTUnknown> {
 public:
-    explicit CTMapEnum(IHeap* heap = nullptr, DWORD tableSize = 127) : CTMap<K, V>(heap, tableSize) {}
+    explicit CTMapEnum(IHeap* heap = nullptr, DWORD tableSize = 127)
+        : CTMap<K, V>(heap, tableSize) {}
 
     // A new enumerator of the keys with one reference, or null once the map
     // is closed.
