@@ -11,11 +11,20 @@
 
 namespace kt::format {
 
+// Memory that the printed text will be written to. The estimate tells
+// whether a text argument lies in it, since such text must be read before the
+// memory is overwritten.
+struct Region {
+    const void* begin;
+    const void* end;
+    bool holdsArgument = false;
+};
+
 // An upper bound of the length of the text that Print writes for `format`
 // and `args`, found by walking the format without writing. `args` is left as
 // it was.
 template <class Unit>
-long long Estimate(const Unit* format, va_list args);
+long long Estimate(const Unit* format, va_list args, Region* target = nullptr);
 
 // Prints into `out`, which holds `capacity` units, at most `capacity - 1` of
 // them and a terminator. Returns the length of the whole text, which is more

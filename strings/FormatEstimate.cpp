@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <string>
 
 #include "strings/FormatConversion.h"
@@ -30,10 +31,22 @@ long long TextLength(const Text* text) {
 }
 
 template <class Unit>
-long long TextItem(const Conversion<Unit>& c, Arguments& args) {
+long long TextItem(const Conversion<Unit>& c, Arguments& args, Region* target) {
     const bool wideFormat = sizeof(Unit) == sizeof(KTWCHAR);
-    long long item = c.TakesWide(wideFormat) ? TextLength(va_arg(args.list, const KTWCHAR*))
-                                             : TextLength(va_arg(args.list, const char*));
+    const void* text = nullptr;
+    long long item;
+    if (c.TakesWide(wideFormat)) {
+        const KTWCHAR* wide = va_arg(args.list, const KTWCHAR*);
+        text = wide;
+        item = TextLength(wide);
+    } else {
+        const char* narrow = va_arg(args.list, const char*);
+        text = narrow;
+        item = TextLength(narrow);
+    }
+    if (target != nullptr && text != nullptr && std::less_equal<const void*>()(target->begin, text) &&
+        std::less<const void*>()(text, target->end))
+        target->holdsArgument = true;
     return std::max(item, 1LL);
 }
 
@@ -49,7 +62,7 @@ long long RealBound(const Conversion<Unit>& c, double value) {
 }
 
 template <class Unit>
-long long ConversionItem(const Conversion<Unit>& c, Arguments& args) {
+long long ConversionItem(const Conversion<Unit>& c, Arguments& args, Region* target) {
     const long long width = c.width;
     const long long fieldWidth = std::llabs(width);
     const long long precision = c.precision;
@@ -59,7 +72,7 @@ long long ConversionItem(const Conversion<Unit>& c, Arguments& args) {
     case Kind::Text: {
         long long item = 2;
         if (c.kind() == Kind::Text)
-            item = TextItem(c, args);
+            item = TextItem(c, args, target);
         else
             (void)va_arg(args.list, int);
         if (precision > 0)
@@ -88,7 +101,7 @@ long long ConversionItem(const Conversion<Unit>& c, Arguments& args) {
 }  // namespace
 
 template <class Unit>
-long long Estimate(const Unit* format, va_list args) {
+long long Estimate(const Unit* format, va_list args, Region* target) {
     const bool wideFormat = sizeof(Unit) == sizeof(KTWCHAR);
     const long long formatLength = static_cast<long long>(std::char_traits<Unit>::length(format));
     Arguments walk;
@@ -106,13 +119,13 @@ long long Estimate(const Unit* format, va_list args) {
         p = ReadConversion(p + 1, walk, conversion);
         if (conversion.letter == 0)
             break;
-        estimate += 2LL * conversion.alternateFlags + ConversionItem(conversion, walk);
+        estimate += 2LL * conversion.alternateFlags + ConversionItem(conversion, walk, target);
     }
     va_end(walk.list);
     return estimate;
 }
 
-template long long Estimate(const char*, va_list);
-template long long Estimate(const KTWCHAR*, va_list);
+template long long Estimate(const char*, va_list, Region*);
+template long long Estimate(const KTWCHAR*, va_list, Region*);
 
 }  // namespace kt::format

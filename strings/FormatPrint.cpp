@@ -2,10 +2,12 @@
 // pointers are laid out here; the digits of reals come from the C library's
 // snprintf, which prints them alike on both builds (two exponent digits,
 // "inf", "nan").
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <type_traits>
 
 #include "platform/TextConversion.h"
 #include "strings/FormatConversion.h"
@@ -51,21 +53,15 @@ private:
 template <class Unit>
 using Text = std::basic_string<Unit>;
 
-// Narrow text to the format's unit width, in the ANSI code page.
-Text<char> InWidth(const char* text, size_t size, char) {
-    return Text<char>(text, size);
-}
-Text<KTWCHAR> InWidth(const char* text, size_t size, KTWCHAR) {
+// Text of the other width, converted in the ANSI code page.
+Text<KTWCHAR> Converted(const char* text, size_t size) {
     Text<KTWCHAR> wide(size, 0);  // never more units than bytes
     const int units =
         sys::MultiByteToWide(sys::kAnsiCodePage, text, static_cast<int>(size), &wide[0], static_cast<int>(size));
     wide.resize(static_cast<size_t>(units > 0 ? units : 0));
     return wide;
 }
-Text<KTWCHAR> InWidth(const KTWCHAR* text, size_t size, KTWCHAR) {
-    return Text<KTWCHAR>(text, size);
-}
-Text<char> InWidth(const KTWCHAR* text, size_t size, char) {
+Text<char> Converted(const KTWCHAR* text, size_t size) {
     const int needed = sys::WideToMultiByte(sys::kAnsiCodePage, text, static_cast<int>(size), nullptr, 0);
     Text<char> narrow(static_cast<size_t>(needed > 0 ? needed : 0), 0);
     if (needed > 0)
@@ -73,15 +69,15 @@ Text<char> InWidth(const KTWCHAR* text, size_t size, char) {
     return narrow;
 }
 
-// The first `limit` units of text, cut behind a whole character.
-size_t Clip(const Text<char>& text, size_t limit) {
-    size_t size = 0;
-    for (const char* p = text.c_str(); *p != 0 && size + mbcs::CharSize(p) <= limit; p = mbcs::Next(p))
-        size += mbcs::CharSize(p);
-    return size;
+// The first units of `text`, at most `limit`, cut behind a whole character.
+size_t Clip(const char* text, size_t size, size_t limit) {
+    size_t clipped = 0;
+    for (const char* p = text; clipped < size && clipped + mbcs::CharSize(p) <= limit; p = mbcs::Next(p))
+        clipped += mbcs::CharSize(p);
+    return clipped;
 }
-size_t Clip(const Text<KTWCHAR>& text, size_t limit) {
-    return std::min(text.size(), limit);
+size_t Clip(const KTWCHAR*, size_t size, size_t limit) {
+    return std::min(size, limit);
 }
 
 template <class Unit>
@@ -152,33 +148,50 @@ private:
 
     Unit TextPad(const Conversion<Unit>& c) const { return c.zeroPad && !LeftAligned(c) ? '0' : ' '; }
 
+    struct Piece {
+        const Unit* data;
+        size_t size;
+    };
+
+    // A text argument in the format's width: the argument itself where it has
+    // that width, else a converted copy.
+    template <class Argument>
+    Piece InFormatWidth(const Argument* text, size_t size) {
+        if constexpr (std::is_same_v<Argument, Unit>) {
+            return {text, size};
+        } else {
+            converted = Converted(text, size);
+            return {converted.data(), converted.size()};
+        }
+    }
+
     void PrintChar(const Conversion<Unit>& c) {
         const int code = va_arg(args.list, int);
-        Text<Unit> text;
-        if (c.TakesWide(kWideFormat)) {
-            const KTWCHAR unit = static_cast<KTWCHAR>(code);
-            text = InWidth(&unit, 1, Unit());
-        } else {
-            const char byte = static_cast<char>(code);
-            text = InWidth(&byte, 1, Unit());
-        }
-        Field(c, text.data(), text.size(), TextPad(c));
+        Piece piece;
+        const KTWCHAR unit = static_cast<KTWCHAR>(code);
+        const char byte = static_cast<char>(code);
+        if (c.TakesWide(kWideFormat))
+            piece = InFormatWidth(&unit, 1);
+        else
+            piece = InFormatWidth(&byte, 1);
+        Field(c, piece.data, piece.size, TextPad(c));
     }
 
     void PrintText(const Conversion<Unit>& c) {
         static const char kNull[] = "(null)";
-        Text<Unit> text;
+        Piece piece;
         if (c.TakesWide(kWideFormat)) {
             const KTWCHAR* wide = va_arg(args.list, const KTWCHAR*);
-            text = wide != nullptr ? InWidth(wide, std::char_traits<KTWCHAR>::length(wide), Unit())
-                                   : InWidth(kNull, sizeof kNull - 1, Unit());
+            piece = wide != nullptr ? InFormatWidth(wide, std::char_traits<KTWCHAR>::length(wide))
+                                    : InFormatWidth(kNull, sizeof kNull - 1);
         } else {
             const char* narrow = va_arg(args.list, const char*);
-            text = InWidth(narrow != nullptr ? narrow : kNull,
-                           std::char_traits<char>::length(narrow != nullptr ? narrow : kNull), Unit());
+            piece = narrow != nullptr ? InFormatWidth(narrow, std::char_traits<char>::length(narrow))
+                                      : InFormatWidth(kNull, sizeof kNull - 1);
         }
-        const size_t size = c.precisionGiven ? Clip(text, static_cast<size_t>(c.precision)) : text.size();
-        Field(c, text.data(), size, TextPad(c));
+        const size_t size =
+            c.precisionGiven ? Clip(piece.data, piece.size, static_cast<size_t>(c.precision)) : piece.size;
+        Field(c, piece.data, size, TextPad(c));
     }
 
     void PrintInteger(const Conversion<Unit>& c) {
@@ -278,6 +291,7 @@ private:
 
     Sink<Unit> sink;
     Arguments args;
+    Text<Unit> converted;
 };
 
 }  // namespace

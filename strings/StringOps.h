@@ -434,17 +434,20 @@ struct StringOps {
         return estimate < INT_MAX ? static_cast<int>(estimate) : INT_MAX;
     }
 
-    // Prints into the string's own buffer when it is private and large
-    // enough, else into a new one that replaces it afterwards, so that text
-    // arguments taken from the old buffer stay readable while printing.
+    // Prints into the string's own buffer when it is private, large enough
+    // and holds none of the text arguments; else into a new one that replaces
+    // it afterwards, so that text taken from the old buffer is read intact.
     // Should the estimate ever fall short, the text is printed again into the
     // room it needs rather than cut.
     static void Format(String& s, const Unit* format, va_list args) {
         if (format == nullptr)
             return;
-        const unsigned room = static_cast<unsigned>(FormatV(format, args)) + 1;
         const CXStringData* header = Header(s.data);
-        const bool inPlace = header->refs == 1 && size_t{room} * sizeof(Unit) <= static_cast<size_t>(header->alloc);
+        format::Region own{s.data, s.data + Capacity(s) + 1};
+        const long long estimate = format::Estimate(format, args, &own);
+        const unsigned room = static_cast<unsigned>(std::min<long long>(estimate, INT_MAX)) + 1;
+        const bool inPlace = header->refs == 1 && !own.holdsArgument &&
+                             size_t{room} * sizeof(Unit) <= static_cast<size_t>(header->alloc);
         Unit* target = inPlace ? s.data : NewBuffer(room);
         for (;;) {
             const size_t capacity = static_cast<size_t>(Header(target)->alloc) / sizeof(Unit);

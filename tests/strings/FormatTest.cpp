@@ -89,10 +89,12 @@ TEST(Format, ReplacesTheTextAndKeepsALargerBuffer) {
     s.Format("%d", 7);
     EXPECT_EQ(std::string(s), "7");
     EXPECT_EQ(s.GetAllocSize(), 501);
+    s.Format("x%s and %s", static_cast<const char*>(s), "more");  // reads its own old text
+    EXPECT_EQ(std::string(s), "x7 and more");
     CXString shared = s;
-    s.Format("%s and %s", static_cast<const char*>(s), "more");  // reads its own old text
-    EXPECT_EQ(std::string(s), "7 and more");
-    EXPECT_EQ(std::string(shared), "7");
+    s.Format("%s!", static_cast<const char*>(s));
+    EXPECT_EQ(std::string(s), "x7 and more!");
+    EXPECT_EQ(std::string(shared), "x7 and more");
 }
 
 TEST(Format, PrintsWholeTextWhereTheFiguresFallShort) {
