@@ -11,6 +11,7 @@
 #include <climits>
 #include <cstdarg>
 #include <cstring>
+#include <functional>
 #include <new>
 #include <string>
 
@@ -91,7 +92,8 @@ struct StringOps {
     // `text`, or a copy of it in `copy` where it lies in the string's own
     // buffer, which a change may move or free.
     static const Unit* Detached(const String& s, const Unit* text, unsigned n, Buffer& copy) {
-        if (text == nullptr || IsEmptyString(s.data) || text < s.data || text > s.data + Capacity(s))
+        const std::less<const Unit*> before;
+        if (text == nullptr || IsEmptyString(s.data) || before(text, s.data) || before(s.data + Capacity(s), text))
             return text;
         copy.assign(text, n);
         return copy.c_str();
