@@ -68,6 +68,11 @@ TYPED_TEST(StringSharing, ALockedBufferIsCopiedNotShared) {
     EXPECT_EQ(HeaderOf(original).refs, 1);
     EXPECT_EQ(this->Of(original), this->T("abcd"));
     EXPECT_EQ(this->Of(copy), this->T("abc"));
+
+    // A locked buffer counts as one reference: it goes with its string.
+    typename TypeParam::String forgotten = this->Make("never released");
+    forgotten.GetBuffer(20);
+    forgotten = copy;
 }
 
 TYPED_TEST(StringSharing, EmptyStringsShareOneStaticBuffer) {
