@@ -208,8 +208,8 @@ private:
                 return Stars(conversion + "lc", starWidth, starPrecision, width, precision,
                              static_cast<int>(Character()));
             default:
-                return Stars(conversion + "x" + SomeAscii(), starWidth, starPrecision, width, precision,
-                             static_cast<int>(input.Byte()));
+                return Stars(conversion + "x" + SomeAscii(), starWidth, starPrecision, width,
+                             precision, static_cast<int>(input.Byte()));
         }
     }
 
@@ -226,14 +226,8 @@ private:
     void Stars(const std::string& conversion, bool starWidth, bool starPrecision, int width,
                int precision, Value value) {
         const Text format(conversion.begin(), conversion.end());
-        if (starWidth && starPrecision)
-            Formatted(format, width, precision, value);
-        else if (starWidth)
-            Formatted(format, width, value);
-        else if (starPrecision)
-            Formatted(format, precision, value);
-        else
-            Formatted(format, value);
+        WithStarArguments([&](auto... args) { Formatted(format, args...); }, starWidth,
+                          starPrecision, width, precision, value);
     }
 
     template <class... Args>

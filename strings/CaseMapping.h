@@ -16,8 +16,6 @@ KTWCHAR ToLowerUnit(KTWCHAR unit);
 bool IsSpaceUnit(KTWCHAR unit);
 
 // The C locale's isspace, for the bytes of narrow text.
-inline bool IsSpaceByte(char byte) {
-    return byte == ' ' || (byte >= '\t' && byte <= '\r');
-}
+inline bool IsSpaceByte(char byte) { return byte == ' ' || (byte >= '\t' && byte <= '\r'); }
 
 }  // namespace kt::text

@@ -20,30 +20,30 @@ int ReadNumber(const Unit*& p) {
 template <class Unit>
 Kind Conversion<Unit>::kind() const {
     switch (letter) {
-    case 'c':
-    case 'C':
-        return Kind::Char;
-    case 's':
-    case 'S':
-        return Kind::Text;
-    case 'e':
-    case 'f':
-    case 'g':
-    case 'G':
-        return Kind::Float;
-    case 'd':
-    case 'i':
-    case 'o':
-    case 'u':
-    case 'x':
-    case 'X':
-        return Kind::Integer;
-    case 'p':
-        return Kind::Pointer;
-    case 'n':
-        return Kind::Count;
-    default:
-        return Kind::Unknown;
+        case 'c':
+        case 'C':
+            return Kind::Char;
+        case 's':
+        case 'S':
+            return Kind::Text;
+        case 'e':
+        case 'f':
+        case 'g':
+        case 'G':
+            return Kind::Float;
+        case 'd':
+        case 'i':
+        case 'o':
+        case 'u':
+        case 'x':
+        case 'X':
+            return Kind::Integer;
+        case 'p':
+            return Kind::Pointer;
+        case 'n':
+            return Kind::Count;
+        default:
+            return Kind::Unknown;
     }
 }
 

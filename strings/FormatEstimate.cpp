@@ -22,12 +22,13 @@ namespace {
 constexpr long long kIntegerFloor = 32;
 constexpr long long kRealFloor = 128;
 constexpr long long kNullTextLength = 6;  // "(null)"
-constexpr int kMaxIntegerDigits = 11;  // octal, 32 bits
+constexpr int kMaxIntegerDigits = 11;     // octal, 32 bits
 constexpr int kDefaultRealPrecision = 6;
 
 template <class Text>
 long long TextLength(const Text* text) {
-    return text != nullptr ? static_cast<long long>(std::char_traits<Text>::length(text)) : kNullTextLength;
+    return text != nullptr ? static_cast<long long>(std::char_traits<Text>::length(text))
+                           : kNullTextLength;
 }
 
 template <class Unit>
@@ -44,7 +45,8 @@ long long TextItem(const Conversion<Unit>& c, Arguments& args, Region* target) {
         text = narrow;
         item = TextLength(narrow);
     }
-    if (target != nullptr && text != nullptr && std::less_equal<const void*>()(target->begin, text) &&
+    if (target != nullptr && text != nullptr &&
+        std::less_equal<const void*>()(target->begin, text) &&
         std::less<const void*>()(text, target->end))
         target->holdsArgument = true;
     return std::max(item, 1LL);
@@ -55,10 +57,11 @@ long long RealBound(const Conversion<Unit>& c, double value) {
     const long long precision = c.precisionGiven ? c.precision : kDefaultRealPrecision;
     long long digitsBeforePoint = 1;
     if (std::isfinite(value) && std::fabs(value) >= 1)
-        digitsBeforePoint = static_cast<long long>(std::log10(std::fabs(value))) + 2;  // + 1 for rounding up
-    const long long printed =
-        c.letter == 'f' ? 1 + digitsBeforePoint + 1 + precision : 1 + 1 + 1 + precision + 6;  // sign, point, e+308
-    return std::max(printed, 5LL);  // "-inf", "-nan"
+        digitsBeforePoint =
+            static_cast<long long>(std::log10(std::fabs(value))) + 2;  // + 1 for rounding up
+    const long long printed = c.letter == 'f' ? 1 + digitsBeforePoint + 1 + precision
+                                              : 1 + 1 + 1 + precision + 6;  // sign, point, e+308
+    return std::max(printed, 5LL);                                          // "-inf", "-nan"
 }
 
 template <class Unit>
@@ -68,32 +71,33 @@ long long ConversionItem(const Conversion<Unit>& c, Arguments& args, Region* tar
     const long long precision = c.precision;
     const long long figure = width + precision;
     switch (c.kind()) {
-    case Kind::Char:
-    case Kind::Text: {
-        long long item = 2;
-        if (c.kind() == Kind::Text)
-            item = TextItem(c, args, target);
-        else
+        case Kind::Char:
+        case Kind::Text: {
+            long long item = 2;
+            if (c.kind() == Kind::Text)
+                item = TextItem(c, args, target);
+            else
+                (void)va_arg(args.list, int);
+            if (precision > 0)
+                item = std::min(item, precision);
+            return std::max(item, fieldWidth);
+        }
+        case Kind::Float: {
+            const double value = va_arg(args.list, double);
+            return std::max({figure, kRealFloor, fieldWidth, RealBound(c, value)});
+        }
+        case Kind::Integer:
             (void)va_arg(args.list, int);
-        if (precision > 0)
-            item = std::min(item, precision);
-        return std::max(item, fieldWidth);
-    }
-    case Kind::Float: {
-        const double value = va_arg(args.list, double);
-        return std::max({figure, kRealFloor, fieldWidth, RealBound(c, value)});
-    }
-    case Kind::Integer:
-        (void)va_arg(args.list, int);
-        return std::max({figure, kIntegerFloor, fieldWidth, std::max(precision, 0LL + kMaxIntegerDigits) + 2});
-    case Kind::Pointer:
-        (void)va_arg(args.list, void*);
-        return std::max({figure, kIntegerFloor, fieldWidth});
-    case Kind::Count:
-        (void)va_arg(args.list, int*);
-        return 0;
-    case Kind::Unknown:
-        return 1;  // printed as the letter itself
+            return std::max({figure, kIntegerFloor, fieldWidth,
+                             std::max(precision, 0LL + kMaxIntegerDigits) + 2});
+        case Kind::Pointer:
+            (void)va_arg(args.list, void*);
+            return std::max({figure, kIntegerFloor, fieldWidth});
+        case Kind::Count:
+            (void)va_arg(args.list, int*);
+            return 0;
+        case Kind::Unknown:
+            return 1;  // printed as the letter itself
     }
     return 0;
 }

@@ -56,13 +56,14 @@ using Text = std::basic_string<Unit>;
 // Text of the other width, converted in the ANSI code page.
 Text<KTWCHAR> Converted(const char* text, size_t size) {
     Text<KTWCHAR> wide(size, 0);  // never more units than bytes
-    const int units =
-        sys::MultiByteToWide(sys::kAnsiCodePage, text, static_cast<int>(size), &wide[0], static_cast<int>(size));
+    const int units = sys::MultiByteToWide(sys::kAnsiCodePage, text, static_cast<int>(size),
+                                           &wide[0], static_cast<int>(size));
     wide.resize(static_cast<size_t>(units > 0 ? units : 0));
     return wide;
 }
 Text<char> Converted(const KTWCHAR* text, size_t size) {
-    const int needed = sys::WideToMultiByte(sys::kAnsiCodePage, text, static_cast<int>(size), nullptr, 0);
+    const int needed =
+        sys::WideToMultiByte(sys::kAnsiCodePage, text, static_cast<int>(size), nullptr, 0);
     Text<char> narrow(static_cast<size_t>(needed > 0 ? needed : 0), 0);
     if (needed > 0)
         sys::WideToMultiByte(sys::kAnsiCodePage, text, static_cast<int>(size), &narrow[0], needed);
@@ -72,18 +73,19 @@ Text<char> Converted(const KTWCHAR* text, size_t size) {
 // The first units of `text`, at most `limit`, cut behind a whole character.
 size_t Clip(const char* text, size_t size, size_t limit) {
     size_t clipped = 0;
-    for (const char* p = text; clipped < size && clipped + mbcs::CharSize(p) <= limit; p = mbcs::Next(p))
+    for (const char* p = text; clipped < size && clipped + mbcs::CharSize(p) <= limit;
+         p = mbcs::Next(p))
         clipped += mbcs::CharSize(p);
     return clipped;
 }
-size_t Clip(const KTWCHAR*, size_t size, size_t limit) {
-    return std::min(size, limit);
-}
+size_t Clip(const KTWCHAR*, size_t size, size_t limit) { return std::min(size, limit); }
 
 template <class Unit>
 class Printer {
 public:
-    Printer(Unit* out, size_t capacity, va_list args) : sink(out, capacity) { va_copy(this->args.list, args); }
+    Printer(Unit* out, size_t capacity, va_list args) : sink(out, capacity) {
+        va_copy(this->args.list, args);
+    }
     Printer(const Printer&) = delete;
     Printer& operator=(const Printer&) = delete;
     ~Printer() { va_end(args.list); }
@@ -114,23 +116,23 @@ private:
 
     void PrintConversion(const Conversion<Unit>& c) {
         switch (c.kind()) {
-        case Kind::Char:
-            return PrintChar(c);
-        case Kind::Text:
-            return PrintText(c);
-        case Kind::Float:
-            return PrintReal(c);
-        case Kind::Integer:
-            return PrintInteger(c);
-        case Kind::Pointer:
-            return PrintPointer(c);
-        case Kind::Count:
-            if (int* count = va_arg(args.list, int*))
-                *count = static_cast<int>(sink.Count());
-            return;
-        case Kind::Unknown:
-            sink.Put(c.letter);
-            return;
+            case Kind::Char:
+                return PrintChar(c);
+            case Kind::Text:
+                return PrintText(c);
+            case Kind::Float:
+                return PrintReal(c);
+            case Kind::Integer:
+                return PrintInteger(c);
+            case Kind::Pointer:
+                return PrintPointer(c);
+            case Kind::Count:
+                if (int* count = va_arg(args.list, int*))
+                    *count = static_cast<int>(sink.Count());
+                return;
+            case Kind::Unknown:
+                sink.Put(c.letter);
+                return;
         }
     }
 
@@ -138,7 +140,8 @@ private:
 
     // Pads `body` to the field width: blanks, or zeros where asked for.
     void Field(const Conversion<Unit>& c, const Unit* body, size_t size, Unit pad = ' ') {
-        const long long padding = std::llabs(static_cast<long long>(c.width)) - static_cast<long long>(size);
+        const long long padding =
+            std::llabs(static_cast<long long>(c.width)) - static_cast<long long>(size);
         if (!LeftAligned(c))
             sink.Fill(pad, padding);
         sink.Write(body, size);
@@ -146,7 +149,9 @@ private:
             sink.Fill(' ', padding);
     }
 
-    Unit TextPad(const Conversion<Unit>& c) const { return c.zeroPad && !LeftAligned(c) ? '0' : ' '; }
+    Unit TextPad(const Conversion<Unit>& c) const {
+        return c.zeroPad && !LeftAligned(c) ? '0' : ' ';
+    }
 
     struct Piece {
         const Unit* data;
@@ -186,11 +191,13 @@ private:
                                     : InFormatWidth(kNull, sizeof kNull - 1);
         } else {
             const char* narrow = va_arg(args.list, const char*);
-            piece = narrow != nullptr ? InFormatWidth(narrow, std::char_traits<char>::length(narrow))
-                                      : InFormatWidth(kNull, sizeof kNull - 1);
+            piece = narrow != nullptr
+                        ? InFormatWidth(narrow, std::char_traits<char>::length(narrow))
+                        : InFormatWidth(kNull, sizeof kNull - 1);
         }
-        const size_t size =
-            c.precisionGiven ? Clip(piece.data, piece.size, static_cast<size_t>(c.precision)) : piece.size;
+        const size_t size = c.precisionGiven
+                                ? Clip(piece.data, piece.size, static_cast<size_t>(c.precision))
+                                : piece.size;
         Field(c, piece.data, size, TextPad(c));
     }
 

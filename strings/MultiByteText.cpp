@@ -42,9 +42,7 @@ KTWCHAR CodeAt(const char* p) {
     return bytes[0];
 }
 
-bool IsDoubleByteCode(KTWCHAR code) {
-    return code > 0xFF && IsLead(static_cast<char>(code >> 8));
-}
+bool IsDoubleByteCode(KTWCHAR code) { return code > 0xFF && IsLead(static_cast<char>(code >> 8)); }
 
 unsigned Encode(KTWCHAR code, char* out) {
     if (IsDoubleByteCode(code)) {
@@ -140,7 +138,8 @@ KTWCHAR MapChar(KTWCHAR code, MapUnit mapUnit) {
     if (sys::WideToMultiByte(codePage, &mapped, 1, back, 2) != static_cast<int>(size))
         return code;
     KTWCHAR check;
-    if (sys::MultiByteToWide(codePage, back, static_cast<int>(size), &check, 1) != 1 || check != mapped)
+    if (sys::MultiByteToWide(codePage, back, static_cast<int>(size), &check, 1) != 1 ||
+        check != mapped)
         return code;
     return size == 2 ? static_cast<KTWCHAR>(static_cast<unsigned char>(back[0]) << 8 |
                                             static_cast<unsigned char>(back[1]))
@@ -161,13 +160,9 @@ void MapInPlace(char* text, MapChar mapChar) {
 
 }  // namespace
 
-KTWCHAR CharToUpper(KTWCHAR code) {
-    return MapChar(code, text::ToUpperUnit);
-}
+KTWCHAR CharToUpper(KTWCHAR code) { return MapChar(code, text::ToUpperUnit); }
 
-KTWCHAR CharToLower(KTWCHAR code) {
-    return MapChar(code, text::ToLowerUnit);
-}
+KTWCHAR CharToLower(KTWCHAR code) { return MapChar(code, text::ToLowerUnit); }
 
 int Compare(const char* a, const char* b, unsigned count) {
     return CompareCodes(a, b, count, [](KTWCHAR code) { return code; });
@@ -177,12 +172,8 @@ int CompareIgnoringCase(const char* a, const char* b, unsigned count) {
     return CompareCodes(a, b, count, CharToLower);
 }
 
-void ToUpper(char* text) {
-    MapInPlace(text, CharToUpper);
-}
+void ToUpper(char* text) { MapInPlace(text, CharToUpper); }
 
-void ToLower(char* text) {
-    MapInPlace(text, CharToLower);
-}
+void ToLower(char* text) { MapInPlace(text, CharToLower); }
 
 }  // namespace kt::mbcs

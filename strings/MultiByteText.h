@@ -14,9 +14,7 @@
 
 namespace kt::mbcs {
 
-inline bool IsLead(char byte) {
-    return sys::IsLeadByte(static_cast<unsigned char>(byte));
-}
+inline bool IsLead(char byte) { return sys::IsLeadByte(static_cast<unsigned char>(byte)); }
 
 // Bytes of the character at `p`: 0 at the terminator, else 1 or 2.
 inline unsigned CharSize(const char* p) {
@@ -25,9 +23,7 @@ inline unsigned CharSize(const char* p) {
     return IsLead(*p) && p[1] != 0 ? 2 : 1;
 }
 
-inline const char* Next(const char* p) {
-    return p + CharSize(p);
-}
+inline const char* Next(const char* p) { return p + CharSize(p); }
 
 // The character before `p`, or null when `p` is `start`.
 const char* Previous(const char* start, const char* p);

@@ -6,12 +6,8 @@ namespace {
 unsigned narrowTextCodePage = 0;
 }  // namespace
 
-unsigned NarrowTextCodePage() {
-    return narrowTextCodePage;
-}
+unsigned NarrowTextCodePage() { return narrowTextCodePage; }
 
-void SetNarrowTextCodePage(unsigned codePage) {
-    narrowTextCodePage = codePage;
-}
+void SetNarrowTextCodePage(unsigned codePage) { narrowTextCodePage = codePage; }
 
 }  // namespace kt

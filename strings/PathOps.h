@@ -18,7 +18,9 @@ struct PathOps {
     static constexpr Unit kNoText[] = {0};
     static constexpr int kEllipsisLength = 4;
 
-    static const Unit* LastOf(const String& s, const Unit* set) { return Text::FindLastOneOf(s.data, set); }
+    static const Unit* LastOf(const String& s, const Unit* set) {
+        return Text::FindLastOneOf(s.data, set);
+    }
 
     static unsigned CopyOut(const Unit* begin, const Unit* end, Unit* dest) {
         const unsigned size = static_cast<unsigned>(end - begin);
@@ -62,7 +64,8 @@ struct PathOps {
         const Unit* delimiter = LastOf(s, kPathDelimiters);
         if (delimiter == nullptr)
             return 0;
-        return static_cast<int>(CopyOut(s.data, *delimiter == ':' ? delimiter + 1 : delimiter, dest));
+        return static_cast<int>(
+            CopyOut(s.data, *delimiter == ':' ? delimiter + 1 : delimiter, dest));
     }
 
     static String FilePath(const String& s) {
@@ -90,7 +93,8 @@ struct PathOps {
     // Appends `delimiter` unless the text ends in it or in `alternative`.
     static void AddDelimiter(String& s, Unit delimiter, Unit alternative) {
         const Unit* last = Text::Previous(s.data, s.data + Text::Size(s.data));
-        if (last != nullptr && (Text::CodeAt(last) == KTWCHAR(delimiter) || Text::CodeAt(last) == KTWCHAR(alternative)))
+        if (last != nullptr && (Text::CodeAt(last) == KTWCHAR(delimiter) ||
+                                Text::CodeAt(last) == KTWCHAR(alternative)))
             return;
         Ops::ConcatCopy(s, &delimiter, 1);
     }

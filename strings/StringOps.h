@@ -33,7 +33,9 @@ struct StringOps {
         return reinterpret_cast<CXStringData*>(const_cast<Unit*>(text)) - 1;
     }
     static bool IsEmptyString(const Unit* text) { return text == Text::EmptyText(); }
-    static unsigned Capacity(const String& s) { return static_cast<unsigned>(Header(s.data)->alloc) / sizeof(Unit); }
+    static unsigned Capacity(const String& s) {
+        return static_cast<unsigned>(Header(s.data)->alloc) / sizeof(Unit);
+    }
 
     static Unit* NewBuffer(unsigned units) {
         if (size_t{units} * sizeof(Unit) > static_cast<size_t>(INT_MAX))
@@ -93,7 +95,8 @@ struct StringOps {
     // buffer, which a change may move or free.
     static const Unit* Detached(const String& s, const Unit* text, unsigned n, Buffer& copy) {
         const std::less<const Unit*> before;
-        if (text == nullptr || IsEmptyString(s.data) || before(text, s.data) || before(s.data + Capacity(s), text))
+        if (text == nullptr || IsEmptyString(s.data) || before(text, s.data) ||
+            before(s.data + Capacity(s), text))
             return text;
         copy.assign(text, n);
         return copy.c_str();
@@ -201,7 +204,9 @@ struct StringOps {
         return Text::UnitsOf(s.data + Text::UnitsOf(s.data, start), count);
     }
 
-    static KTWCHAR GetAt(const String& s, unsigned index) { return Text::CodeAt(s.data + Text::UnitsOf(s.data, index)); }
+    static KTWCHAR GetAt(const String& s, unsigned index) {
+        return Text::CodeAt(s.data + Text::UnitsOf(s.data, index));
+    }
 
     static unsigned Copy(const String& s, Unit* dest, unsigned units) {
         if (dest == nullptr)
@@ -230,7 +235,8 @@ struct StringOps {
         if (text == nullptr)
             return 1;
         const unsigned n = static_cast<unsigned>(count);
-        return ignoreCase ? Text::CompareIgnoringCase(s.data, text, n) : Text::Compare(s.data, text, n);
+        return ignoreCase ? Text::CompareIgnoringCase(s.data, text, n)
+                          : Text::Compare(s.data, text, n);
     }
 
     // ---- Searching ----
@@ -255,7 +261,8 @@ struct StringOps {
     static int Find(const String& s, const Unit* text, int start) {
         if (text == nullptr)
             return -1;
-        return SearchFrom(s, start, [text](const Unit* from) { return Text::FindSubstring(from, text); });
+        return SearchFrom(s, start,
+                          [text](const Unit* from) { return Text::FindSubstring(from, text); });
     }
 
     static int Find(const String& s, KTWCHAR ch, int start) {
@@ -299,14 +306,16 @@ struct StringOps {
 
     static unsigned InsertionPoint(const String& s, int pos) {
         const unsigned length = Text::Length(s.data);
-        return pos < 0 || static_cast<unsigned>(pos) > length ? Text::Size(s.data) : UnitsBefore(s, pos);
+        return pos < 0 || static_cast<unsigned>(pos) > length ? Text::Size(s.data)
+                                                              : UnitsBefore(s, pos);
     }
 
     // Puts `n` units of `text` in the place of `removed` units at `at`. The
     // buffer must be private with room for `room` units (at least the result
     // and its terminator): the change is made in place if it is, else the
     // result is built in a new buffer.
-    static void Splice(String& s, unsigned at, unsigned removed, const Unit* text, unsigned n, unsigned room) {
+    static void Splice(String& s, unsigned at, unsigned removed, const Unit* text, unsigned n,
+                       unsigned room) {
         Buffer copy;
         text = Detached(s, text, n, copy);
         const unsigned size = Text::Size(s.data);
@@ -376,7 +385,8 @@ struct StringOps {
         if (found == nullptr)
             return 0;
         const unsigned at = static_cast<unsigned>(found - s.data);
-        Splice(s, at, Text::Size(from), to, toSize, Text::Size(s.data) - Text::Size(from) + toSize + 1);
+        Splice(s, at, Text::Size(from), to, toSize,
+               Text::Size(s.data) - Text::Size(from) + toSize + 1);
         return 1;
     }
 
@@ -416,8 +426,8 @@ struct StringOps {
             return;
         const unsigned size = Text::Size(s.data);
         ReallocBuffer(s, size + 2);
-        for (Unit* p = const_cast<Unit*>(Text::Previous(s.data, s.data + size)); p != nullptr && Text::IsSpace(*p);
-             p = const_cast<Unit*>(Text::Previous(s.data, p)))
+        for (Unit* p = const_cast<Unit*>(Text::Previous(s.data, s.data + size));
+             p != nullptr && Text::IsSpace(*p); p = const_cast<Unit*>(Text::Previous(s.data, p)))
             *p = 0;
     }
 
@@ -469,8 +479,8 @@ struct StringOps {
     static int Load(String& s, void* module, unsigned id) {
         for (unsigned capacity = 255;; capacity += 256) {
             ReallocBuffer(s, capacity + 2);
-            const int loaded =
-                sys::LoadStringResource(static_cast<HMODULE>(module), id, s.data, static_cast<int>(capacity + 1));
+            const int loaded = sys::LoadStringResource(static_cast<HMODULE>(module), id, s.data,
+                                                       static_cast<int>(capacity + 1));
             if (loaded <= 0)
                 return 0;
             if (static_cast<unsigned>(loaded) < capacity)

@@ -19,21 +19,39 @@ struct NarrowText {
 
     static char* EmptyText();
 
-    static unsigned Size(const char* text) { return static_cast<unsigned>(std::char_traits<char>::length(text)); }
+    static unsigned Size(const char* text) {
+        return static_cast<unsigned>(std::char_traits<char>::length(text));
+    }
     static unsigned Length(const char* text) { return mbcs::Length(text); }
     // Units of the first `count` characters.
-    static unsigned UnitsOf(const char* text, unsigned count) { return mbcs::ByteCount(text, count); }
+    static unsigned UnitsOf(const char* text, unsigned count) {
+        return mbcs::ByteCount(text, count);
+    }
     static const char* Next(const char* p) { return mbcs::Next(p); }
-    static const char* Previous(const char* start, const char* p) { return mbcs::Previous(start, p); }
+    static const char* Previous(const char* start, const char* p) {
+        return mbcs::Previous(start, p);
+    }
     static KTWCHAR CodeAt(const char* p) { return mbcs::CodeAt(p); }
     static unsigned Encode(KTWCHAR code, char* out) { return mbcs::Encode(code, out); }
 
-    static const char* FindChar(const char* text, KTWCHAR code) { return mbcs::FindChar(text, code); }
-    static const char* FindLastChar(const char* text, KTWCHAR code) { return mbcs::FindLastChar(text, code); }
-    static const char* FindSubstring(const char* text, const char* what) { return mbcs::FindSubstring(text, what); }
-    static const char* FindOneOf(const char* text, const char* set) { return mbcs::FindOneOf(text, set); }
-    static const char* FindLastOneOf(const char* text, const char* set) { return mbcs::FindLastOneOf(text, set); }
-    static int Compare(const char* a, const char* b, unsigned count) { return mbcs::Compare(a, b, count); }
+    static const char* FindChar(const char* text, KTWCHAR code) {
+        return mbcs::FindChar(text, code);
+    }
+    static const char* FindLastChar(const char* text, KTWCHAR code) {
+        return mbcs::FindLastChar(text, code);
+    }
+    static const char* FindSubstring(const char* text, const char* what) {
+        return mbcs::FindSubstring(text, what);
+    }
+    static const char* FindOneOf(const char* text, const char* set) {
+        return mbcs::FindOneOf(text, set);
+    }
+    static const char* FindLastOneOf(const char* text, const char* set) {
+        return mbcs::FindLastOneOf(text, set);
+    }
+    static int Compare(const char* a, const char* b, unsigned count) {
+        return mbcs::Compare(a, b, count);
+    }
     static int CompareIgnoringCase(const char* a, const char* b, unsigned count) {
         return mbcs::CompareIgnoringCase(a, b, count);
     }
@@ -60,7 +78,9 @@ struct WideText {
         return units;
     }
     static const KTWCHAR* Next(const KTWCHAR* p) { return *p != 0 ? p + 1 : p; }
-    static const KTWCHAR* Previous(const KTWCHAR* start, const KTWCHAR* p) { return p > start ? p - 1 : nullptr; }
+    static const KTWCHAR* Previous(const KTWCHAR* start, const KTWCHAR* p) {
+        return p > start ? p - 1 : nullptr;
+    }
     static KTWCHAR CodeAt(const KTWCHAR* p) { return *p; }
     static unsigned Encode(KTWCHAR code, KTWCHAR* out) {
         *out = code;

@@ -19,30 +19,20 @@ EmptyString emptyString = {{-1, 0, 0}, {0, 0, 0, 0}};
 
 }  // namespace
 
-char* kt::NarrowText::EmptyText() {
-    return emptyString.text;
-}
+char* kt::NarrowText::EmptyText() { return emptyString.text; }
 
-CXString::CXString() {
-    Init();
-}
+CXString::CXString() { Init(); }
 
-CXString::CXString(const char* text) {
-    Ops::ConstructFromText(*this, text);
-}
+CXString::CXString(const char* text) { Ops::ConstructFromText(*this, text); }
 
 CXString::CXString(const KTWCHAR* text) {
     Init();
     operator=(text);
 }
 
-CXString::CXString(const CXString& other) {
-    Ops::CopyConstruct(*this, other);
-}
+CXString::CXString(const CXString& other) { Ops::CopyConstruct(*this, other); }
 
-CXString::~CXString() {
-    Release();
-}
+CXString::~CXString() { Release(); }
 
 CXString& CXString::operator=(const CXString& other) {
     Ops::Assign(*this, other);
@@ -78,31 +68,19 @@ CXString& CXString::operator+=(KTWCHAR ch) {
     return *this;
 }
 
-char* CXString::GetBuffer(int n) {
-    return Ops::GetBuffer(*this, n);
-}
+char* CXString::GetBuffer(int n) { return Ops::GetBuffer(*this, n); }
 
-void CXString::ReleaseBuffer(int) {
-    Ops::ReleaseBuffer(*this);
-}
+void CXString::ReleaseBuffer(int) { Ops::ReleaseBuffer(*this); }
 
 void CXString::FreeExtra() {}
 
-int CXString::GetAllocSize() const {
-    return Ops::GetAllocSize(*this);
-}
+int CXString::GetAllocSize() const { return Ops::GetAllocSize(*this); }
 
-unsigned CXString::GetLength() const {
-    return kt::NarrowText::Length(data);
-}
+unsigned CXString::GetLength() const { return kt::NarrowText::Length(data); }
 
-unsigned CXString::GetSize() const {
-    return kt::NarrowText::Size(data);
-}
+unsigned CXString::GetSize() const { return kt::NarrowText::Size(data); }
 
-unsigned CXString::GetSize(unsigned count) const {
-    return kt::NarrowText::UnitsOf(data, count);
-}
+unsigned CXString::GetSize(unsigned count) const { return kt::NarrowText::UnitsOf(data, count); }
 
 unsigned CXString::GetSize(unsigned start, unsigned count) const {
     return Ops::SizeOf(*this, start, count);
@@ -112,13 +90,9 @@ const char* CXString::GetData(unsigned index) const {
     return data + kt::NarrowText::UnitsOf(data, index);
 }
 
-KTWCHAR CXString::GetAt(unsigned index) const {
-    return Ops::GetAt(*this, index);
-}
+KTWCHAR CXString::GetAt(unsigned index) const { return Ops::GetAt(*this, index); }
 
-unsigned CXString::Copy(char* dest) const {
-    return Ops::Copy(*this, dest, GetSize());
-}
+unsigned CXString::Copy(char* dest) const { return Ops::Copy(*this, dest, GetSize()); }
 
 unsigned CXString::Copy(char* dest, unsigned count) const {
     return Ops::Copy(*this, dest, GetSize(count));
@@ -128,13 +102,9 @@ unsigned CXString::CopyFit(char* dest, unsigned size) const {
     return Ops::CopyFit(*this, dest, size);
 }
 
-int CXString::Compare(const char* text) const {
-    return Ops::Compare(*this, text, -1, false);
-}
+int CXString::Compare(const char* text) const { return Ops::Compare(*this, text, -1, false); }
 
-int CXString::CompareI(const char* text) const {
-    return Ops::Compare(*this, text, -1, true);
-}
+int CXString::CompareI(const char* text) const { return Ops::Compare(*this, text, -1, true); }
 
 int CXString::CompareN(const char* text, int count) const {
     return Ops::Compare(*this, text, count, false);
@@ -144,25 +114,17 @@ int CXString::CompareIN(const char* text, int count) const {
     return Ops::Compare(*this, text, count, true);
 }
 
-int CXString::Find(const char* text, int start) const {
-    return Ops::Find(*this, text, start);
-}
+int CXString::Find(const char* text, int start) const { return Ops::Find(*this, text, start); }
 
-int CXString::Find(KTWCHAR ch, int start) const {
-    return Ops::Find(*this, ch, start);
-}
+int CXString::Find(KTWCHAR ch, int start) const { return Ops::Find(*this, ch, start); }
 
 int CXString::FindOnOf(const char* set, int start) const {
     return Ops::FindOnOf(*this, set, start);
 }
 
-int CXString::FindRev(KTWCHAR ch) const {
-    return Ops::FindRev(*this, ch);
-}
+int CXString::FindRev(KTWCHAR ch) const { return Ops::FindRev(*this, ch); }
 
-int CXString::FindRevOnOf(const char* set) const {
-    return Ops::FindRevOnOf(*this, set);
-}
+int CXString::FindRevOnOf(const char* set) const { return Ops::FindRevOnOf(*this, set); }
 
 CXString& CXString::Insert(int pos, KTWCHAR ch) {
     Ops::Insert(*this, pos, ch);
@@ -188,9 +150,7 @@ int CXString::Extract(int pos, int count, CXString& dest) const {
     return Ops::Extract(*this, pos, count, dest);
 }
 
-int CXString::Extract(int pos, int count) {
-    return Ops::Extract(*this, pos, count, *this);
-}
+int CXString::Extract(int pos, int count) { return Ops::Extract(*this, pos, count, *this); }
 
 int CXString::FindReplace(const char* from, const char* to) {
     return Ops::FindReplace(*this, from, to);
@@ -204,33 +164,21 @@ int CXString::FindReplace(const char* from, KTWCHAR to) {
     return Ops::FindReplace(*this, from, to);
 }
 
-int CXString::FindReplace(KTWCHAR from, KTWCHAR to) {
-    return Ops::FindReplace(*this, from, to);
-}
+int CXString::FindReplace(KTWCHAR from, KTWCHAR to) { return Ops::FindReplace(*this, from, to); }
 
-void CXString::TrimLeft() {
-    Ops::TrimLeft(*this);
-}
+void CXString::TrimLeft() { Ops::TrimLeft(*this); }
 
-void CXString::TrimRight() {
-    Ops::TrimRight(*this);
-}
+void CXString::TrimRight() { Ops::TrimRight(*this); }
 
-void CXString::Upper() {
-    Ops::ChangeCase(*this, kt::NarrowText::ToUpper);
-}
+void CXString::Upper() { Ops::ChangeCase(*this, kt::NarrowText::ToUpper); }
 
-void CXString::Lower() {
-    Ops::ChangeCase(*this, kt::NarrowText::ToLower);
-}
+void CXString::Lower() { Ops::ChangeCase(*this, kt::NarrowText::ToLower); }
 
 void CXString::CharToOemA() {}
 
 void CXString::OemToCharA() {}
 
-int CXString::Load(void* module, unsigned id) {
-    return Ops::Load(*this, module, id);
-}
+int CXString::Load(void* module, unsigned id) { return Ops::Load(*this, module, id); }
 
 void CXString::Format(const char* format, ...) {
     va_list args;
@@ -239,45 +187,25 @@ void CXString::Format(const char* format, ...) {
     va_end(args);
 }
 
-int CXString::FormatV(const char* format, va_list args) {
-    return Ops::FormatV(format, args);
-}
+int CXString::FormatV(const char* format, va_list args) { return Ops::FormatV(format, args); }
 
-const char* CXString::GetFileName() const {
-    return Paths::FileName(*this);
-}
+const char* CXString::GetFileName() const { return Paths::FileName(*this); }
 
-int CXString::GetFileName(char* dest) const {
-    return Paths::FileName(*this, dest);
-}
+int CXString::GetFileName(char* dest) const { return Paths::FileName(*this, dest); }
 
-CXString CXString::FileName() const {
-    return CXString(GetFileName());
-}
+CXString CXString::FileName() const { return CXString(GetFileName()); }
 
-const char* CXString::GetFileExt() const {
-    return Paths::FileExt(*this);
-}
+const char* CXString::GetFileExt() const { return Paths::FileExt(*this); }
 
-int CXString::GetFileExt(char* dest) const {
-    return Paths::FileExt(*this, dest);
-}
+int CXString::GetFileExt(char* dest) const { return Paths::FileExt(*this, dest); }
 
-CXString CXString::FileExt() const {
-    return CXString(GetFileExt());
-}
+CXString CXString::FileExt() const { return CXString(GetFileExt()); }
 
-int CXString::GetFilePath(char* dest) const {
-    return Paths::FilePath(*this, dest);
-}
+int CXString::GetFilePath(char* dest) const { return Paths::FilePath(*this, dest); }
 
-CXString CXString::FilePath() const {
-    return Paths::FilePath(*this);
-}
+CXString CXString::FilePath() const { return Paths::FilePath(*this); }
 
-void CXString::ChangeFileExt(const char* ext) {
-    Paths::ChangeFileExt(*this, ext);
-}
+void CXString::ChangeFileExt(const char* ext) { Paths::ChangeFileExt(*this, ext); }
 
 CXString& CXString::AddDirDelim() {
     Paths::AddDelimiter(*this, '\\', '/');
@@ -289,33 +217,19 @@ CXString& CXString::AddFileExtDelim() {
     return *this;
 }
 
-int CXString::ReducePathString(int maxLen) {
-    return Paths::ReducePathString(*this, maxLen);
-}
+int CXString::ReducePathString(int maxLen) { return Paths::ReducePathString(*this, maxLen); }
 
-void CXString::Init() {
-    Ops::Init(*this);
-}
+void CXString::Init() { Ops::Init(*this); }
 
-void CXString::Release() {
-    Ops::Release(*this);
-}
+void CXString::Release() { Ops::Release(*this); }
 
-void CXString::AllocBuffer(unsigned n) {
-    Ops::AllocBuffer(*this, n);
-}
+void CXString::AllocBuffer(unsigned n) { Ops::AllocBuffer(*this, n); }
 
-void CXString::ReallocBuffer(unsigned n) {
-    Ops::ReallocBuffer(*this, n);
-}
+void CXString::ReallocBuffer(unsigned n) { Ops::ReallocBuffer(*this, n); }
 
-void CXString::AssignCopy(const char* text, unsigned n) {
-    Ops::AssignCopy(*this, text, n);
-}
+void CXString::AssignCopy(const char* text, unsigned n) { Ops::AssignCopy(*this, text, n); }
 
-void CXString::ConcatCopy(const char* text, unsigned n) {
-    Ops::ConcatCopy(*this, text, n);
-}
+void CXString::ConcatCopy(const char* text, unsigned n) { Ops::ConcatCopy(*this, text, n); }
 
 void CXString::ConcatCopyTo(unsigned pos, const char* text, unsigned n) {
     Ops::ConcatCopyTo(*this, pos, text, n);
@@ -333,10 +247,6 @@ CXString operator+(const char* left, const CXString& right) {
     return Ops::Concatenate(left, right);
 }
 
-CXString operator+(const CXString& left, KTWCHAR right) {
-    return Ops::Concatenate(left, right);
-}
+CXString operator+(const CXString& left, KTWCHAR right) { return Ops::Concatenate(left, right); }
 
-CXString operator+(KTWCHAR left, const CXString& right) {
-    return Ops::Concatenate(left, right);
-}
+CXString operator+(KTWCHAR left, const CXString& right) { return Ops::Concatenate(left, right); }

@@ -20,17 +20,11 @@ EmptyString emptyString = {{-1, 0, 0}, {0, 0, 0, 0}};
 
 }  // namespace
 
-KTWCHAR* kt::WideText::EmptyText() {
-    return emptyString.text;
-}
+KTWCHAR* kt::WideText::EmptyText() { return emptyString.text; }
 
-CXStringW::CXStringW() {
-    Init();
-}
+CXStringW::CXStringW() { Init(); }
 
-CXStringW::CXStringW(const KTWCHAR* text) {
-    Ops::ConstructFromText(*this, text);
-}
+CXStringW::CXStringW(const KTWCHAR* text) { Ops::ConstructFromText(*this, text); }
 
 CXStringW::CXStringW(const char* text) {
     Init();
@@ -38,13 +32,9 @@ CXStringW::CXStringW(const char* text) {
         hostMultiByteToUnicode(text, *this);
 }
 
-CXStringW::CXStringW(const CXStringW& other) {
-    Ops::CopyConstruct(*this, other);
-}
+CXStringW::CXStringW(const CXStringW& other) { Ops::CopyConstruct(*this, other); }
 
-CXStringW::~CXStringW() {
-    Release();
-}
+CXStringW::~CXStringW() { Release(); }
 
 CXStringW& CXStringW::operator=(const CXStringW& other) {
     Ops::Assign(*this, other);
@@ -56,31 +46,19 @@ CXStringW& CXStringW::operator+=(const CXStringW& text) {
     return *this;
 }
 
-KTWCHAR* CXStringW::GetBuffer(int n) {
-    return Ops::GetBuffer(*this, n);
-}
+KTWCHAR* CXStringW::GetBuffer(int n) { return Ops::GetBuffer(*this, n); }
 
-void CXStringW::ReleaseBuffer(int) {
-    Ops::ReleaseBuffer(*this);
-}
+void CXStringW::ReleaseBuffer(int) { Ops::ReleaseBuffer(*this); }
 
 void CXStringW::FreeExtra() {}
 
-int CXStringW::GetAllocSize() const {
-    return Ops::GetAllocSize(*this);
-}
+int CXStringW::GetAllocSize() const { return Ops::GetAllocSize(*this); }
 
-unsigned CXStringW::GetLength() const {
-    return kt::WideText::Length(data);
-}
+unsigned CXStringW::GetLength() const { return kt::WideText::Length(data); }
 
-unsigned CXStringW::GetSize() const {
-    return kt::WideText::Size(data);
-}
+unsigned CXStringW::GetSize() const { return kt::WideText::Size(data); }
 
-unsigned CXStringW::GetSize(unsigned count) const {
-    return kt::WideText::UnitsOf(data, count);
-}
+unsigned CXStringW::GetSize(unsigned count) const { return kt::WideText::UnitsOf(data, count); }
 
 unsigned CXStringW::GetSize(unsigned start, unsigned count) const {
     return Ops::SizeOf(*this, start, count);
@@ -90,13 +68,9 @@ const KTWCHAR* CXStringW::GetData(unsigned index) const {
     return data + kt::WideText::UnitsOf(data, index);
 }
 
-KTWCHAR CXStringW::GetAt(unsigned index) const {
-    return Ops::GetAt(*this, index);
-}
+KTWCHAR CXStringW::GetAt(unsigned index) const { return Ops::GetAt(*this, index); }
 
-unsigned CXStringW::Copy(KTWCHAR* dest) const {
-    return Ops::Copy(*this, dest, GetSize());
-}
+unsigned CXStringW::Copy(KTWCHAR* dest) const { return Ops::Copy(*this, dest, GetSize()); }
 
 unsigned CXStringW::Copy(KTWCHAR* dest, unsigned count) const {
     return Ops::Copy(*this, dest, GetSize(count));
@@ -106,13 +80,9 @@ unsigned CXStringW::CopyFit(KTWCHAR* dest, unsigned size) const {
     return Ops::CopyFit(*this, dest, size);
 }
 
-int CXStringW::Compare(const KTWCHAR* text) const {
-    return Ops::Compare(*this, text, -1, false);
-}
+int CXStringW::Compare(const KTWCHAR* text) const { return Ops::Compare(*this, text, -1, false); }
 
-int CXStringW::CompareI(const KTWCHAR* text) const {
-    return Ops::Compare(*this, text, -1, true);
-}
+int CXStringW::CompareI(const KTWCHAR* text) const { return Ops::Compare(*this, text, -1, true); }
 
 int CXStringW::CompareN(const KTWCHAR* text, int count) const {
     return Ops::Compare(*this, text, count, false);
@@ -122,13 +92,9 @@ int CXStringW::CompareIN(const KTWCHAR* text, int count) const {
     return Ops::Compare(*this, text, count, true);
 }
 
-int CXStringW::Find(const KTWCHAR* text, int start) const {
-    return Ops::Find(*this, text, start);
-}
+int CXStringW::Find(const KTWCHAR* text, int start) const { return Ops::Find(*this, text, start); }
 
-int CXStringW::Find(KTWCHAR ch, int start) const {
-    return Ops::Find(*this, ch, start);
-}
+int CXStringW::Find(KTWCHAR ch, int start) const { return Ops::Find(*this, ch, start); }
 
 int CXStringW::FindI(const KTWCHAR* text) const {
     if (text == nullptr || *text == 0 || *data == 0)
@@ -144,13 +110,9 @@ int CXStringW::FindOnOf(const KTWCHAR* set, int start) const {
     return Ops::FindOnOf(*this, set, start);
 }
 
-int CXStringW::FindRev(KTWCHAR ch) const {
-    return Ops::FindRev(*this, ch);
-}
+int CXStringW::FindRev(KTWCHAR ch) const { return Ops::FindRev(*this, ch); }
 
-int CXStringW::FindRevOnOf(const KTWCHAR* set) const {
-    return Ops::FindRevOnOf(*this, set);
-}
+int CXStringW::FindRevOnOf(const KTWCHAR* set) const { return Ops::FindRevOnOf(*this, set); }
 
 CXStringW& CXStringW::Insert(int pos, KTWCHAR ch) {
     Ops::Insert(*this, pos, ch);
@@ -176,9 +138,7 @@ int CXStringW::Extract(int pos, int count, CXStringW& dest) const {
     return Ops::Extract(*this, pos, count, dest);
 }
 
-int CXStringW::Extract(int pos, int count) {
-    return Ops::Extract(*this, pos, count, *this);
-}
+int CXStringW::Extract(int pos, int count) { return Ops::Extract(*this, pos, count, *this); }
 
 int CXStringW::FindReplace(const KTWCHAR* from, const KTWCHAR* to) {
     return Ops::FindReplace(*this, from, to);
@@ -192,33 +152,21 @@ int CXStringW::FindReplace(const KTWCHAR* from, KTWCHAR to) {
     return Ops::FindReplace(*this, from, to);
 }
 
-int CXStringW::FindReplace(KTWCHAR from, KTWCHAR to) {
-    return Ops::FindReplace(*this, from, to);
-}
+int CXStringW::FindReplace(KTWCHAR from, KTWCHAR to) { return Ops::FindReplace(*this, from, to); }
 
-void CXStringW::TrimLeft() {
-    Ops::TrimLeft(*this);
-}
+void CXStringW::TrimLeft() { Ops::TrimLeft(*this); }
 
-void CXStringW::TrimRight() {
-    Ops::TrimRight(*this);
-}
+void CXStringW::TrimRight() { Ops::TrimRight(*this); }
 
-void CXStringW::Upper() {
-    Ops::ChangeCase(*this, kt::WideText::ToUpper);
-}
+void CXStringW::Upper() { Ops::ChangeCase(*this, kt::WideText::ToUpper); }
 
-void CXStringW::Lower() {
-    Ops::ChangeCase(*this, kt::WideText::ToLower);
-}
+void CXStringW::Lower() { Ops::ChangeCase(*this, kt::WideText::ToLower); }
 
 void CXStringW::CharToOemA() {}
 
 void CXStringW::OemToCharA() {}
 
-int CXStringW::Load(void* module, unsigned id) {
-    return Ops::Load(*this, module, id);
-}
+int CXStringW::Load(void* module, unsigned id) { return Ops::Load(*this, module, id); }
 
 void CXStringW::Format(const KTWCHAR* format, ...) {
     va_list args;
@@ -227,45 +175,25 @@ void CXStringW::Format(const KTWCHAR* format, ...) {
     va_end(args);
 }
 
-int CXStringW::FormatV(const KTWCHAR* format, va_list args) {
-    return Ops::FormatV(format, args);
-}
+int CXStringW::FormatV(const KTWCHAR* format, va_list args) { return Ops::FormatV(format, args); }
 
-const KTWCHAR* CXStringW::GetFileName() const {
-    return Paths::FileName(*this);
-}
+const KTWCHAR* CXStringW::GetFileName() const { return Paths::FileName(*this); }
 
-int CXStringW::GetFileName(KTWCHAR* dest) const {
-    return Paths::FileName(*this, dest);
-}
+int CXStringW::GetFileName(KTWCHAR* dest) const { return Paths::FileName(*this, dest); }
 
-CXStringW CXStringW::FileName() const {
-    return CXStringW(GetFileName());
-}
+CXStringW CXStringW::FileName() const { return CXStringW(GetFileName()); }
 
-const KTWCHAR* CXStringW::GetFileExt() const {
-    return Paths::FileExt(*this);
-}
+const KTWCHAR* CXStringW::GetFileExt() const { return Paths::FileExt(*this); }
 
-int CXStringW::GetFileExt(KTWCHAR* dest) const {
-    return Paths::FileExt(*this, dest);
-}
+int CXStringW::GetFileExt(KTWCHAR* dest) const { return Paths::FileExt(*this, dest); }
 
-CXStringW CXStringW::FileExt() const {
-    return CXStringW(GetFileExt());
-}
+CXStringW CXStringW::FileExt() const { return CXStringW(GetFileExt()); }
 
-int CXStringW::GetFilePath(KTWCHAR* dest) const {
-    return Paths::FilePath(*this, dest);
-}
+int CXStringW::GetFilePath(KTWCHAR* dest) const { return Paths::FilePath(*this, dest); }
 
-CXStringW CXStringW::FilePath() const {
-    return Paths::FilePath(*this);
-}
+CXStringW CXStringW::FilePath() const { return Paths::FilePath(*this); }
 
-void CXStringW::ChangeFileExt(const KTWCHAR* ext) {
-    Paths::ChangeFileExt(*this, ext);
-}
+void CXStringW::ChangeFileExt(const KTWCHAR* ext) { Paths::ChangeFileExt(*this, ext); }
 
 CXStringW& CXStringW::AddDirDelim() {
     Paths::AddDelimiter(*this, '\\', '/');
@@ -277,33 +205,19 @@ CXStringW& CXStringW::AddFileExtDelim() {
     return *this;
 }
 
-int CXStringW::ReducePathString(int maxLen) {
-    return Paths::ReducePathString(*this, maxLen);
-}
+int CXStringW::ReducePathString(int maxLen) { return Paths::ReducePathString(*this, maxLen); }
 
-void CXStringW::Init() {
-    Ops::Init(*this);
-}
+void CXStringW::Init() { Ops::Init(*this); }
 
-void CXStringW::Release() {
-    Ops::Release(*this);
-}
+void CXStringW::Release() { Ops::Release(*this); }
 
-void CXStringW::AllocBuffer(unsigned n) {
-    Ops::AllocBuffer(*this, n);
-}
+void CXStringW::AllocBuffer(unsigned n) { Ops::AllocBuffer(*this, n); }
 
-void CXStringW::ReallocBuffer(unsigned n) {
-    Ops::ReallocBuffer(*this, n);
-}
+void CXStringW::ReallocBuffer(unsigned n) { Ops::ReallocBuffer(*this, n); }
 
-void CXStringW::AssignCopy(const KTWCHAR* text, unsigned n) {
-    Ops::AssignCopy(*this, text, n);
-}
+void CXStringW::AssignCopy(const KTWCHAR* text, unsigned n) { Ops::AssignCopy(*this, text, n); }
 
-void CXStringW::ConcatCopy(const KTWCHAR* text, unsigned n) {
-    Ops::ConcatCopy(*this, text, n);
-}
+void CXStringW::ConcatCopy(const KTWCHAR* text, unsigned n) { Ops::ConcatCopy(*this, text, n); }
 
 void CXStringW::ConcatCopyTo(unsigned pos, const KTWCHAR* text, unsigned n) {
     Ops::ConcatCopyTo(*this, pos, text, n);
@@ -321,13 +235,9 @@ CXStringW operator+(const KTWCHAR* left, const CXStringW& right) {
     return Ops::Concatenate(left, right);
 }
 
-CXStringW operator+(const CXStringW& left, KTWCHAR right) {
-    return Ops::Concatenate(left, right);
-}
+CXStringW operator+(const CXStringW& left, KTWCHAR right) { return Ops::Concatenate(left, right); }
 
-CXStringW operator+(KTWCHAR left, const CXStringW& right) {
-    return Ops::Concatenate(left, right);
-}
+CXStringW operator+(KTWCHAR left, const CXStringW& right) { return Ops::Concatenate(left, right); }
 
 void hostMultiByteToUnicode(const char* text, CXStringW& out) {
     const int size = text != nullptr ? static_cast<int>(kt::NarrowText::Size(text)) : 0;

@@ -46,7 +46,9 @@ void Formats() {
     const double ours = kt::bench::NanosecondsPerCall(
         [&] { line.Format(kLogLine, "temperature", ++n, 21.5, "celsius"); }, kIterations);
     const double theirs = kt::bench::NanosecondsPerCall(
-        [&] { std::snprintf(buffer, sizeof buffer, kLogLine, "temperature", ++n, 21.5, "celsius"); },
+        [&] {
+            std::snprintf(buffer, sizeof buffer, kLogLine, "temperature", ++n, 21.5, "celsius");
+        },
         kIterations);
     kt::bench::PrintRatio("Format/logline", "snprintf", ours, theirs);
 }

@@ -110,14 +110,15 @@ void Strings() {
     Step("Strings share their text until one of them changes it");
     CXString original("C:\\Projects\\kticore\\docs\\design\\strings.txt");
     CXString copy = original;
-    std::printf("   copy shares the buffer: %s\n", static_cast<const char*>(copy) == original ? "yes" : "no");
+    std::printf("   copy shares the buffer: %s\n",
+                static_cast<const char*>(copy) == original ? "yes" : "no");
     copy.ChangeFileExt("md");
     std::printf("   after ChangeFileExt(\"md\"): \"%s\" and the original \"%s\"\n",
                 static_cast<const char*>(copy), static_cast<const char*>(original));
     char directory[64];
     original.GetFilePath(directory);
-    std::printf("   directory \"%s\", name \"%s\", extension \"%s\"\n", directory, original.GetFileName(),
-                original.GetFileExt());
+    std::printf("   directory \"%s\", name \"%s\", extension \"%s\"\n", directory,
+                original.GetFileName(), original.GetFileExt());
     original.ReducePathString(30);
     std::printf("   shortened for display: \"%s\"\n", static_cast<const char*>(original));
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "kticore/core/Aggregation.h"
-#include "kticore/core/Exception.h"
 #include "kticore/core/Enum.h"
+#include "kticore/core/Exception.h"
 #include "kticore/core/Heap.h"
 #include "kticore/core/List.h"
 #include "kticore/core/ListEnum.h"

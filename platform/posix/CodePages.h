@@ -15,8 +15,8 @@ struct ByteRange {
 
 struct CodePage {
     unsigned number;
-    const char* iconvName;  // null: converted without iconv (UTF-8)
-    ByteRange leadBytes[2];  // {0, 0} where unused
+    const char* iconvName;       // null: converted without iconv (UTF-8)
+    ByteRange leadBytes[2];      // {0, 0} where unused
     unsigned short defaultWide;  // what an undefined double-byte sequence becomes
 
     bool IsDoubleByte() const { return leadBytes[0].first != 0; }

@@ -18,16 +18,17 @@ std::atomic<const CodePage*> current{kt::sys::posix::FindCodePage(0)};
 extern "C" int _setmbcp(int codePage) {
     const CodePage* page = nullptr;
     switch (codePage) {
-    case _MB_CP_ANSI:
-    case _MB_CP_LOCALE:
-    case _MB_CP_SBCS:
-        page = kt::sys::posix::FindCodePage(0);
-        break;
-    case _MB_CP_OEM:
-        return -1;
-    default:
-        page = codePage > 0 ? kt::sys::posix::FindCodePage(static_cast<unsigned>(codePage)) : nullptr;
-        break;
+        case _MB_CP_ANSI:
+        case _MB_CP_LOCALE:
+        case _MB_CP_SBCS:
+            page = kt::sys::posix::FindCodePage(0);
+            break;
+        case _MB_CP_OEM:
+            return -1;
+        default:
+            page = codePage > 0 ? kt::sys::posix::FindCodePage(static_cast<unsigned>(codePage))
+                                : nullptr;
+            break;
     }
     if (page == nullptr)
         return -1;
@@ -41,7 +42,8 @@ extern "C" int _getmbcp(void) {
 }
 
 extern "C" int _ismbblead(unsigned int byte) {
-    return byte < 256 && current.load(std::memory_order_relaxed)->IsLead(static_cast<unsigned char>(byte));
+    return byte < 256 &&
+           current.load(std::memory_order_relaxed)->IsLead(static_cast<unsigned char>(byte));
 }
 
 namespace kt::sys {
@@ -50,8 +52,6 @@ bool IsLeadByte(unsigned char byte) {
     return current.load(std::memory_order_relaxed)->IsLead(byte);
 }
 
-unsigned MultiByteCodePage() {
-    return current.load(std::memory_order_relaxed)->number;
-}
+unsigned MultiByteCodePage() { return current.load(std::memory_order_relaxed)->number; }
 
 }  // namespace kt::sys

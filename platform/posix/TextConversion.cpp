@@ -107,7 +107,8 @@ private:
         unsigned char result[8];
         char* outCursor = reinterpret_cast<char*>(result);
         size_t inLeft = size, outLeft = sizeof result;
-        if (iconv(converter, &in, &inLeft, &outCursor, &outLeft) == static_cast<size_t>(-1) || inLeft != 0)
+        if (iconv(converter, &in, &inLeft, &outCursor, &outLeft) == static_cast<size_t>(-1) ||
+            inLeft != 0)
             return 0;
         // Code pages with combining marks hold a base character back.
         iconv(converter, nullptr, nullptr, &outCursor, &outLeft);
@@ -126,7 +127,7 @@ private:
     }
 
     const CodePage& page;
-    std::vector<char16_t> toWide;  // by byte, or by lead << 8 | trail
+    std::vector<char16_t> toWide;          // by byte, or by lead << 8 | trail
     std::vector<unsigned short> fromWide;  // by unit: the byte, or lead << 8 | trail
 };
 
@@ -145,9 +146,11 @@ constexpr char16_t kReplacement = 0xFFFD;
 int Utf8ToWide(const unsigned char* text, int size, Output<KTWCHAR>& out) {
     for (int i = 0; i < size;) {
         unsigned byte = text[i];
-        int length = byte < 0x80 ? 1 : byte >= 0xC2 && byte <= 0xDF ? 2 : byte >= 0xE0 && byte <= 0xEF ? 3
-                     : byte >= 0xF0 && byte <= 0xF4                  ? 4
-                                                                     : 0;
+        int length = byte < 0x80                    ? 1
+                     : byte >= 0xC2 && byte <= 0xDF ? 2
+                     : byte >= 0xE0 && byte <= 0xEF ? 3
+                     : byte >= 0xF0 && byte <= 0xF4 ? 4
+                                                    : 0;
         if (length == 1) {
             out.Put(static_cast<KTWCHAR>(byte));
             ++i;
@@ -192,7 +195,8 @@ int Utf8ToWide(const unsigned char* text, int size, Output<KTWCHAR>& out) {
 int WideToUtf8(const KTWCHAR* text, int size, Output<char>& out) {
     for (int i = 0; i < size; ++i) {
         unsigned code = text[i];
-        if (code >= 0xD800 && code <= 0xDBFF && i + 1 < size && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
+        if (code >= 0xD800 && code <= 0xDBFF && i + 1 < size && text[i + 1] >= 0xDC00 &&
+            text[i + 1] <= 0xDFFF) {
             code = 0x10000 + ((code - 0xD800) << 10) + (text[i + 1] - 0xDC00);
             ++i;
         } else if (code >= 0xD800 && code <= 0xDFFF) {

@@ -6,9 +6,7 @@
 
 namespace kt::sys {
 
-bool IsLeadByte(unsigned char byte) {
-    return _ismbblead(byte) != 0;
-}
+bool IsLeadByte(unsigned char byte) { return _ismbblead(byte) != 0; }
 
 unsigned MultiByteCodePage() {
     // The runtime reports 0 for a single-byte code page; text is then in the

@@ -11,9 +11,7 @@
 namespace kt::test {
 namespace {
 
-char* Copy(const char* text) {
-    return std::strcpy(new char[std::strlen(text) + 1], text);
-}
+char* Copy(const char* text) { return std::strcpy(new char[std::strlen(text) + 1], text); }
 
 template <class T>
 std::vector<std::string> Drain(CTEnum<T>* items) {

@@ -29,7 +29,7 @@ TEST(Map, ATextKeyHashesAsSpecifiedInThirtyTwoBits) {
     EXPECT_EQ(CTMapKey<const char*>::Hash(""), 0u);
     EXPECT_EQ(CTMapKey<const char*>::Hash("aaeaea"), 0xBAA5C14Eu);
     EXPECT_EQ(CTMapKey<const char*>::Hash("abagab"), 0xBAA5C14Eu);
-    EXPECT_EQ(CTMapKey<const char*>::Hash("\xFF"), 0xFFFFFFFFu);  // bytes count as signed
+    EXPECT_EQ(CTMapKey<const char*>::Hash("\xFF"), 0xFFFFFFFFu);        // bytes count as signed
     EXPECT_EQ(CTMapKey<const KTWCHAR*>::Hash(KTW("\uFFFF")), 0xFFFFu);  // units as unsigned
 }
 
@@ -42,7 +42,8 @@ TEST(Map, KeysWithOneHashAreOneEntry) {
     EXPECT_EQ(map.Lookup("aaeaea", value), 1);
     EXPECT_EQ(value, 2);
     CTMapPosition position;
-    EXPECT_EQ(std::string(Stepped(map.NextKey(position))), "abagab");  // the spelling of the last Set
+    EXPECT_EQ(std::string(Stepped(map.NextKey(position))),
+              "abagab");  // the spelling of the last Set
 }
 
 TEST(Map, SetReplacesAndRemoveForgets) {

@@ -13,13 +13,11 @@ namespace {
 // Shift-JIS (code page 932).
 const char kNihongo[] = "\x93\xFA\x96\x7B\x8C\xEA";  // three characters
 const char kHon[] = "\x96\x7B";
-const char kHyou[] = "\x95\x5C";  // its trail byte is the code of '\'
+const char kHyou[] = "\x95\x5C";        // its trail byte is the code of '\'
 const char kFullWidthA[] = "\x82\x81";  // full-width 'a'
 const char kFullWidthUpperA[] = "\x82\x60";
 
-std::string Text(const CXString& s) {
-    return static_cast<const char*>(s);
-}
+std::string Text(const CXString& s) { return static_cast<const char*>(s); }
 
 class DoubleByteText : public ::testing::Test {
 protected:
@@ -118,7 +116,11 @@ TEST(CodePages, EachDoubleByteCodePageHasItsLeadBytes) {
     struct Case {
         int codePage;
         unsigned char lead, notLead;
-    } cases[] = {{932, 0x81, 0xA0}, {932, 0xFC, 0xFD}, {936, 0xFE, 0x80}, {949, 0x81, 0xFF}, {950, 0xA4, 0x7F}};
+    } cases[] = {{932, 0x81, 0xA0},
+                 {932, 0xFC, 0xFD},
+                 {936, 0xFE, 0x80},
+                 {949, 0x81, 0xFF},
+                 {950, 0xA4, 0x7F}};
     for (const Case& c : cases) {
         ScopedCodePage page(c.codePage);
         ASSERT_TRUE(page.ok) << c.codePage;

@@ -60,7 +60,8 @@ TEST(Format, TheWideEstimateCountsLiteralsGenerously) {
 }
 
 TEST(Format, NarrowConversionsPrintTheSameOnEveryBuild) {
-    EXPECT_EQ(Narrow("%d|%5d|%-5d|%05d|%+d|% d", 42, 42, 42, 42, 42, 42), "42|   42|42   |00042|+42| 42");
+    EXPECT_EQ(Narrow("%d|%5d|%-5d|%05d|%+d|% d", 42, 42, 42, 42, 42, 42),
+              "42|   42|42   |00042|+42| 42");
     EXPECT_EQ(Narrow("%u|%x|%X|%#x|%o|%#o|%.3d|%hd", -1, 255, 255, 255, 8, 8, 7, 70000),
               "4294967295|ff|FF|0xff|10|010|007|4464");
     EXPECT_EQ(Narrow("%ld|%#x|%#o|%.0d|", static_cast<long>(-5), 0, 0, 0), "-5|0|0||");
@@ -77,7 +78,8 @@ TEST(Format, NarrowConversionsPrintTheSameOnEveryBuild) {
 
 TEST(Format, WideConversionsMirrorTheNarrowOnes) {
     EXPECT_EQ(WideFormat(KTW("%s|%S|%hs|%ls"), KTW("w"), "n", "h", KTW("l")), KTW("w|n|h|l"));
-    EXPECT_EQ(WideFormat(KTW("%c%C%hc%lc"), KTWCHAR(0x3042), 'n', 'h', KTWCHAR('l')), KTW("\u3042nhl"));
+    EXPECT_EQ(WideFormat(KTW("%c%C%hc%lc"), KTWCHAR(0x3042), 'n', 'h', KTWCHAR('l')),
+              KTW("\u3042nhl"));
     EXPECT_EQ(WideFormat(KTW("%-4d|%.3f|%x"), 7, 0.5, 0xbeef), KTW("7   |0.500|beef"));
     EXPECT_EQ(WideFormat(KTW("caf%S"), "\xE9"), KTW("caf\u00e9"));
 }
@@ -150,63 +152,60 @@ protected:
         NarrowEstimate estimate;
         CXString narrow;
         narrow.Format(format.c_str(), args...);
-        ASSERT_LE(narrow.GetSize(), static_cast<unsigned>(estimate(format.c_str(), args...))) << format;
+        ASSERT_LE(narrow.GetSize(), static_cast<unsigned>(estimate(format.c_str(), args...)))
+            << format;
 
         const WideString wideFormat = WideStrings::Text(format.c_str());
         WideEstimate wideEstimate;
         CXStringW wide;
         wide.Format(wideFormat.c_str(), args...);
-        ASSERT_LE(wide.GetSize(), static_cast<unsigned>(wideEstimate(wideFormat.c_str(), args...))) << format;
+        ASSERT_LE(wide.GetSize(), static_cast<unsigned>(wideEstimate(wideFormat.c_str(), args...)))
+            << format;
     }
 
     template <class Value>
-    void CheckWithStars(const std::string& format, bool starWidth, bool starPrecision, Value value) {
-        const int width = Pick(50), precision = Pick(20);
-        if (starWidth && starPrecision)
-            Check(format, width, precision, value);
-        else if (starWidth)
-            Check(format, width, value);
-        else if (starPrecision)
-            Check(format, precision, value);
-        else
-            Check(format, value);
+    void CheckWithStars(const std::string& format, bool starWidth, bool starPrecision,
+                        Value value) {
+        WithStarArguments([&](auto... args) { Check(format, args...); }, starWidth, starPrecision,
+                          Pick(50), Pick(20), value);
     }
 };
 
 TEST_F(RandomFormats, EstimatesAreNeverShort) {
     static const char kIntegerLetters[] = "diouxX";
     static const char kRealLetters[] = "efgG";
-    static const char* kTexts[] = {"", "a", "some text", "a longer text of some forty characters.."};
+    static const char* kTexts[] = {"", "a", "some text",
+                                   "a longer text of some forty characters.."};
     static const KTWCHAR* kWideTexts[] = {KTW(""), KTW("w"), KTW("wide text")};
     static const double kReals[] = {0.0, -1.5, 3.14159, 1e-7, 123456789.125, -9.99e99, 1e300};
     for (int round = 0; round < 3000; ++round) {
         bool starWidth = false, starPrecision = false;
         std::string format = Literal() + Spec(starWidth, starPrecision);
         switch (Pick(6)) {
-        case 0:
-            format += std::string(Pick(3) ? "" : "h") + kIntegerLetters[Pick(6)] + Literal();
-            CheckWithStars(format, starWidth, starPrecision, static_cast<int>(random()));
-            break;
-        case 1:
-            format += kRealLetters[Pick(4)] + Literal();
-            CheckWithStars(format, starWidth, starPrecision, kReals[Pick(7)]);
-            break;
-        case 2:
-            format += "hs" + Literal();
-            CheckWithStars(format, starWidth, starPrecision, kTexts[Pick(4)]);
-            break;
-        case 3:
-            format += "ls" + Literal();
-            CheckWithStars(format, starWidth, starPrecision, kWideTexts[Pick(3)]);
-            break;
-        case 4:
-            format += std::string(Pick(2) ? "c" : "lc") + Literal();
-            CheckWithStars(format, starWidth, starPrecision, 'a' + Pick(26));
-            break;
-        default:
-            format += "p" + Literal();
-            CheckWithStars(format, starWidth, starPrecision, static_cast<void*>(&format));
-            break;
+            case 0:
+                format += std::string(Pick(3) ? "" : "h") + kIntegerLetters[Pick(6)] + Literal();
+                CheckWithStars(format, starWidth, starPrecision, static_cast<int>(random()));
+                break;
+            case 1:
+                format += kRealLetters[Pick(4)] + Literal();
+                CheckWithStars(format, starWidth, starPrecision, kReals[Pick(7)]);
+                break;
+            case 2:
+                format += "hs" + Literal();
+                CheckWithStars(format, starWidth, starPrecision, kTexts[Pick(4)]);
+                break;
+            case 3:
+                format += "ls" + Literal();
+                CheckWithStars(format, starWidth, starPrecision, kWideTexts[Pick(3)]);
+                break;
+            case 4:
+                format += std::string(Pick(2) ? "c" : "lc") + Literal();
+                CheckWithStars(format, starWidth, starPrecision, 'a' + Pick(26));
+                break;
+            default:
+                format += "p" + Literal();
+                CheckWithStars(format, starWidth, starPrecision, static_cast<void*>(&format));
+                break;
         }
     }
 }
@@ -215,7 +214,8 @@ TEST_F(RandomFormats, TheTypicalLogLineIsCovered) {
     for (int round = 0; round < 500; ++round) {
         const std::string key(static_cast<size_t>(Pick(30)), 'k');
         const std::string value(static_cast<size_t>(Pick(30)), 'v');
-        Check("%hs=%d (%5.2f) %hs", key.c_str(), static_cast<int>(random()), (random() % 100000) / 7.0, value.c_str());
+        Check("%hs=%d (%5.2f) %hs", key.c_str(), static_cast<int>(random()),
+              (random() % 100000) / 7.0, value.c_str());
     }
 }
 

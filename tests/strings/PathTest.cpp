@@ -49,8 +49,12 @@ TYPED_TEST(Paths, SplitIntoDirectoryNameAndExtension) {
 TYPED_TEST(Paths, ChangeFileExtReplacesOrAppends) {
     struct Case {
         const char *text, *ext, *expected;
-    } cases[] = {{"a.d/b", "x", "a.d/b.x"}, {"a.txt", ".pdf", "a.pdf"}, {"a.txt", "pdf", "a.pdf"},
-                 {"a.", "x", "a.x"},         {"dir\\a.tar.gz", "zip", "dir\\a.tar.zip"}, {"", "x", ".x"}};
+    } cases[] = {{"a.d/b", "x", "a.d/b.x"},
+                 {"a.txt", ".pdf", "a.pdf"},
+                 {"a.txt", "pdf", "a.pdf"},
+                 {"a.", "x", "a.x"},
+                 {"dir\\a.tar.gz", "zip", "dir\\a.tar.zip"},
+                 {"", "x", ".x"}};
     for (const Case& c : cases) {
         auto s = this->Make(c.text);
         s.ChangeFileExt(this->T(c.ext).c_str());

@@ -14,7 +14,8 @@ TYPED_TEST(StringEditing, DeleteTakesRangesThatReachBackwardAndClips) {
     struct Case {
         int pos, count;
         const char* expected;
-    } cases[] = {{2, -1, "acd"}, {-1, -2, "ab"}, {1, 100, "a"}, {0, 0, "abcd"}, {9, -2, "ab"}, {1, -5, "bcd"}};
+    } cases[] = {{2, -1, "acd"}, {-1, -2, "ab"}, {1, 100, "a"},
+                 {0, 0, "abcd"}, {9, -2, "ab"},  {1, -5, "bcd"}};
     for (const Case& c : cases) {
         auto s = this->Make("abcd");
         s.Delete(c.pos, c.count);

@@ -31,14 +31,19 @@ TYPED_TEST(StringSharing, EveryChangingOperationLeavesTheOtherCopyAlone) {
         [](String& s) { s.Delete(0, 2); },
         [](String& s) { s.Replace(1, 1, TypeParam::Text("zz").c_str()); },
         [](String& s) { s.Extract(1, 3); },
-        [](String& s) { s.FindReplace(TypeParam::Text("b").c_str(), TypeParam::Text("B").c_str()); },
+        [](String& s) {
+            s.FindReplace(TypeParam::Text("b").c_str(), TypeParam::Text("B").c_str());
+        },
         [](String& s) { s.TrimLeft(); },
         [](String& s) { s.TrimRight(); },
         [](String& s) { s.Upper(); },
         [](String& s) { s.Lower(); },
         [](String& s) { s.ChangeFileExt(TypeParam::Text("x").c_str()); },
         [](String& s) { s.AddDirDelim(); },
-        [](String& s) { s.GetBuffer(3)[0] = 'q'; s.ReleaseBuffer(); },
+        [](String& s) {
+            s.GetBuffer(3)[0] = 'q';
+            s.ReleaseBuffer();
+        },
     };
     for (auto change : changes) {
         String original(before.c_str());

@@ -1,10 +1,10 @@
 // Looks at the buffer header that lies in front of a string's text.
 #pragma once
 
+#include "kticore/platform/Platform.h"
 #include "kticore/strings/StringData.h"
 #include "kticore/strings/XString.h"
 #include "kticore/strings/XStringW.h"
-#include "kticore/platform/Platform.h"
 
 namespace kt::test {
 

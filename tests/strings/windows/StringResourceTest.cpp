@@ -11,9 +11,7 @@
 namespace kt::test {
 namespace {
 
-void* ThisModule() {
-    return GetModuleHandleW(nullptr);
-}
+void* ThisModule() { return GetModuleHandleW(nullptr); }
 
 TEST(StringResource, LoadsStringsOfAnyLength) {
     for (unsigned id : {1u, 2u, 3u}) {
