@@ -130,21 +130,21 @@ protected:
         return text;
     }
 
-    std::string Spec(bool& starWidth, bool& starPrecision) {
+    std::string Conversion(bool& starWidth, bool& starPrecision) {
         static const char* kFlags[] = {"", "-", "+", "0", " ", "#", "-#", "+0"};
-        std::string spec = "%";
-        spec += kFlags[Pick(8)];
+        std::string conversion = "%";
+        conversion += kFlags[Pick(8)];
         starWidth = Pick(4) == 0;
         if (starWidth)
-            spec += "*";
+            conversion += "*";
         else if (Pick(2))
-            spec += std::to_string(Pick(40));
+            conversion += std::to_string(Pick(40));
         starPrecision = Pick(4) == 0;
         if (starPrecision)
-            spec += ".*";
+            conversion += ".*";
         else if (Pick(2))
-            spec += "." + std::to_string(Pick(30));
-        return spec;
+            conversion += "." + std::to_string(Pick(30));
+        return conversion;
     }
 
     template <class... Args>
@@ -180,7 +180,7 @@ TEST_F(RandomFormats, EstimatesAreNeverShort) {
     static const double kReals[] = {0.0, -1.5, 3.14159, 1e-7, 123456789.125, -9.99e99, 1e300};
     for (int round = 0; round < 3000; ++round) {
         bool starWidth = false, starPrecision = false;
-        std::string format = Literal() + Spec(starWidth, starPrecision);
+        std::string format = Literal() + Conversion(starWidth, starPrecision);
         switch (Pick(6)) {
             case 0:
                 format += std::string(Pick(3) ? "" : "h") + kIntegerLetters[Pick(6)] + Literal();
