@@ -32,6 +32,8 @@ constexpr CaseRange kCaseRanges[] = {
     {0x0460, 0x0481, 1, true, true},
     {0x048A, 0x04BF, 1, true, true},
     {0x04D0, 0x052F, 1, true, true},
+    {0x2160, 0x216F, 0x10, false, false},  // Roman numerals
+    {0x24B6, 0x24CF, 0x1A, false, false},  // circled Latin
     {0xFF21, 0xFF3A, 0x20, false, false},  // full-width Latin
 };
 // clang-format on

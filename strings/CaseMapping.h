@@ -1,7 +1,8 @@
 // Case and blank space of single 16-bit units, the same on every build: the
-// simple case pairs of the Latin, Greek, Cyrillic and full-width Latin letters
-// and the Unicode blank characters. Narrow text maps its characters through
-// these too, so both widths change case alike.
+// simple case pairs of the Latin, Greek, Cyrillic, full-width and circled
+// Latin letters and the Roman numerals, and the Unicode blank characters.
+// Narrow text maps its characters through these too, so both widths change
+// case alike.
 #pragma once
 
 #include "kticore/platform/Platform.h"

@@ -48,11 +48,11 @@ TEST(WideString, FindIIgnoresCaseAndLeavesTheString) {
 }
 
 TEST(WideString, CaseCoversLettersBeyondAscii) {
-    CXStringW s(KTW("\u00e9\u00ff\u0101\u013e\u03b1\u0436\u0451\uff41z"));
+    CXStringW s(KTW("\u00e9\u00ff\u0101\u013e\u03b1\u0436\u0451\u2171\u24d0\uff41z"));
     s.Upper();
-    EXPECT_EQ(Wide(s), KTW("\u00C9\u0178\u0100\u013d\u0391\u0416\u0401\uff21Z"));
+    EXPECT_EQ(Wide(s), KTW("\u00C9\u0178\u0100\u013d\u0391\u0416\u0401\u2161\u24b6\uff21Z"));
     s.Lower();
-    EXPECT_EQ(Wide(s), KTW("\u00e9\u00ff\u0101\u013e\u03b1\u0436\u0451\uff41z"));
+    EXPECT_EQ(Wide(s), KTW("\u00e9\u00ff\u0101\u013e\u03b1\u0436\u0451\u2171\u24d0\uff41z"));
 }
 
 TEST(WideString, TrimsUnicodeBlanks) {
