@@ -64,20 +64,38 @@ TEST(RuntimeAgreement, CountingSearchingAndCaseMatchTheRuntime) {
             ASSERT_EQ(s.GetSize(n), _mbsnbcnt(Bytes(text), n)) << codePage << " " << round;
             if (s.GetLength() == 0)
                 continue;
-            const unsigned code = s.GetAt(random() % s.GetLength());
-            const unsigned char* first = _mbschr(Bytes(text), code);
-            const unsigned char* last = _mbsrchr(Bytes(text), code);
-            ASSERT_EQ(
-                s.GetData(s.Find(static_cast<KTWCHAR>(code))),
-                reinterpret_cast<const char*>(first) - text.c_str() + static_cast<const char*>(s));
-            ASSERT_EQ(
-                s.GetData(s.FindRev(static_cast<KTWCHAR>(code))),
-                reinterpret_cast<const char*>(last) - text.c_str() + static_cast<const char*>(s));
-            CXString upper(s);
+            // Offsets into the string's text, from the runtime's answers.
+            auto at = [&](const unsigned char* found) {
+                return found != nullptr ? static_cast<const char*>(s) + (found - Bytes(text))
+                                        : nullptr;
+            };
+            auto position = [&](int found) {
+                return found >= 0 ? s.GetData(static_cast<unsigned>(found)) : nullptr;
+            };
+            const unsigned start = random() % s.GetLength();
+            const KTWCHAR code = s.GetAt(start);
+            const CXString tail(s.GetData(start));
+            CXString needle;
+            tail.Extract(0, 1 + static_cast<int>(random() % 3), needle);
+            EXPECT_EQ(position(s.Find(code)), at(_mbschr(Bytes(text), code)))
+                << codePage << " " << round;
+            EXPECT_EQ(position(s.FindRev(code)), at(_mbsrchr(Bytes(text), code)))
+                << codePage << " " << round;
+            EXPECT_EQ(position(s.Find(needle)),
+                      at(_mbsstr(Bytes(text), Bytes(std::string(needle)))));
+            EXPECT_EQ(position(s.FindOnOf(needle)),
+                      at(_mbspbrk(Bytes(text), Bytes(std::string(needle)))));
+
+            CXString upper(s), lower(s);
             upper.Upper();
-            std::string runtimeUpper = text;
+            lower.Lower();
+            std::string runtimeUpper = text, runtimeLower = text;
             _mbsupr(reinterpret_cast<unsigned char*>(&runtimeUpper[0]));
-            ASSERT_EQ(std::string(upper), runtimeUpper) << codePage << " " << round;
+            _mbslwr(reinterpret_cast<unsigned char*>(&runtimeLower[0]));
+            EXPECT_EQ(std::string(upper), runtimeUpper) << codePage << " " << round;
+            EXPECT_EQ(std::string(lower), runtimeLower) << codePage << " " << round;
+            EXPECT_EQ(upper.CompareI(lower), 0) << codePage << " " << round;
+            EXPECT_EQ(_mbsicmp(Bytes(std::string(upper)), Bytes(std::string(lower))), 0);
         }
     }
 }
