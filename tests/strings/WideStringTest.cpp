@@ -86,12 +86,5 @@ TEST(WideString, WideTextBecomesNarrowInTheAnsiCodePage) {
     EXPECT_EQ(std::string(assigned), "x");
 }
 
-TEST(WideString, StringResourcesThatDoNotExistLoadNothing) {
-    CXStringW wide(KTW("keep"));
-    CXString narrow("keep");
-    EXPECT_EQ(wide.Load(nullptr, 65000), 0);
-    EXPECT_EQ(narrow.Load(nullptr, 65000), 0);
-}
-
 }  // namespace
 }  // namespace kt::test
