@@ -99,19 +99,13 @@ private:
                 s.TrimRight();
                 break;
             case 10:
-                if (input.Byte() % 2)
-                    s.Upper();
-                else
-                    s.Lower();
+                (s.*(input.Byte() % 2 ? &String::Upper : &String::Lower))();
                 break;
             case 11:
                 s.ChangeFileExt(SomeText(4).c_str());
                 break;
             case 12:
-                if (input.Byte() % 2)
-                    s.AddDirDelim();
-                else
-                    s.AddFileExtDelim();
+                (s.*(input.Byte() % 2 ? &String::AddDirDelim : &String::AddFileExtDelim))();
                 break;
             case 13:
                 s.ReducePathString(static_cast<int>(input.Below(30)));
