@@ -1,15 +1,76 @@
-// The POSIX implementation of module look-up, through the dynamic linker.
+// The POSIX implementation of module look-up and loading, through the dynamic
+// linker. The search path of modules is that of Windows in the order that
+// matters here: the executable's directory, the current directory, then PATH.
 #include "platform/Module.h"
 
 #include <dlfcn.h>
+#include <limits.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
 
 namespace kt::sys {
+namespace {
+
+bool IsFile(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
+
+std::string ExecutableDirectory() {
+    char path[PATH_MAX];
+    const ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
+    if (length <= 0)
+        return std::string();
+    const std::string executable(path, static_cast<size_t>(length));
+    return executable.substr(0, executable.rfind('/'));
+}
+
+std::string Absolute(const std::string& path) {
+    char resolved[PATH_MAX];
+    return realpath(path.c_str(), resolved) != nullptr ? std::string(resolved) : path;
+}
+
+}  // namespace
 
 HMODULE ModuleContaining(const void* address) {
     Dl_info info;
     if (dladdr(address, &info) == 0)
         return nullptr;
-    return info.dli_fbase;
+    // The handle of a loaded object, without keeping a count of our own; the
+    // main program is not known by its file name.
+    void* handle = dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD);
+    if (handle == nullptr)
+        return dlopen(nullptr, RTLD_LAZY);
+    dlclose(handle);
+    return handle;
 }
+
+std::string SearchModuleFile(const char* fileName, std::string& error) {
+    const std::string name(fileName);
+    if (name.find('/') != std::string::npos) {
+        if (IsFile(name))
+            return Absolute(name);
+    } else {
+        std::string directories = ExecutableDirectory() + ":.";
+        if (const char* path = std::getenv("PATH"))
+            directories += std::string(":") + path;
+        for (size_t start = 0; start <= directories.size();) {
+            size_t end = directories.find(':', start);
+            if (end == std::string::npos)
+                end = directories.size();
+            const std::string candidate =
+                (end > start ? directories.substr(start, end - start) : ".") + "/" + name;
+            if (IsFile(candidate))
+                return Absolute(candidate);
+            start = end + 1;
+        }
+    }
+    error = std::strerror(ENOENT);
+    return std::string();
+}
+
+HMODULE LoadModule(const char* path) { return dlopen(path, RTLD_NOW | RTLD_LOCAL); }
+
+void* FindExport(HMODULE module, const char* name) { return dlsym(module, name); }
 
 }  // namespace kt::sys

@@ -1,4 +1,4 @@
-// The Win32 implementation of module look-up.
+// The Win32 implementation of module look-up and loading.
 #include "platform/Module.h"
 
 namespace kt::sys {
@@ -8,6 +8,26 @@ HMODULE ModuleContaining(const void* address) {
     if (VirtualQuery(address, &info, sizeof info) == 0)
         return nullptr;
     return static_cast<HMODULE>(info.AllocationBase);
+}
+
+std::string SearchModuleFile(const char* fileName, std::string& error) {
+    char path[512];
+    char* filePart = nullptr;
+    const DWORD length = SearchPathA(nullptr, fileName, nullptr, sizeof path, path, &filePart);
+    if (length != 0 && length < sizeof path)
+        return path;
+    const DWORD code = length == 0 ? GetLastError() : ERROR_FILENAME_EXCED_RANGE;
+    char message[260] = "";
+    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
+                   message, sizeof message, nullptr);
+    error = message;
+    return std::string();
+}
+
+HMODULE LoadModule(const char* path) { return LoadLibraryA(path); }
+
+void* FindExport(HMODULE module, const char* name) {
+    return reinterpret_cast<void*>(GetProcAddress(module, name));
 }
 
 }  // namespace kt::sys

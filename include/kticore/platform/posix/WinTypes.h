@@ -17,3 +17,19 @@ typedef void* HMODULE;
 
 typedef char16_t KTWCHAR;
 #define KTW(text) u##text
+
+// The geometric records of the Win32 headers, with their field names.
+typedef struct tagSIZE {
+    LONG cx;
+    LONG cy;
+} SIZE;
+typedef struct tagPOINT {
+    LONG x;
+    LONG y;
+} POINT;
+typedef struct tagRECT {
+    LONG left;
+    LONG top;
+    LONG right;
+    LONG bottom;
+} RECT;

@@ -1,0 +1,22 @@
+// The stored form of a variant, a file format shared by every stream: the
+// 16-bit kind, then its payload. Text and blobs carry a 32-bit byte count,
+// text includes its terminator, objects are in their stored form, and every
+// other kind is the first bytes of the value area.
+#pragma once
+
+#include "kticore/streams/Stream.h"
+
+namespace kt {
+
+// The payload bytes of a kind stored from the value area; 0 for the kinds
+// with a payload of their own and for unknown kinds.
+unsigned StoredScalarSize(unsigned short kind);
+
+void WriteStoredVariant(IXStream& stream, const tagKTVARIANT* value);
+
+// 0 when nothing was there to read. Counted payloads are read as they arrive,
+// so a damaged count never makes the reader allocate more than the stream
+// holds: a text or blob cut short holds what was there.
+int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value);
+
+}  // namespace kt

@@ -1,0 +1,60 @@
+#include <cstring>
+
+#include "values/BlobBytes.h"
+
+namespace kt {
+
+unsigned char* CopyBlobBytes(const unsigned char* data, ULONG size) {
+    if (data == nullptr)
+        return nullptr;
+    unsigned char* copy = new unsigned char[size];
+    if (size != 0)
+        std::memcpy(copy, data, size);
+    return copy;
+}
+
+bool SameBlob(const tagKTBLOB& a, const tagKTBLOB& b) {
+    if (a.size != b.size)
+        return false;
+    if (a.size == 0 || a.data == b.data)
+        return true;
+    if (a.data == nullptr || b.data == nullptr)
+        return false;
+    return std::memcmp(a.data, b.data, a.size) == 0;
+}
+
+}  // namespace kt
+
+KTBlob::KTBlob() : tagKTBLOB{0, nullptr} {}
+
+KTBlob::KTBlob(unsigned long size)
+    : tagKTBLOB{static_cast<ULONG>(size), new unsigned char[static_cast<ULONG>(size)]()} {}
+
+KTBlob::KTBlob(const tagKTBLOB& source)
+    : tagKTBLOB{source.size, kt::CopyBlobBytes(source.data, source.size)} {}
+
+KTBlob::KTBlob(const tagKTBLOB* source) : KTBlob(*source) {}
+
+KTBlob::KTBlob(const KTBlob& source) : KTBlob(static_cast<const tagKTBLOB&>(source)) {}
+
+KTBlob::~KTBlob() { delete[] data; }
+
+KTBlob& KTBlob::operator=(const tagKTBLOB* source) {
+    // Copy first: the source may be this blob itself.
+    unsigned char* copy = kt::CopyBlobBytes(source->data, source->size);
+    const ULONG newSize = source->size;
+    Clear();
+    size = newSize;
+    data = copy;
+    return *this;
+}
+
+void KTBlob::Clear() {
+    delete[] data;
+    data = nullptr;
+    size = 0;
+}
+
+int KTBlob::operator==(const tagKTBLOB& other) const { return kt::SameBlob(*this, other); }
+
+int KTBlob::operator==(const tagKTBLOB* other) const { return *this == *other; }
