@@ -15,6 +15,9 @@ union ULARGE_INTEGER {
 
 enum STREAM_SEEK : DWORD { STREAM_SEEK_SET = 0, STREAM_SEEK_CUR = 1, STREAM_SEEK_END = 2 };
 
+// Calls use the platform's one convention natively.
+#define STDMETHODCALLTYPE
+
 constexpr HRESULT S_OK = 0;
 constexpr HRESULT STG_E_INVALIDFUNCTION = static_cast<HRESULT>(0x80030001);
 constexpr HRESULT STG_E_SEEKERROR = static_cast<HRESULT>(0x80030019);

@@ -1,0 +1,268 @@
+// Objects on streams: the stored form byte for byte, nesting, and the proxy
+// that carries objects of unknown classes through unchanged.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "kticore/core/Exception.h"
+#include "kticore/objects/Persist.h"
+#include "kticore/objects/Registry.h"
+#include "tests/support/Streams.h"
+#include "tests/support/TestClasses.h"
+
+namespace {
+
+using kt::test::AllBytes;
+using kt::test::Bytes;
+using kt::test::Ref;
+
+// A class of the test itself, never registered: its name and payload are
+// whatever the test gives.
+class CFixedPayload final : public CKTUnknownImpl<IPersistXStream> {
+public:
+    CFixedPayload(std::string name, Bytes payload) : name(std::move(name)), payload(std::move(payload)) {}
+    const char* GetClassName() override { return name.c_str(); }
+    ULONG GetSize() override { return static_cast<ULONG>(payload.size()); }
+    void Load(IXStream*) override {}
+    void Save(IXStream* stream) override {
+        if (!payload.empty())
+            stream->Write(payload.data(), static_cast<unsigned>(payload.size()));
+    }
+
+private:
+    std::string name;
+    Bytes payload;
+};
+
+Ref<IXStream> MemoryHolding(const Bytes& bytes) {
+    return kt::test::StreamOf(kt::test::kSeekableStreams[0], bytes);
+}
+
+Bytes Stored(IPersistXStream* object) {
+    Ref<IXStream> stream(new_StreamOnMemory());
+    EXPECT_EQ(WriteObjectToXStream(stream.get(), object), 1);
+    return AllBytes(stream.get());
+}
+
+Ref<IPersistXStream> ReadBack(IXStream* stream) {
+    IKTUnknown* read = nullptr;
+    if (!ReadObjectFromXStream(stream, &read))
+        return nullptr;
+    IPersistXStream* persist = nullptr;
+    read->QueryInterface(typeid(IPersistXStream), reinterpret_cast<void**>(&persist));
+    read->Release();
+    return Ref<IPersistXStream>(persist);
+}
+
+// The shape class of the tests' module, registered for each test.
+class ObjectStreaming : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_EQ(RegisterObject(KT_TEST_SHAPE_CLASS, KT_TEST_CLASSES_FILE), 1); }
+    void TearDown() override { UnregisterObject(KT_TEST_SHAPE_CLASS); }
+
+    static Ref<ITestShape> NewShape(ULONG id, const char* label) {
+        IKTUnknown* made = nullptr;
+        CreateObject(KT_TEST_SHAPE_CLASS, nullptr, typeid(ITestShape), &made);
+        Ref<ITestShape> shape(static_cast<ITestShape*>(made));
+        if (shape) {
+            shape->SetId(id);
+            shape->SetLabel(label);
+        }
+        return shape;
+    }
+
+    // Parent 1 "outer" holding child 2 "inner".
+    static Ref<ITestShape> NestedShapes() {
+        Ref<ITestShape> outer = NewShape(1, "outer");
+        Ref<ITestShape> inner = NewShape(2, "inner");
+        if (outer && inner)
+            outer->SetChild(inner.get());
+        return outer;
+    }
+};
+
+TEST(ObjectForm, NoObjectIsOneZeroByte) {
+    EXPECT_EQ(SizeOfObject(nullptr), 1u);
+    EXPECT_EQ(Stored(nullptr), Bytes{0});
+    Ref<IXStream> stream = MemoryHolding({0, 0xEE});
+    IKTUnknown* read = reinterpret_cast<IKTUnknown*>(&read);
+    EXPECT_EQ(ReadObjectFromXStream(stream.get(), &read), 0);
+    EXPECT_EQ(read, nullptr);
+    EXPECT_EQ(stream->GetPosition(), 1u);
+    stream->Seek(0, 0);
+    EXPECT_EQ(SkipObjectToXStream(stream.get()), 0u);
+    EXPECT_EQ(stream->GetPosition(), 1u);
+}
+
+TEST(ObjectForm, NameTerminatorLengthAndPayload) {
+    CFixedPayload abc("Abc", {1, 2});
+    EXPECT_EQ(Stored(&abc), (Bytes{0x41, 0x62, 0x63, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01, 0x02}));
+    EXPECT_EQ(SizeOfObject(&abc), 10u);
+    CFixedPayload nothing("Abc", {});
+    EXPECT_EQ(Stored(&nothing), (Bytes{0x41, 0x62, 0x63, 0x00, 0x00, 0x00, 0x00, 0x00}));
+}
+
+TEST(ObjectForm, TheLengthIsMeasuredAtAnyPosition) {
+    Ref<IXStream> stream(new_StreamOnMemory());
+    stream->WriteDWord(0xFFFFFFFF);
+    CFixedPayload abc("Abc", {1, 2, 3});
+    WriteObjectToXStream(stream.get(), &abc);
+    stream->WriteByte(9);
+    EXPECT_EQ(AllBytes(stream.get()), (Bytes{0xFF, 0xFF, 0xFF, 0xFF, 'A', 'b', 'c', 0, 3, 0, 0, 0, 1, 2, 3, 9}));
+}
+
+TEST(ObjectForm, SkipStepsOverOneObject) {
+    CFixedPayload abc("Abc", {1, 2, 3});
+    Bytes bytes = Stored(&abc);
+    bytes.push_back(0x77);
+    Ref<IXStream> stream = MemoryHolding(bytes);
+    EXPECT_EQ(SkipObjectToXStream(stream.get()), 0u);
+    EXPECT_EQ(stream->ReadByte(), 0x77);
+}
+
+TEST(ObjectForm, TruncatedFormsAreEndOfFileWithNoObject) {
+    for (const Bytes& bytes : {Bytes{'A', 'b'}, Bytes{'A', 'b', 0}}) {
+        Ref<IXStream> stream = MemoryHolding(bytes);
+        IKTUnknown* read = reinterpret_cast<IKTUnknown*>(&read);
+        EXPECT_THROW(ReadObjectFromXStream(stream.get(), &read), CXEofException);
+        EXPECT_EQ(read, nullptr);
+    }
+    // A part of the length word is read as a length: then the payload is short.
+    Ref<IXStream> stream = MemoryHolding({'A', 'b', 0, 1});
+    IKTUnknown* read = nullptr;
+    try {
+        ReadObjectFromXStream(stream.get(), &read);
+        ADD_FAILURE() << "a one-byte length word was taken as a whole object";
+    } catch (const CXException& failure) {
+        EXPECT_EQ(failure.code, XE_SHORT_DATA);
+    }
+    EXPECT_EQ(read, nullptr);
+}
+
+TEST(Proxy, AnUnknownClassIsKeptAndWrittenBackByteForByte) {
+    CFixedPayload unknown("CLSID_NobodyKnows", {5, 4, 3, 2, 1});
+    const Bytes bytes = Stored(&unknown);
+    Ref<IXStream> stream = MemoryHolding(bytes);
+    Ref<IPersistXStream> proxy = ReadBack(stream.get());
+    ASSERT_NE(proxy, nullptr);
+    EXPECT_STREQ(proxy->GetClassName(), "CLSID_NobodyKnows");
+    EXPECT_EQ(proxy->GetSize(), 5u);
+    EXPECT_EQ(proxy->QueryInterface(typeid(IPersistX), nullptr), 1);
+    EXPECT_EQ(stream->GetPosition(), bytes.size());
+    EXPECT_EQ(Stored(proxy.get()), bytes);
+}
+
+TEST(Proxy, ALengthBeyondTheStreamIsShortData) {
+    const Bytes exact = {'X', 0, 3, 0, 0, 0, 7, 8, 9};
+    EXPECT_NE(ReadBack(MemoryHolding(exact).get()), nullptr);
+    Bytes longer = exact;
+    longer[2] = 4;
+    Ref<IXStream> stream = MemoryHolding(longer);
+    IKTUnknown* read = reinterpret_cast<IKTUnknown*>(&read);
+    try {
+        ReadObjectFromXStream(stream.get(), &read);
+        ADD_FAILURE() << "a proxy read past the end";
+    } catch (const CXException& failure) {
+        EXPECT_EQ(failure.code, XE_SHORT_DATA);
+    }
+    EXPECT_EQ(read, nullptr);
+    EXPECT_EQ(stream->GetPosition(), 6u);  // behind the length word
+}
+
+TEST(Proxy, ClassNamesUpTo259CharactersPassThrough) {
+    const std::string longest(259, 'L');
+    CFixedPayload fits(longest, {1, 2, 3});
+    const Bytes bytes = Stored(&fits);
+    Ref<IPersistXStream> proxy = ReadBack(MemoryHolding(bytes).get());
+    ASSERT_NE(proxy, nullptr);
+    EXPECT_EQ(std::string(proxy->GetClassName()), longest);
+    EXPECT_EQ(Stored(proxy.get()), bytes);
+
+    CFixedPayload tooLong(std::string(260, 'L'), {1, 2, 3});
+    const Bytes cut = Stored(&tooLong);
+    try {
+        Ref<IPersistXStream> misread = ReadBack(MemoryHolding(cut).get());
+        EXPECT_TRUE(misread == nullptr || Stored(misread.get()) != cut);
+    } catch (const CXException&) {
+        // read from the wrong place: the length word runs past the end
+    }
+}
+
+TEST_F(ObjectStreaming, ARegisteredClassIsCreatedByNameAndLoaded) {
+    Ref<ITestShape> outer = NestedShapes();
+    ASSERT_NE(outer, nullptr);
+    Ref<IXStream> stream(new_StreamOnMemory());
+    WriteObjectToXStream(stream.get(), outer.get());
+    EXPECT_EQ(stream->GetPosition(), SizeOfObject(outer.get()));
+    stream->Seek(0, 0);
+    IKTUnknown* read = nullptr;
+    ASSERT_EQ(ReadObjectFromXStream(stream.get(), &read), 1);
+    ITestShape* shape = nullptr;
+    ASSERT_EQ(read->QueryInterface(typeid(ITestShape), reinterpret_cast<void**>(&shape)), 1);
+    read->Release();
+    Ref<ITestShape> copy(shape);
+    EXPECT_NE(copy.get(), outer.get());
+    EXPECT_EQ(copy->GetLoadCount(), 1);
+    EXPECT_EQ(copy->GetId(), 1u);
+    EXPECT_STREQ(copy->GetLabel(), "outer");
+    Ref<ITestShape> child(copy->GetChild());
+    ASSERT_NE(child, nullptr);
+    EXPECT_EQ(child->GetId(), 2u);
+    EXPECT_STREQ(child->GetLabel(), "inner");
+    EXPECT_EQ(stream->GetPosition(), stream->GetLength());
+}
+
+TEST_F(ObjectStreaming, NestedObjectsEachMeasureTheirOwnSpan) {
+    Ref<ITestShape> outer = NestedShapes();
+    ASSERT_NE(outer, nullptr);
+    const Bytes bytes = Stored(outer.get());
+    const size_t nameEnd = sizeof KT_TEST_SHAPE_CLASS;
+    const ULONG outerLength = bytes[nameEnd] | bytes[nameEnd + 1] << 8 | bytes[nameEnd + 2] << 16;
+    EXPECT_EQ(outerLength, bytes.size() - nameEnd - 4);
+    EXPECT_EQ(SizeOfObject(outer.get()), bytes.size());
+}
+
+TEST_F(ObjectStreaming, AnObjectVariantPassesThroughAProcessThatLacksItsClass) {
+    Ref<ITestShape> outer = NestedShapes();
+    ASSERT_NE(outer, nullptr);
+    const CKTVariant value(static_cast<IKTUnknown*>(outer.get()));
+    Ref<IXStream> written(new_StreamOnMemory());
+    written->WriteVariant(&value);
+    written->WriteDWord(0xC0FFEE);
+    const Bytes bytes = AllBytes(written.get());
+
+    // A reader without the class gets proxies, and writes the same bytes.
+    UnregisterObject(KT_TEST_SHAPE_CLASS);
+    Ref<IXStream> reader = MemoryHolding(bytes);
+    CKTVariant read;
+    ASSERT_EQ(reader->ReadVariant(&read), 1);
+    ASSERT_EQ(read.vt, KTVT_OBJECT);
+    ASSERT_NE(read.punkVal, nullptr);
+    EXPECT_EQ(read.punkVal->QueryInterface(typeid(ITestShape), nullptr), 0);
+    EXPECT_EQ(reader->ReadDWord(), 0xC0FFEEu);
+
+    Ref<IXStream> rewritten(new_StreamOnMemory());
+    rewritten->WriteVariant(&read);
+    rewritten->WriteDWord(0xC0FFEE);
+    EXPECT_EQ(AllBytes(rewritten.get()), bytes);
+
+    // And a reader with the class gets the shapes back from those bytes.
+    ASSERT_EQ(RegisterObject(KT_TEST_SHAPE_CLASS, KT_TEST_CLASSES_FILE), 1);
+    Ref<IXStream> again = MemoryHolding(AllBytes(rewritten.get()));
+    ASSERT_EQ(again->ReadVariant(&read), 1);
+    EXPECT_EQ(read.punkVal->QueryInterface(typeid(ITestShape), nullptr), 1);
+}
+
+TEST_F(ObjectStreaming, AnOleBackedStreamCarriesObjectsToo) {
+    Ref<ITestShape> outer = NestedShapes();
+    ASSERT_NE(outer, nullptr);
+    Ref<IXStream> stream(kt::test::NewOleBackedStream());
+    WriteObjectToXStream(stream.get(), outer.get());
+    EXPECT_EQ(AllBytes(stream.get()), Stored(outer.get()));
+    stream->Seek(0, 0);
+    Ref<IPersistXStream> read = ReadBack(stream.get());
+    ASSERT_NE(read, nullptr);
+    EXPECT_STREQ(read->GetClassName(), KT_TEST_SHAPE_CLASS);
+}
+
+}  // namespace

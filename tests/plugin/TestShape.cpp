@@ -1,0 +1,88 @@
+#include "tests/plugin/TestShape.h"
+
+#include "kticore/core/Exception.h"
+#include "kticore/values/Variant.h"
+
+namespace {
+
+class CTestShape final : public CKTUnknownImpl<ITestShape> {
+public:
+    ~CTestShape() override { SetChild(nullptr); }
+
+    int InternalQueryInterface(const type_info& wanted, void** out) override {
+        if (wanted != typeid(IPersistXStream) && wanted != typeid(IPersistX))
+            return CKTUnknownImpl<ITestShape>::InternalQueryInterface(wanted, out);
+        if (out != nullptr) {
+            *out = static_cast<ITestShape*>(this);
+            AddRef();
+        }
+        return 1;
+    }
+
+    const char* GetClassName() override { return KT_TEST_SHAPE_CLASS; }
+    ULONG GetSize() override {
+        return 4 + 2 + 4 + static_cast<ULONG>(label.GetSize()) + 1 + SizeOfObject(child);
+    }
+    void Load(IXStream* stream) override {
+        ++loads;
+        id = stream->ReadDWord();
+        CKTVariant value;
+        stream->ReadVariant(&value);
+        label = value.vt == KTVT_STR ? static_cast<char*>(value) : "";
+        IKTUnknown* stored = nullptr;
+        ReadObjectFromXStream(stream, &stored);
+        ITestShape* shape = nullptr;
+        if (stored != nullptr) {
+            stored->QueryInterface(typeid(ITestShape), reinterpret_cast<void**>(&shape));
+            stored->Release();
+        }
+        SetChild(shape);
+        if (shape != nullptr)
+            shape->Release();
+    }
+    void Save(IXStream* stream) override {
+        stream->WriteDWord(id);
+        const CKTVariant value(label);
+        stream->WriteVariant(&value);
+        WriteObjectToXStream(stream, child);
+    }
+
+    ULONG GetId() override { return id; }
+    void SetId(ULONG newId) override { id = newId; }
+    const char* GetLabel() override { return label; }
+    void SetLabel(const char* newLabel) override { label = newLabel; }
+    ITestShape* GetChild() override {
+        if (child != nullptr)
+            child->AddRef();
+        return child;
+    }
+    void SetChild(ITestShape* newChild) override {
+        if (newChild != nullptr)
+            newChild->AddRef();
+        if (child != nullptr)
+            child->Release();
+        child = newChild;
+    }
+    int GetLoadCount() override { return loads; }
+
+private:
+    ULONG id = 0;
+    CXString label;
+    ITestShape* child = nullptr;
+    int loads = 0;
+};
+
+}  // namespace
+
+KT_TEST_CLASSES_API int CLSID_TestShape(IKTUnknown*, const type_info& iface, IKTUnknown** out) {
+    auto* shape = new CTestShape;
+    const int found = shape->QueryInterface(iface, reinterpret_cast<void**>(out));
+    shape->Release();
+    return found;
+}
+
+// A factory that declines every request.
+KT_TEST_CLASSES_API int CLSID_TestRefusing(IKTUnknown*, const type_info&, IKTUnknown** out) {
+    *out = nullptr;
+    return 0;
+}

@@ -1,0 +1,200 @@
+// The stored form of a variant is a file format: each kind is checked
+// against its bytes, on every seekable stream, and damaged input must come
+// back as the documented failure, never as a crash or a wild allocation.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "kticore/core/Exception.h"
+#include "tests/support/Streams.h"
+#include "tests/support/WideText.h"
+
+namespace {
+
+using kt::test::AllBytes;
+using kt::test::Bytes;
+using kt::test::Ref;
+using kt::test::StreamKind;
+
+struct Golden {
+    CKTVariant value;
+    Bytes bytes;
+};
+
+// One value of every kind with its stored bytes, written out by hand.
+std::vector<Golden> GoldenForms() {
+    static unsigned char blob[] = {0xAA, 0xBB};
+    std::vector<Golden> forms;
+    forms.push_back({CKTVariant(), {0x00, 0x00, 0x00, 0x00, 0x00, 0x00}});
+    forms.push_back({CKTVariant(1u, KTVT_BOOL), {0x01, 0x00, 0x01, 0x00, 0x00, 0x00}});
+    forms.push_back({CKTVariant(static_cast<unsigned char>(7)), {0x02, 0x00, 0x07}});
+    forms.push_back({CKTVariant(static_cast<unsigned short>(0x1234)), {0x03, 0x00, 0x34, 0x12}});
+    forms.push_back({CKTVariant(0x89ABCDEFul), {0x04, 0x00, 0xEF, 0xCD, 0xAB, 0x89}});
+    forms.push_back({CKTVariant(-2), {0x05, 0x00, 0xFE, 0xFF, 0xFF, 0xFF}});
+    forms.push_back({CKTVariant(7u), {0x06, 0x00, 0x07, 0x00, 0x00, 0x00}});
+    forms.push_back({CKTVariant(-1l), {0x07, 0x00, 0xFF, 0xFF, 0xFF, 0xFF}});
+    forms.push_back({CKTVariant(1.5), {0x08, 0x00, 0, 0, 0, 0, 0, 0, 0xF8, 0x3F}});
+    forms.push_back({CKTVariant(1.5f), {0x09, 0x00, 0x00, 0x00, 0xC0, 0x3F}});
+    forms.push_back({CKTVariant("ab"), {0x0A, 0x00, 0x03, 0x00, 0x00, 0x00, 0x61, 0x62, 0x00}});
+    forms.push_back({CKTVariant(tagSIZE{1, -1}), {0x0B, 0x00, 1, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF}});
+    forms.push_back({CKTVariant(tagRSIZE{1.0, -2.0}),
+                     {0x0C, 0x00, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F, 0, 0, 0, 0, 0, 0, 0x00, 0xC0}});
+    forms.push_back({CKTVariant(tagPOINT{2, 3}), {0x0D, 0x00, 2, 0, 0, 0, 3, 0, 0, 0}});
+    forms.push_back({CKTVariant(tagRPOINT{0.5, 0.25}),
+                     {0x0E, 0x00, 0, 0, 0, 0, 0, 0, 0xE0, 0x3F, 0, 0, 0, 0, 0, 0, 0xD0, 0x3F}});
+    forms.push_back({CKTVariant(tagRECT{1, 2, 3, 4}),
+                     {0x0F, 0x00, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0, 4, 0, 0, 0}});
+    forms.push_back({CKTVariant(tagRRECT{1, 2, 3, 4}),
+                     {0x10, 0x00, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F, 0, 0, 0, 0, 0, 0, 0x00, 0x40,
+                      0,    0,    0, 0, 0, 0, 0x08, 0x40, 0, 0, 0, 0, 0, 0, 0x10, 0x40}});
+    forms.push_back({CKTVariant(tagKTBLOB{2, blob}), {0x11, 0x00, 0x02, 0x00, 0x00, 0x00, 0xAA, 0xBB}});
+    forms.push_back({CKTVariant(static_cast<IKTUnknown*>(nullptr)), {0x12, 0x00, 0x00}});
+    forms.push_back({CKTVariant(KTW("ab")),
+                     {0x13, 0x00, 0x06, 0x00, 0x00, 0x00, 0x61, 0x00, 0x62, 0x00, 0x00, 0x00}});
+    return forms;
+}
+
+class StoredVariant : public ::testing::TestWithParam<StreamKind> {
+protected:
+    Ref<IXStream> Fresh() { return Ref<IXStream>(GetParam().make()); }
+    Ref<IXStream> Holding(const Bytes& bytes) { return kt::test::StreamOf(GetParam(), bytes); }
+};
+
+TEST_P(StoredVariant, EveryKindIsWrittenAsItsGoldenBytes) {
+    for (const Golden& form : GoldenForms()) {
+        SCOPED_TRACE("kind " + std::to_string(form.value.vt));
+        Ref<IXStream> stream = Fresh();
+        stream->WriteVariant(&form.value);
+        EXPECT_EQ(AllBytes(stream.get()), form.bytes);
+    }
+}
+
+TEST_P(StoredVariant, EveryKindIsReadBackFromItsGoldenBytes) {
+    for (const Golden& form : GoldenForms()) {
+        SCOPED_TRACE("kind " + std::to_string(form.value.vt));
+        Ref<IXStream> stream = Holding(form.bytes);
+        CKTVariant read("something to clear");
+        EXPECT_EQ(stream->ReadVariant(&read), form.value.vt == KTVT_OBJECT ? 0 : 1);
+        EXPECT_EQ(read.vt, form.value.vt);
+        if (form.value.vt != KTVT_OBJECT) {  // the stored form of no object reads as "none"
+            EXPECT_TRUE(read == form.value);
+        }
+        EXPECT_EQ(stream->GetPosition(), form.bytes.size());
+    }
+}
+
+TEST_P(StoredVariant, AllKindsInARowRoundTripInOrder) {
+    Ref<IXStream> stream = Fresh();
+    const std::vector<Golden> forms = GoldenForms();
+    for (const Golden& form : forms)
+        stream->WriteVariant(&form.value);
+    stream->Seek(0, 0);
+    for (const Golden& form : forms) {
+        CKTVariant read;
+        stream->ReadVariant(&read);
+        EXPECT_EQ(read.vt, form.value.vt);
+        if (form.value.vt != KTVT_OBJECT) {
+            EXPECT_TRUE(read == form.value) << "kind " << form.value.vt;
+        }
+    }
+    CKTVariant beyond(5);
+    EXPECT_EQ(stream->ReadVariant(&beyond), 0);
+    EXPECT_EQ(beyond.vt, KTVT_EMPTY);
+}
+
+TEST_P(StoredVariant, TextIsStoredWithItsTerminatorAlsoWhenEmptyOrNull) {
+    Ref<IXStream> stream = Fresh();
+    const CKTVariant empty("");
+    stream->WriteVariant(&empty);
+    const CKTVariant null(static_cast<const char*>(nullptr));
+    stream->WriteVariant(&null);
+    const Bytes once = {0x0A, 0x00, 0x01, 0x00, 0x00, 0x00, 0x00};
+    Bytes twice = once;
+    twice.insert(twice.end(), once.begin(), once.end());
+    EXPECT_EQ(AllBytes(stream.get()), twice);
+}
+
+TEST_P(StoredVariant, UnknownKindThrowsBadDataNamedByTheStream) {
+    for (const unsigned short kind : {20, 0x4000, 0xFFFF}) {
+        Ref<IXStream> stream = Holding({static_cast<unsigned char>(kind), static_cast<unsigned char>(kind >> 8), 1, 2, 3, 4});
+        CKTVariant read;
+        try {
+            stream->ReadVariant(&read);
+            ADD_FAILURE() << "kind " << kind << " was read";
+        } catch (const CXFileException& failure) {
+            EXPECT_EQ(failure.code, XE_BAD_DATA);
+            EXPECT_EQ(failure.operation, XFILEOP_READ_WRITE);
+            EXPECT_EQ(kt::test::Wide(failure.name), kt::test::Wide(CXStringW(stream->GetName())));
+        }
+        EXPECT_EQ(read.vt, kind);
+        read.vt = KTVT_EMPTY;  // nothing to free
+    }
+}
+
+TEST_P(StoredVariant, UnknownKindIsWrittenAsItsCodeAlone) {
+    Ref<IXStream> stream = Fresh();
+    tagKTVARIANT odd;
+    KTVariantInit(&odd);
+    odd.vt = 25;
+    odd.dblVal = 1.0;
+    stream->WriteVariant(&odd);
+    EXPECT_EQ(AllBytes(stream.get()), (Bytes{25, 0}));
+}
+
+TEST_P(StoredVariant, TruncatedInputGivesWhatWasThereOrEndOfFile) {
+    CKTVariant read;
+    // Nothing at all: no kind, nothing read.
+    EXPECT_EQ(Holding({})->ReadVariant(&read), 0);
+    EXPECT_EQ(read.vt, KTVT_EMPTY);
+    // A text kind whose length word is missing.
+    EXPECT_EQ(Holding({0x0A, 0x00})->ReadVariant(&read), 0);
+    EXPECT_EQ(read.vt, KTVT_STR);
+    EXPECT_STREQ(read.pszVal, "");
+    // A length that promises two gigabytes with two bytes behind it.
+    EXPECT_EQ(Holding({0x0A, 0x00, 0xFF, 0xFF, 0xFF, 0x7F, 'a', 'b'})->ReadVariant(&read), 1);
+    EXPECT_STREQ(read.pszVal, "ab");
+    // Stored text without its terminator still reads terminated.
+    EXPECT_EQ(Holding({0x0A, 0x00, 0x02, 0x00, 0x00, 0x00, 'a', 'b'})->ReadVariant(&read), 1);
+    EXPECT_STREQ(read.pszVal, "ab");
+    // An odd byte count of wide text: the last unit is completed with zeros.
+    EXPECT_EQ(Holding({0x13, 0x00, 0x05, 0x00, 0x00, 0x00, 'a', 0, 'b'})->ReadVariant(&read), 1);
+    ASSERT_EQ(read.vt, KTVT_WSTR);
+    EXPECT_TRUE(read == CKTVariant(KTW("ab")));
+    // A blob keeps the bytes that are there.
+    EXPECT_EQ(Holding({0x11, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xAA})->ReadVariant(&read), 1);
+    ASSERT_EQ(read.vt, KTVT_BLOB);
+    ASSERT_EQ(read.blobVal.size, 1u);
+    EXPECT_EQ(read.blobVal.data[0], 0xAA);
+    // A part of a double is no error: something was read.
+    EXPECT_EQ(Holding({0x08, 0x00, 0x01})->ReadVariant(&read), 1);
+    EXPECT_EQ(read.vt, KTVT_DOUBLE);
+}
+
+TEST_P(StoredVariant, BlobWithoutItsLengthWordIsEndOfFile) {
+    CKTVariant read;
+    Ref<IXStream> stream = Holding({0x11, 0x00});
+    EXPECT_THROW(stream->ReadVariant(&read), CXEofException);
+}
+
+TEST_P(StoredVariant, LargeTextAndBlobRoundTrip) {
+    const std::string text(300000, 'x');
+    Bytes bytes(200001);
+    for (size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<unsigned char>(i * 7);
+    Ref<IXStream> stream = Fresh();
+    const CKTVariant storedText(text.c_str());
+    const CKTVariant storedBlob(tagKTBLOB{static_cast<ULONG>(bytes.size()), bytes.data()});
+    stream->WriteVariant(&storedText);
+    stream->WriteVariant(&storedBlob);
+    stream->Seek(0, 0);
+    CKTVariant read;
+    EXPECT_EQ(stream->ReadVariant(&read), 1);
+    EXPECT_TRUE(read == storedText);
+    EXPECT_EQ(stream->ReadVariant(&read), 1);
+    EXPECT_TRUE(read == storedBlob);
+}
+
+INSTANTIATE_TEST_SUITE_P(Streams, StoredVariant, ::testing::ValuesIn(kt::test::kSeekableStreams),
+                         kt::test::StreamKindName());
+
+}  // namespace

@@ -1,0 +1,27 @@
+// Reference-counted objects for tests that watch what a container or a value
+// does with its references.
+#pragma once
+
+#include <memory>
+
+#include "kticore/core/Unknown.h"
+
+namespace kt::test {
+
+class CCounted final : public CKTUnknownImpl<IKTUnknown> {
+public:
+    ULONG References() const { return refs; }
+};
+
+// Holds the caller's one reference of a library object and releases it.
+struct ReleaseReference {
+    template <class I>
+    void operator()(I* object) const {
+        if (object != nullptr)
+            object->Release();
+    }
+};
+template <class I>
+using Ref = std::unique_ptr<I, ReleaseReference>;
+
+}  // namespace kt::test

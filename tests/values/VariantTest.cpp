@@ -1,0 +1,302 @@
+#include "kticore/values/Variant.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "tests/support/Counted.h"
+#include "tests/support/WideText.h"
+
+namespace {
+
+using kt::test::CCounted;
+using kt::test::Wide;
+
+bool IsAllZero(const tagKTVARIANT& v) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(&v);
+    for (size_t i = 0; i < sizeof v; ++i)
+        if (bytes[i] != 0)
+            return false;
+    return true;
+}
+
+
+TEST(VariantRecord, HoldsFourDoublesAlignedForDoublesAndPointers) {
+    EXPECT_EQ(sizeof(tagKTVARIANT), 40u);
+    EXPECT_EQ(offsetof(tagKTVARIANT, dblVal), 8u);
+    EXPECT_EQ(sizeof(CKTVariant), sizeof(tagKTVARIANT));
+    EXPECT_EQ(sizeof(KTBlob), sizeof(tagKTBLOB));
+}
+
+TEST(VariantConstruction, EachSourceTypeMakesItsKind) {
+    EXPECT_EQ(CKTVariant().vt, KTVT_EMPTY);
+    EXPECT_EQ(CKTVariant(static_cast<unsigned char>(7)).vt, KTVT_BYTE);
+    EXPECT_EQ(CKTVariant(static_cast<unsigned short>(7)).vt, KTVT_WORD);
+    EXPECT_EQ(CKTVariant(7ul).vt, KTVT_ULONG);
+    EXPECT_EQ(CKTVariant(7).vt, KTVT_INT);
+    EXPECT_EQ(CKTVariant(7u).vt, KTVT_UINT);
+    EXPECT_EQ(CKTVariant(7l).vt, KTVT_LONG);
+    EXPECT_EQ(CKTVariant(7.0).vt, KTVT_DOUBLE);
+    EXPECT_EQ(CKTVariant(7.0f).vt, KTVT_FLOAT);
+    EXPECT_EQ(CKTVariant("x").vt, KTVT_STR);
+    EXPECT_EQ(CKTVariant(KTW("x")).vt, KTVT_WSTR);
+    EXPECT_EQ(CKTVariant(CXString("x")).vt, KTVT_STR);
+    EXPECT_EQ(CKTVariant(CXStringW(KTW("x"))).vt, KTVT_WSTR);
+    EXPECT_EQ(CKTVariant(tagSIZE{1, 2}).vt, KTVT_SIZE);
+    EXPECT_EQ(CKTVariant(tagRSIZE{1, 2}).vt, KTVT_RSIZE);
+    EXPECT_EQ(CKTVariant(tagPOINT{1, 2}).vt, KTVT_POINT);
+    EXPECT_EQ(CKTVariant(tagRPOINT{1, 2}).vt, KTVT_RPOINT);
+    EXPECT_EQ(CKTVariant(tagRECT{1, 2, 3, 4}).vt, KTVT_RECT);
+    EXPECT_EQ(CKTVariant(tagRRECT{1, 2, 3, 4}).vt, KTVT_RRECT);
+    EXPECT_EQ(CKTVariant(tagKTBLOB{0, nullptr}).vt, KTVT_BLOB);
+    EXPECT_EQ(CKTVariant(static_cast<IKTUnknown*>(nullptr)).vt, KTVT_OBJECT);
+}
+
+TEST(VariantConstruction, OnlyTheValueOneOfTheSecondArgumentMakesABoolean) {
+    const CKTVariant yes(5u, KTVT_BOOL);
+    EXPECT_EQ(yes.vt, KTVT_BOOL);
+    EXPECT_EQ(yes.boolVal, 1u);
+    const CKTVariant no(0, KTVT_BOOL);
+    EXPECT_EQ(no.vt, KTVT_BOOL);
+    EXPECT_EQ(no.boolVal, 0u);
+    const CKTVariant ignored(5u, KTVT_WORD);
+    EXPECT_EQ(ignored.vt, KTVT_UINT);
+    EXPECT_EQ(ignored.uintVal, 5u);
+}
+
+TEST(VariantConstruction, LongKindsKeepThirtyTwoBits) {
+    const CKTVariant negative(-2l);
+    EXPECT_EQ(negative.lVal, -2);
+    EXPECT_EQ(static_cast<long>(negative), -2l);
+    const CKTVariant large(0xFFFFFFFFul);
+    EXPECT_EQ(static_cast<unsigned long>(large), 0xFFFFFFFFul);
+}
+
+TEST(VariantConstruction, NullTextIsATextKindWithNothingToFree) {
+    CKTVariant narrow(static_cast<const char*>(nullptr));
+    EXPECT_EQ(narrow.vt, KTVT_STR);
+    EXPECT_EQ(narrow.pszVal, nullptr);
+    KTVariantClear(&narrow);
+    EXPECT_TRUE(IsAllZero(narrow));
+    CKTVariant wide(static_cast<const KTWCHAR*>(nullptr));
+    EXPECT_EQ(wide.vt, KTVT_WSTR);
+    EXPECT_EQ(wide.pwszVal, nullptr);
+}
+
+TEST(VariantConstruction, TextIsCopied) {
+    char text[] = "abc";
+    const CKTVariant v(text);
+    text[0] = 'X';
+    EXPECT_STREQ(v.pszVal, "abc");
+    EXPECT_NE(v.pszVal, text);
+    CXString string("string");
+    const CKTVariant fromString(string);
+    string = "changed";
+    EXPECT_STREQ(fromString.pszVal, "string");
+}
+
+TEST(VariantAssignment, IntegersKeepABooleanButTheByteDoesNot) {
+    CKTVariant v(1, KTVT_BOOL);
+    v = 7;
+    EXPECT_EQ(v.vt, KTVT_BOOL);
+    EXPECT_EQ(v.boolVal, 1u);
+    v = 0ul;
+    EXPECT_EQ(v.vt, KTVT_BOOL);
+    EXPECT_EQ(v.boolVal, 0u);
+    v = static_cast<unsigned char>(7);
+    EXPECT_EQ(v.vt, KTVT_BYTE);
+    EXPECT_EQ(v.bVal, 7);
+}
+
+TEST(VariantAssignment, AnotherKindIsClearedFirstTheSameKindKeepsItsOtherBytes) {
+    CKTVariant v("text");
+    v = 3.5;
+    EXPECT_EQ(v.vt, KTVT_DOUBLE);
+    EXPECT_EQ(v.dblVal, 3.5);
+    v.rrcVal = tagRRECT{1, 2, 3, 4};
+    v.vt = KTVT_INT;
+    v = 9;  // same kind: only the four value bytes change
+    EXPECT_EQ(v.intVal, 9);
+    EXPECT_EQ(v.rrcVal.top, 2.0);
+    v = 9u;  // another kind: cleared first
+    EXPECT_EQ(v.vt, KTVT_UINT);
+    EXPECT_EQ(v.rrcVal.top, 0.0);
+}
+
+TEST(VariantAssignment, SelfCopyEndsEmpty) {
+    CKTVariant v("text");
+    KTVariantCopy(&v, &v);
+    EXPECT_EQ(v.vt, KTVT_EMPTY);
+    EXPECT_TRUE(IsAllZero(v));
+    CKTVariant w("text");
+    CKTVariant& alias = w;
+    w = alias;
+    EXPECT_EQ(w.vt, KTVT_EMPTY);
+}
+
+TEST(VariantAssignment, OwnTextAndBlobCanBeAssignedBack) {
+    CKTVariant v("abc");
+    v = v.pszVal;
+    EXPECT_STREQ(v.pszVal, "abc");
+    unsigned char bytes[] = {1, 2, 3};
+    CKTVariant b(tagKTBLOB{3, bytes});
+    b = b.blobVal;
+    ASSERT_EQ(b.blobVal.size, 3u);
+    EXPECT_EQ(b.blobVal.data[2], 3);
+}
+
+TEST(VariantOwnership, ObjectKindHoldsOneReference) {
+    auto* object = new CCounted;
+    {
+        CKTVariant v(static_cast<IKTUnknown*>(object));
+        EXPECT_EQ(object->References(), 2u);
+        CKTVariant copy(v);
+        EXPECT_EQ(object->References(), 3u);
+        copy = 1;
+        EXPECT_EQ(object->References(), 2u);
+        v = static_cast<IKTUnknown*>(object);  // reassigning the same object keeps it alive
+        EXPECT_EQ(object->References(), 2u);
+    }
+    EXPECT_EQ(object->References(), 1u);
+    object->Release();
+}
+
+TEST(VariantOwnership, CopiesOwnTheirTextAndBytes) {
+    unsigned char bytes[] = {0xAA, 0xBB};
+    const CKTVariant blob(tagKTBLOB{2, bytes});
+    EXPECT_NE(blob.blobVal.data, bytes);
+    tagKTVARIANT copy;
+    KTVariantInit(&copy);
+    KTVariantCopy(&copy, &blob);
+    EXPECT_NE(copy.blobVal.data, blob.blobVal.data);
+    EXPECT_EQ(copy.blobVal.data[1], 0xBB);
+    const CKTVariant wide(KTW("wide"));
+    KTVariantCopy(&copy, &wide);
+    ASSERT_EQ(copy.vt, KTVT_WSTR);
+    EXPECT_EQ(Wide(copy.pwszVal), KTW("wide"));
+    KTVariantClear(&copy);
+    EXPECT_TRUE(IsAllZero(copy));
+}
+
+TEST(VariantOwnership, DetachAndAttachMoveOwnership) {
+    CKTVariant v("owned");
+    char* const text = v.pszVal;
+    tagKTVARIANT record = v.Detach();
+    EXPECT_EQ(v.vt, KTVT_EMPTY);
+    EXPECT_EQ(v.pszVal, text);  // the value area is left alone
+    v.Clear();                  // frees nothing
+    EXPECT_EQ(record.pszVal, text);
+    EXPECT_STREQ(record.pszVal, "owned");
+
+    CKTVariant target(2.5);
+    target.Attach(record);
+    EXPECT_EQ(record.vt, KTVT_EMPTY);
+    EXPECT_EQ(target.vt, KTVT_STR);
+    EXPECT_EQ(target.pszVal, text);
+}
+
+TEST(VariantReads, ReadTheValueAreaWhateverTheKind) {
+    CKTVariant v(0x01020304u);
+    EXPECT_EQ(static_cast<int>(v), 0x01020304);
+    EXPECT_EQ(static_cast<unsigned char>(v), 0x04);
+    EXPECT_EQ(static_cast<unsigned short>(v), 0x0304);
+    const tagRECT rect = CKTVariant(tagRECT{1, 2, 3, 4});
+    EXPECT_EQ(rect.bottom, 4);
+    unsigned char bytes[] = {5};
+    const CKTVariant blob(tagKTBLOB{1, bytes});
+    const tagKTBLOB shared = blob;
+    EXPECT_EQ(shared.data, blob.blobVal.data);
+}
+
+TEST(VariantReads, WideReadTurnsANarrowTextWide) {
+    CKTVariant v("h\xE9llo");
+    const KTWCHAR* wide = v;
+    EXPECT_EQ(v.vt, KTVT_WSTR);
+    EXPECT_EQ(Wide(wide), KTW("h\u00E9llo"));
+    EXPECT_EQ(static_cast<void*>(static_cast<char*>(v)), static_cast<const void*>(wide));
+    CKTVariant number(5);
+    EXPECT_EQ(static_cast<KTWCHAR*>(number), reinterpret_cast<KTWCHAR*>(number.pszVal));
+    EXPECT_EQ(number.vt, KTVT_INT);
+}
+
+TEST(VariantEquality, NeverConvertsBetweenKinds) {
+    EXPECT_FALSE(CKTVariant(3) == CKTVariant(3l));
+    EXPECT_FALSE(CKTVariant("ab") == CKTVariant(KTW("ab")));
+    EXPECT_TRUE(CKTVariant(3) == CKTVariant(3));
+    EXPECT_TRUE(CKTVariant() == CKTVariant());
+    EXPECT_FALSE(CKTVariant("ab") == CKTVariant("aB"));
+    EXPECT_TRUE(CKTVariant(KTW("ab")) == CKTVariant(KTW("ab")));
+    EXPECT_FALSE(CKTVariant(KTW("ab")) == CKTVariant(KTW("abc")));
+    EXPECT_FALSE(CKTVariant(1.0) == CKTVariant(1.0000001));
+    EXPECT_FALSE(CKTVariant(1.0f) == CKTVariant(1.0001f));
+}
+
+TEST(VariantEquality, ARecordEqualsItselfEvenOfAnUnknownKind) {
+    CKTVariant v;
+    v.vt = 77;
+    EXPECT_TRUE(v == &v);
+    CKTVariant w;
+    w.vt = 77;
+    EXPECT_FALSE(v == w);
+    v.vt = w.vt = KTVT_EMPTY;
+}
+
+TEST(VariantEquality, NullTextEqualsOnlyNullText) {
+    const CKTVariant null(static_cast<const char*>(nullptr));
+    EXPECT_TRUE(null == CKTVariant(static_cast<const char*>(nullptr)));
+    EXPECT_FALSE(null == CKTVariant(""));
+    EXPECT_FALSE(CKTVariant("") == null);
+}
+
+TEST(VariantEquality, DoubleGeometryHasAnAbsoluteToleranceOfAThousandth) {
+    EXPECT_TRUE(CKTVariant(tagRPOINT{1.0, 2.0}) == CKTVariant(tagRPOINT{1.0005, 2.0005}));
+    EXPECT_FALSE(CKTVariant(tagRPOINT{1.0, 2.0}) == CKTVariant(tagRPOINT{1.0, 2.002}));
+    EXPECT_TRUE(CKTVariant(tagRSIZE{1000000.0, 0}) == CKTVariant(tagRSIZE{1000000.0009, 0}));
+    EXPECT_FALSE(CKTVariant(tagRSIZE{1000000.0, 0}) == CKTVariant(tagRSIZE{1000000.002, 0}));
+    EXPECT_TRUE(CKTVariant(tagRRECT{0, 0, 10, 10}) == CKTVariant(tagRRECT{0.0009, 0, 10, 9.9991}));
+    EXPECT_FALSE(CKTVariant(tagSIZE{1, 2}) == CKTVariant(tagSIZE{1, 3}));
+    EXPECT_FALSE(CKTVariant(tagPOINT{1, 2}) == CKTVariant(tagPOINT{0, 2}));
+}
+
+TEST(VariantEquality, EmptyRectanglesAreEqualAndTheDoubleOneIncludesItsEdges) {
+    EXPECT_TRUE(CKTVariant(tagRECT{0, 0, 0, 10}) == CKTVariant(tagRECT{5, 5, 1, 1}));
+    EXPECT_FALSE(CKTVariant(tagRRECT{0, 0, 0, 10}) == CKTVariant(tagRRECT{5, 5, 1, 1}));
+    EXPECT_TRUE(CKTVariant(tagRRECT{0, 0, -1, 10}) == CKTVariant(tagRRECT{5, 5, 1, 1}));
+    EXPECT_FALSE(CKTVariant(tagRECT{0, 0, 1, 10}) == CKTVariant(tagRECT{0, 0, 2, 10}));
+}
+
+TEST(VariantEquality, BlobsCompareBytesAndObjectsCompareIdentity) {
+    unsigned char a[] = {1, 2, 3}, b[] = {1, 2, 3}, c[] = {1, 2, 4};
+    EXPECT_TRUE(CKTVariant(tagKTBLOB{3, a}) == CKTVariant(tagKTBLOB{3, b}));
+    EXPECT_FALSE(CKTVariant(tagKTBLOB{3, a}) == CKTVariant(tagKTBLOB{3, c}));
+    EXPECT_FALSE(CKTVariant(tagKTBLOB{3, a}) == CKTVariant(tagKTBLOB{2, a}));
+    auto* first = new CCounted;
+    auto* second = new CCounted;
+    EXPECT_TRUE(CKTVariant(static_cast<IKTUnknown*>(first)) == CKTVariant(static_cast<IKTUnknown*>(first)));
+    EXPECT_FALSE(CKTVariant(static_cast<IKTUnknown*>(first)) == CKTVariant(static_cast<IKTUnknown*>(second)));
+    first->Release();
+    second->Release();
+}
+
+TEST(Blob, CopiesZeroFillsAndCompares) {
+    const KTBlob zeros(4ul);
+    ASSERT_EQ(zeros.size, 4u);
+    EXPECT_EQ(zeros.data[0] | zeros.data[3], 0);
+    unsigned char bytes[] = {9, 8};
+    const tagKTBLOB record{2, bytes};
+    KTBlob copy(record);
+    EXPECT_NE(copy.data, bytes);
+    EXPECT_TRUE(copy == record);
+    const tagKTBLOB sizeOnly{5, nullptr};
+    const KTBlob empty(&sizeOnly);
+    EXPECT_EQ(empty.size, 5u);
+    EXPECT_EQ(empty.data, nullptr);
+    copy = &copy;  // assigning itself keeps the bytes
+    EXPECT_TRUE(copy == &record);
+    copy.Clear();
+    EXPECT_EQ(copy.size, 0u);
+    EXPECT_EQ(copy.data, nullptr);
+}
+
+}  // namespace
