@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "streams/StreamRules.h"
 #include "streams/TypedStream.h"
@@ -53,12 +54,47 @@ public:
     unsigned GetLength() override { return block.size; }
     const char* GetName() override { return "Memory stream"; }
 
+    // Typed values inside the block skip the general Read and Write; what
+    // they do, the progress question included, is the same.
+    unsigned char ReadByte() override { return ReadFast<unsigned char>(); }
+    unsigned short ReadWord() override { return ReadFast<unsigned short>(); }
+    ULONG ReadDWord() override { return ReadFast<ULONG>(); }
+    double ReadDouble() override { return ReadFast<double>(); }
+    void WriteByte(unsigned char value) override { WriteFast(value); }
+    void WriteWord(unsigned short value) override { WriteFast(value); }
+    void WriteDWord(ULONG value) override { WriteFast(value); }
+    void WriteDouble(double value) override { WriteFast(value); }
+
     ULONG GetBlockSize() override { return block.size; }
     void* GetBlockData() override;
     void SetBlockData(const void* source, ULONG size) override;
 
 private:
     void AskProgress();
+
+    template <class T>
+    T ReadFast() {
+        if (block.size < sizeof(T) || position > block.size - sizeof(T))
+            return ReadValue<T>();
+        T value;
+        std::memcpy(&value, block.data + position, sizeof value);
+        position += sizeof value;
+        AskProgress();
+        return value;
+    }
+
+    template <class T>
+    void WriteFast(T value) {
+        if (position > block.size || block.capacity - position < sizeof value) {
+            Write(&value, sizeof value);
+            return;
+        }
+        std::memcpy(block.data + position, &value, sizeof value);
+        position += sizeof value;
+        if (position > block.size)
+            block.size = position;
+        AskProgress();
+    }
 
     CMemBlockBuffer block;
     ULONG position = 0;

@@ -5,6 +5,13 @@
 
 #include "kticore/kticore.h"
 
+#if defined(_WIN32)
+#    define DEMO_EXPORT extern "C" __declspec(dllexport)
+#else
+#    include <dlfcn.h>
+#    define DEMO_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
+
 namespace {
 
 void Step(const char* title) { std::printf("\n== %s\n", title); }
@@ -153,7 +160,105 @@ void Containers() {
     names->Release();
 }
 
+// A host class that can be stored on a stream by its class name.
+class CNote : public CKTUnknownImpl<IPersistXStream> {
+public:
+    const char* GetClassName() override { return "CLSID_DemoNote"; }
+    ULONG GetSize() override { return static_cast<ULONG>(text.size() + 1); }
+    void Load(IXStream* stream) override {
+        char line[256];
+        stream->ReadLine(line, 255);
+        text = line;
+    }
+    void Save(IXStream* stream) override { stream->WriteString(text.c_str()); }
+    std::string text;
+};
+
+HMODULE ThisModule() {
+#if defined(_WIN32)
+    return GetModuleHandleA(nullptr);
+#else
+    return static_cast<HMODULE>(dlopen(nullptr, RTLD_LAZY));
+#endif
+}
+
+std::string Hex(IXStream* stream, unsigned from, unsigned to) {
+    std::string hex;
+    stream->Seek(static_cast<LONG>(from), 0);
+    for (unsigned i = from; i < to; ++i) {
+        char byte[4];
+        std::snprintf(byte, sizeof byte, "%02X ", stream->ReadByte());
+        hex += byte;
+    }
+    return hex;
+}
+
+void Values() {
+    Step("Variants are stored on streams in a fixed little-endian form");
+    IXStream* stream = new_StreamOnMemory();
+    unsigned char bytes[] = {0xCA, 0xFE};
+    const CKTVariant values[] = {CKTVariant(42), CKTVariant(2.5), CKTVariant("narrow"),
+                                 CKTVariant(KTW("wide")), CKTVariant(tagRECT{0, 0, 640, 480}),
+                                 CKTVariant(tagKTBLOB{2, bytes})};
+    for (const CKTVariant& value : values) {
+        const unsigned start = stream->GetPosition();
+        stream->WriteVariant(&value);
+        std::printf("   kind %2u stored as %s\n", value.vt, Hex(stream, start, stream->GetPosition()).c_str());
+    }
+    stream->Seek(0, 0);
+    for (const CKTVariant& value : values) {
+        CKTVariant read;
+        stream->ReadVariant(&read);
+        std::printf("   kind %2u read back %s\n", read.vt, read == value ? "equal" : "DIFFERENT");
+    }
+    stream->Release();
+}
+
+void StoredObjects() {
+    Step("Objects are stored by class name and made again by the registry");
+    RegisterObject("CLSID_DemoNote", ThisModule());
+    auto* note = new CNote;
+    note->text = "remember the milk";
+    IXStream* stream = new_StreamOnMemory();
+    const CKTVariant stored(static_cast<IKTUnknown*>(note));
+    note->Release();
+    stream->WriteVariant(&stored);
+    const unsigned length = stream->GetLength();
+    std::printf("   a note takes %u bytes: %s\n", length, Hex(stream, 0, length).c_str());
+
+    stream->Seek(0, 0);
+    CKTVariant read;
+    stream->ReadVariant(&read);
+    void* found = nullptr;
+    read.punkVal->QueryInterface(typeid(IPersistXStream), &found);
+    auto* copy = static_cast<IPersistXStream*>(found);
+    std::printf("   read back as a new %s: \"%s\"\n", copy->GetClassName(),
+                static_cast<CNote*>(copy)->text.c_str());
+    copy->Release();
+
+    UnregisterObject("CLSID_DemoNote");
+    stream->Seek(0, 0);
+    stream->ReadVariant(&read);
+    IXStream* rewritten = new_StreamOnMemory();
+    rewritten->WriteVariant(&read);
+    const bool same = rewritten->GetLength() == length &&
+                      Hex(rewritten, 0, length) == Hex(stream, 0, length);
+    std::printf("   with the class unknown a proxy keeps the bytes; written back %s\n",
+                same ? "identical" : "DIFFERENT");
+    rewritten->Release();
+    stream->Release();
+}
+
 }  // namespace
+
+// The factory of the demo's class, found by the registry among the
+// executable's exports.
+DEMO_EXPORT int CLSID_DemoNote(IKTUnknown*, const type_info& iface, IKTUnknown** out) {
+    auto* note = new CNote;
+    const int found = note->QueryInterface(iface, reinterpret_cast<void**>(out));
+    note->Release();
+    return found;
+}
 
 int main() {
     std::printf("kticore demo host\n");
@@ -163,6 +268,8 @@ int main() {
     Failures();
     Strings();
     Containers();
+    Values();
+    StoredObjects();
     std::printf("\ndone\n");
     return 0;
 }
