@@ -114,6 +114,18 @@ TEST_P(StoredVariant, TextIsStoredWithItsTerminatorAlsoWhenEmptyOrNull) {
     EXPECT_EQ(AllBytes(stream.get()), twice);
 }
 
+TEST_P(StoredVariant, AStoredNaNComesBackBitForBit) {
+    // Kind 8 compares exactly, so a NaN is not equal to its copy; its bytes
+    // still pass through unchanged.
+    const Bytes nan = {0x08, 0x00, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0xF8, 0x7F};
+    CKTVariant read;
+    ASSERT_EQ(Holding(nan)->ReadVariant(&read), 1);
+    EXPECT_FALSE(read == CKTVariant(read));
+    Ref<IXStream> stream = Fresh();
+    stream->WriteVariant(&read);
+    EXPECT_EQ(AllBytes(stream.get()), nan);
+}
+
 TEST_P(StoredVariant, UnknownKindThrowsBadDataNamedByTheStream) {
     for (const unsigned short kind : {20, 0x4000, 0xFFFF}) {
         Ref<IXStream> stream = Holding({static_cast<unsigned char>(kind), static_cast<unsigned char>(kind >> 8), 1, 2, 3, 4});

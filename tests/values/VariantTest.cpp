@@ -252,6 +252,8 @@ TEST(VariantEquality, NullTextEqualsOnlyNullText) {
 TEST(VariantEquality, DoubleGeometryHasAnAbsoluteToleranceOfAThousandth) {
     EXPECT_TRUE(CKTVariant(tagRPOINT{1.0, 2.0}) == CKTVariant(tagRPOINT{1.0005, 2.0005}));
     EXPECT_FALSE(CKTVariant(tagRPOINT{1.0, 2.0}) == CKTVariant(tagRPOINT{1.0, 2.002}));
+    // A difference of exactly the tolerance, as the test computes it, is equal.
+    EXPECT_TRUE(CKTVariant(tagRPOINT{1.0, 2.0}) == CKTVariant(tagRPOINT{1.0 - 0.001, 2.0 + 0.001}));
     EXPECT_TRUE(CKTVariant(tagRSIZE{1000000.0, 0}) == CKTVariant(tagRSIZE{1000000.0009, 0}));
     EXPECT_FALSE(CKTVariant(tagRSIZE{1000000.0, 0}) == CKTVariant(tagRSIZE{1000000.002, 0}));
     EXPECT_TRUE(CKTVariant(tagRRECT{0, 0, 10, 10}) == CKTVariant(tagRRECT{0.0009, 0, 10, 9.9991}));
