@@ -77,6 +77,16 @@ CKTVariant& Assign(CKTVariant& v, unsigned short kind, T tagKTVARIANT::*field, T
     return v;
 }
 
+// Assignment of an owned pointer, made before the clear: the source may be
+// the variant's own text.
+template <class T>
+CKTVariant& AssignOwned(CKTVariant& v, unsigned short kind, T* tagKTVARIANT::*field, T* copy) {
+    KTVariantClear(&v);
+    v.vt = kind;
+    v.*field = copy;
+    return v;
+}
+
 template <class T>
 CKTVariant& AssignKeepingBool(CKTVariant& v, unsigned short kind, T tagKTVARIANT::*field,
                               T value) {
@@ -234,35 +244,20 @@ CKTVariant::CKTVariant(const CKTVariant& source)
     : CKTVariant(static_cast<const tagKTVARIANT&>(source)) {}
 
 CKTVariant& CKTVariant::operator=(const char* text) {
-    char* copy = CopyText(text);  // before the clear: `text` may be our own
-    KTVariantClear(this);
-    vt = KTVT_STR;
-    pszVal = copy;
-    return *this;
+    return AssignOwned(*this, KTVT_STR, &tagKTVARIANT::pszVal, CopyText(text));
 }
 
 CKTVariant& CKTVariant::operator=(const KTWCHAR* text) {
-    KTWCHAR* copy = CopyText(text);
-    KTVariantClear(this);
-    vt = KTVT_WSTR;
-    pwszVal = copy;
-    return *this;
+    return AssignOwned(*this, KTVT_WSTR, &tagKTVARIANT::pwszVal, CopyText(text));
 }
 
 CKTVariant& CKTVariant::operator=(const CXString& text) {
-    char* copy = CopyText(text, text.GetSize());
-    KTVariantClear(this);
-    vt = KTVT_STR;
-    pszVal = copy;
-    return *this;
+    return AssignOwned(*this, KTVT_STR, &tagKTVARIANT::pszVal, CopyText(text, text.GetSize()));
 }
 
 CKTVariant& CKTVariant::operator=(const CXStringW& text) {
-    KTWCHAR* copy = CopyText(text, text.GetSize());
-    KTVariantClear(this);
-    vt = KTVT_WSTR;
-    pwszVal = copy;
-    return *this;
+    return AssignOwned(*this, KTVT_WSTR, &tagKTVARIANT::pwszVal,
+                       CopyText(text, text.GetSize()));
 }
 
 CKTVariant& CKTVariant::operator=(unsigned char value) {
