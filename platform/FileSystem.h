@@ -117,3 +117,11 @@ bool FileOwner(const KTWCHAR* name, std::basic_string<KTWCHAR>& owner);
 bool PathIsUrl(const KTWCHAR* name);
 
 }  // namespace kt::sys
+
+namespace kt::sys {
+
+// Whether the text before a path's delimiter names a volume rather than a
+// directory to make: a drive ("c:") on Windows, the root (nothing) natively.
+bool IsVolumePrefix(const KTWCHAR* prefix, size_t length);
+
+}  // namespace kt::sys

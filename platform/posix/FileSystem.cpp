@@ -461,3 +461,9 @@ bool PathIsUrl(const KTWCHAR* name) {
 }
 
 }  // namespace kt::sys
+
+namespace kt::sys {
+
+bool IsVolumePrefix(const KTWCHAR*, size_t length) { return length == 0; }
+
+}  // namespace kt::sys

@@ -169,3 +169,11 @@ bool FileOwner(const KTWCHAR* name, std::basic_string<KTWCHAR>& owner) {
 bool PathIsUrl(const KTWCHAR* name) { return name != nullptr && ::PathIsURLW(name); }
 
 }  // namespace kt::sys
+
+namespace kt::sys {
+
+bool IsVolumePrefix(const KTWCHAR* prefix, size_t length) {
+    return length != 0 && prefix[length - 1] == ':';
+}
+
+}  // namespace kt::sys

@@ -26,12 +26,22 @@ enum XErrorCode : DWORD {
     XE_NOT_TEXT = 34,        // parameter text that is not narrow text
 };
 
-// What a CXFileException was doing when it failed. The throwing subsystems may
-// use further values.
+// What a CXFileException was doing when it failed.
 enum XFileOperation : DWORD {
-    XFILEOP_OPEN = 0,  // open or create
-    XFILEOP_READ_WRITE = 1,
-    XFILEOP_SEEK = 3,
+    XFILEOP_OPEN = 0,        // opening a URL for reading, or an output file
+    XFILEOP_READ_WRITE = 1,  // a stream's data; a file open for reading
+    XFILEOP_READ = 1,
+    XFILEOP_WRITE = 2,  // a file open for writing
+    XFILEOP_SEEK = 3,   // a stream's seek
+    XFILEOP_LOCK = 5,   // a lock giving up its handles
+    XFILEOP_DELETE = 7,
+    XFILEOP_COPY = 8,
+    XFILEOP_RENAME = 9,
+    XFILEOP_CREATE_DIRECTORY = 10,
+    XFILEOP_DELETE_DIRECTORY = 11,
+    XFILEOP_URL_INFO = 12,
+    XFILEOP_FILE_INFO = 13,
+    XFILEOP_SET_DIRECTORY = 14,
 };
 
 class KTCORE_API CXException {

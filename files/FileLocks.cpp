@@ -1,0 +1,117 @@
+// The process's lock table: one entry per locked name, holding the handle
+// that keeps other processes from writing the file and the counts of the two
+// kinds of lock. Names are compared without regard to case and without any
+// normalisation: two spellings of one path are two entries.
+#include "kticore/files/FileLocks.h"
+
+#include <list>
+#include <string>
+
+#include "kticore/core/Exception.h"
+#include "kticore/files/File.h"
+#include "kticore/files/FileUtilities.h"
+#include "platform/FileSystem.h"
+#include "strings/TextTraits.h"
+
+namespace kt {
+namespace {
+
+struct LockEntry {
+    sys::FileHandle handle = sys::kNoFile;
+    DWORD exclusive = 0;
+    DWORD nonExclusive = 0;
+    std::basic_string<KTWCHAR> name;
+
+    DWORD& Count(bool ofExclusive) { return ofExclusive ? exclusive : nonExclusive; }
+
+    // Read and write access, sharing reads only: while it is open no other
+    // open for writing succeeds, here or in another process.
+    void OpenHandle() {
+        handle = sys::CreateFileHandle(name.c_str(), sys::kGenericRead | sys::kGenericWrite,
+                                       sys::kShareRead, sys::kOpenExisting, 0x20000021);
+    }
+    void CloseHandle() {
+        if (handle != sys::kNoFile)
+            sys::CloseFileHandle(handle);
+        handle = sys::kNoFile;
+    }
+};
+
+std::list<LockEntry>& LockTable() {
+    static std::list<LockEntry> table;
+    return table;
+}
+
+int lockingEnabled = 1;
+
+std::list<LockEntry>::iterator Find(const KTWCHAR* name) {
+    auto& table = LockTable();
+    for (auto entry = table.begin(); entry != table.end(); ++entry)
+        if (WideText::CompareIgnoringCase(entry->name.c_str(), name, ~0u) == 0)
+            return entry;
+    return table.end();
+}
+
+}  // namespace
+}  // namespace kt
+
+using kt::Find;
+using kt::LockTable;
+
+void Fio_LockFile(const KTWCHAR* name, bool exclusive) {
+    if (!kt::lockingEnabled && Fio_IsMemFile(name))
+        return;
+    const auto found = Find(name);
+    if (found != LockTable().end()) {
+        ++found->Count(exclusive);
+        return;
+    }
+    kt::LockEntry entry;
+    entry.name = name;
+    entry.Count(exclusive) = 1;
+    // A non-exclusive lock may wait for its file to be made.
+    if (exclusive || Fio_IsFileExist(name)) {
+        entry.OpenHandle();
+        if (entry.handle == kt::sys::kNoFile)
+            return;
+    }
+    LockTable().push_back(std::move(entry));
+}
+
+void Fio_UnlockFile(const KTWCHAR* name, bool exclusive) {
+    const auto found = Find(name);
+    if (found == LockTable().end())
+        return;
+    --found->Count(exclusive);
+    if (found->exclusive == 0 && found->nonExclusive == 0) {
+        found->CloseHandle();
+        LockTable().erase(found);
+    }
+}
+
+int Fio_LockCount(const KTWCHAR* name, bool exclusive) {
+    const auto found = Find(name);
+    return found != LockTable().end() ? static_cast<int>(found->Count(exclusive)) : 0;
+}
+
+void Fio_ChangeNELock(const KTWCHAR* name, bool release) {
+    const auto found = Find(name);
+    if (found == LockTable().end())
+        return;
+    if (release) {
+        // No call failed: the code only says that the file is held.
+        if (found->exclusive != 0)
+            throw CXFileException(XErrorFromWin32(kt::sys::LastFileError()), found->name.c_str(),
+                                  XFILEOP_LOCK);
+        found->CloseHandle();
+    } else if (Fio_IsFileExist(found->name.c_str())) {
+        found->CloseHandle();  // calls do not nest: one handle at most
+        found->OpenHandle();
+    }
+}
+
+int Fio_EnableLocking(int enable) {
+    const int previous = kt::lockingEnabled;
+    kt::lockingEnabled = enable;
+    return previous;
+}

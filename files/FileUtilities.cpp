@@ -1,0 +1,151 @@
+// The Fio functions on names. Each reports a failure of the system as a
+// CXFileException with its operation number, and treats memory names and
+// URLs in its own way.
+#include "kticore/files/FileUtilities.h"
+
+#include <string>
+
+#include "files/LockStepAside.h"
+#include "files/MemoryName.h"
+#include "files/UrlFiles.h"
+#include "platform/FileSystem.h"
+
+namespace {
+
+[[noreturn]] void ThrowLastError(const KTWCHAR* name, DWORD operation) {
+    throw CXFileException(XErrorFromWin32(kt::sys::LastFileError()), name, operation);
+}
+
+bool IsDelimiter(KTWCHAR unit) { return unit == '\\' || unit == '/'; }
+
+}  // namespace
+
+void Fio_CopyFile(const KTWCHAR* from, const KTWCHAR* to, int failIfExists) {
+    if (!kt::sys::CopyFileTo(from, to, failIfExists != 0))
+        ThrowLastError(from, XFILEOP_COPY);
+}
+
+void Fio_DeleteFile(const KTWCHAR* name) {
+    if (kt::IsMemoryName(name))
+        return;
+    if (Fio_PathIsURL(name)) {
+        kt::DeleteUrlFile(name);
+        return;
+    }
+    if (!kt::sys::RemoveFile(name))
+        ThrowLastError(name, XFILEOP_DELETE);
+}
+
+void Fio_RenameFile(const KTWCHAR* from, const KTWCHAR* to) {
+    if (!kt::sys::MoveFileTo(from, to))
+        ThrowLastError(from, XFILEOP_RENAME);
+}
+
+void Fio_CreateDirectory(const KTWCHAR* name) {
+    if (kt::IsMemoryName(name))
+        return;
+    if (Fio_PathIsURL(name)) {
+        kt::CreateUrlDirectory(name);
+        return;
+    }
+    if (name == nullptr || *name == 0 || Fio_IsFileExist(name))
+        return;
+    CXStringW path(name);
+    path.AddDirDelim();
+    const std::basic_string<KTWCHAR> text(static_cast<const KTWCHAR*>(path));
+    for (size_t end = 0; end < text.size(); ++end) {
+        if (!IsDelimiter(text[end]))
+            continue;
+        const std::basic_string<KTWCHAR> prefix = text.substr(0, end);
+        if (kt::sys::IsVolumePrefix(prefix.c_str(), prefix.size()) || Fio_IsFileExist(prefix.c_str()))
+            continue;
+        if (!kt::sys::MakeDirectory(prefix.c_str()))
+            ThrowLastError(prefix.c_str(), XFILEOP_CREATE_DIRECTORY);
+    }
+}
+
+void Fio_DeleteDirectory(const KTWCHAR* name) {
+    if (!kt::sys::RemoveDirectoryAt(name))
+        ThrowLastError(name, XFILEOP_DELETE_DIRECTORY);
+}
+
+void Fio_GetCurrentDirectory(KTWCHAR* buffer, int size) {
+    kt::sys::CurrentDirectory(static_cast<DWORD>(size), buffer);
+}
+
+void Fio_SetCurrentDirectory(const KTWCHAR* name) {
+    if (!kt::sys::ChangeCurrentDirectory(name))
+        ThrowLastError(name, XFILEOP_SET_DIRECTORY);
+}
+
+void Fio_GetFileInfo(const KTWCHAR* name, FioFileInfo* info) {
+    if (kt::IsMemoryName(name)) {
+        info->size = kt::ParseMemoryName(name).size;
+        return;
+    }
+    if (Fio_PathIsURL(name)) {
+        kt::GetUrlFileInfo(name, info);
+        return;
+    }
+    kt::sys::FoundFile found;
+    {
+        const kt::sys::QuietCriticalErrors quiet;
+        if (name == nullptr || !kt::sys::FindFile(name, found))
+            ThrowLastError(name, XFILEOP_FILE_INFO);
+    }
+    *info = {found.size, found.second, found.minute,    found.hour,
+             found.day,  found.dayOfWeek, found.month, found.year};
+}
+
+int Fio_IsFileExist(const KTWCHAR* name) {
+    try {
+        FioFileInfo info;
+        Fio_GetFileInfo(name, &info);
+        return 1;
+    } catch (const CXException&) {
+        return 0;
+    }
+}
+
+int Fio_IsWritableFile(const KTWCHAR* name) {
+    if (kt::IsMemoryName(name))
+        return 1;
+    if (Fio_PathIsURL(name))
+        return kt::IsWritableUrl(name);
+    // This process's own non-exclusive lock does not count against the file.
+    const kt::CLockStepAside stepAside(name);
+    const DWORD attributes = kt::sys::FileAttributes(name);
+    if (attributes == kt::sys::kNoAttributes)
+        return 1;  // what does not exist may be written
+    if (attributes & kt::sys::kAttributeReadOnly)
+        return 0;
+    // Anybody else's open, in whatever mode, keeps this probe out.
+    const kt::sys::FileHandle probe = kt::sys::CreateFileHandle(
+        name, kt::sys::kGenericRead | kt::sys::kGenericWrite, 0, kt::sys::kOpenExisting, 0x20000021);
+    if (probe == kt::sys::kNoFile)
+        return 0;
+    kt::sys::CloseFileHandle(probe);
+    return 1;
+}
+
+int Fio_IsWritableFile(const KTWCHAR* name, CXStringW&) { return Fio_IsWritableFile(name) != 0; }
+
+int Fio_IsWritableDir(const KTWCHAR* name) { return kt::sys::MayReadAndWrite(name); }
+
+int Fio_GetSecurityInfo(const KTWCHAR* name, CXStringW& owner) {
+    std::basic_string<KTWCHAR> text;
+    if (!kt::sys::FileOwner(name, text))
+        return 0;
+    owner = text.c_str();
+    return 1;
+}
+
+const KTWCHAR* Fio_GetTempFileName() {
+    static KTWCHAR name[512];
+    KTWCHAR directory[512];
+    kt::sys::TempPath(512, directory);
+    kt::sys::TempFileName(directory, KTW("KTPR"), name);
+    return name;
+}
+
+int Fio_PathIsURL(const KTWCHAR* name) { return kt::sys::PathIsUrl(name); }

@@ -1,0 +1,202 @@
+#include "files/MappedFile.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
+
+#include "kticore/files/FileLocks.h"
+
+namespace kt {
+
+namespace {
+
+// CreateFileW's attributes and flags for each way of opening.
+DWORD CreationFlags(int flags) {
+    const DWORD pattern = (flags & FIO_RANDOM) ? 0x10000000 : 0x08000000;
+    if (!(flags & FIO_WRITE))
+        return pattern | 0x21;  // archive, read-only
+    if (flags & FIO_TEMPORARY)
+        return pattern | 0x04000100;  // delete on close, temporary
+    return pattern | 0x20;            // archive
+}
+
+void CopyName(KTWCHAR (&to)[512], const KTWCHAR* from) {
+    const size_t length = std::char_traits<KTWCHAR>::length(from);
+    if (length >= 512)
+        throw CXFileException(XErrorFromWin32(206), from, XFILEOP_OPEN);  // name too long
+    std::char_traits<KTWCHAR>::copy(to, from, length + 1);
+}
+
+}  // namespace
+
+CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
+    : viewSize(2 * sys::AllocationGranularity()),
+      flags(static_cast<DWORD>(openFlags)),
+      access((openFlags & FIO_WRITE) ? XFILEOP_WRITE : XFILEOP_READ) {
+    if (fileName == nullptr) {
+        KTWCHAR directory[260];
+        sys::TempPath(260, directory);
+        sys::TempFileName(directory, KTW("KTPR"), name);
+    } else {
+        CopyName(name, fileName);
+    }
+    Fio_ChangeNELock(name, true);
+    const bool writes = access == XFILEOP_WRITE;
+    file = sys::CreateFileHandle(
+        name, writes ? sys::kGenericRead | sys::kGenericWrite : sys::kGenericRead,
+        writes ? 0 : sys::kShareRead | sys::kShareWrite,
+        writes && !(flags & FIO_KEEP) ? sys::kCreateAlways : sys::kOpenExisting,
+        CreationFlags(openFlags));
+    if (file == sys::kNoFile)
+        FailOpen(sys::LastFileError());
+    length = sys::FileSize(file);
+    if (!writes && length == 0)
+        return;  // an empty file open for reading: nothing to map
+    mapping = sys::CreateMapping(file, writes, viewSize);
+    if (mapping == sys::kNoMapping)
+        FailOpen(sys::LastFileError());
+    if (writes && !(flags & FIO_KEEP))
+        length = 0;
+    view = static_cast<unsigned char*>(sys::MapView(mapping, writes, 0, MappedBytes()));
+    if (view == nullptr)
+        FailOpen(sys::LastFileError());
+}
+
+CXFile::~CXFile() {
+    // The counterpart of the open's step aside, also after a failed open.
+    try {
+        Fio_ChangeNELock(name, false);
+    } catch (const CXException&) {
+    }
+}
+
+void CXFile::FailOpen(DWORD win32Error) {
+    // A failed construction closes what it made and gives the lock back: no
+    // destructor runs for it.
+    if (view != nullptr)
+        sys::UnmapView(view, MappedBytes());
+    if (mapping != sys::kNoMapping)
+        sys::CloseMapping(mapping);
+    if (file != sys::kNoFile)
+        sys::CloseFileHandle(file);
+    view = nullptr;
+    mapping = sys::kNoMapping;
+    file = sys::kNoFile;
+    Fio_ChangeNELock(name, false);
+    throw CXFileException(XErrorFromWin32(win32Error), name, access);
+}
+
+DWORD CXFile::MappedBytes() const {
+    if (access == XFILEOP_WRITE)
+        return viewSize;
+    return std::min(viewSize, length - viewOffset);
+}
+
+void CXFile::MoveView() {
+    const DWORD offset = position - position % viewSize;
+    if (view != nullptr && offset == viewOffset)
+        return;
+    const auto failed = [this] {
+        throw CXFileException(XErrorFromWin32(sys::LastFileError()), name, access);
+    };
+    if (view != nullptr && !sys::UnmapView(view, MappedBytes()))
+        failed();
+    view = nullptr;
+    viewOffset = offset;
+    const bool writes = access == XFILEOP_WRITE;
+    if (writes) {
+        // A larger mapping extends the file on disk as far as the view.
+        if (mapping != sys::kNoMapping && !sys::CloseMapping(mapping))
+            failed();
+        mapping = sys::CreateMapping(file, true, offset + viewSize);
+        if (mapping == sys::kNoMapping)
+            failed();
+    }
+    view = static_cast<unsigned char*>(sys::MapView(mapping, writes, offset, MappedBytes()));
+    if (view == nullptr)
+        failed();
+}
+
+void CXFile::Copy(void* to, const void* from, DWORD size) {
+    switch (size) {  // typed values are single moves
+    case 1: *static_cast<std::uint8_t*>(to) = *static_cast<const std::uint8_t*>(from); break;
+    case 2: std::memcpy(to, from, 2); break;
+    case 4: std::memcpy(to, from, 4); break;
+    case 8: std::memcpy(to, from, 8); break;
+    default: std::memcpy(to, from, size); break;
+    }
+}
+
+DWORD CXFile::Read(void* buffer, DWORD size) {
+    if (size == 0 || position >= length)
+        return 0;
+    const DWORD count = std::min(size, length - position);
+    if (view == nullptr || position < viewOffset || position - viewOffset > viewSize)
+        MoveView();
+    auto* out = static_cast<unsigned char*>(buffer);
+    for (DWORD left = count;;) {
+        const DWORD inView = viewOffset + viewSize - position;
+        const DWORD part = std::min(left, inView);
+        Copy(out, view + (position - viewOffset), part);
+        position += part;
+        left -= part;
+        if (left == 0)
+            return count;
+        out += part;
+        MoveView();
+    }
+}
+
+void CXFile::Write(const void* buffer, DWORD size) {
+    if (size == 0)
+        return;
+    if (view == nullptr || position < viewOffset || position - viewOffset >= viewSize)
+        MoveView();
+    const auto* in = static_cast<const unsigned char*>(buffer);
+    for (DWORD left = size;;) {
+        const DWORD inView = viewOffset + viewSize - position;
+        const DWORD part = std::min(left, inView);
+        Copy(view + (position - viewOffset), in, part);
+        position += part;
+        length = std::max(length, position);
+        left -= part;
+        if (left == 0)
+            return;
+        in += part;
+        MoveView();
+    }
+}
+
+DWORD CXFile::Seek(LONG offset, DWORD origin) {
+    position = SeekTarget(offset, origin, position, length, access == XFILEOP_READ, access);
+    return position;
+}
+
+int CXFile::Flush() { return view == nullptr ? 1 : sys::FlushView(view, MappedBytes()); }
+
+DWORD CXFile::ReadDWord() {
+    DWORD value;
+    const bool inView = view != nullptr && position >= viewOffset && position <= length &&
+                        length - position >= sizeof value &&
+                        position - viewOffset <= viewSize - sizeof value;
+    if (!inView)
+        return ReadValue<DWORD>();
+    std::memcpy(&value, view + (position - viewOffset), sizeof value);
+    position += sizeof value;
+    return value;
+}
+
+void CXFile::Close() {
+    if (view != nullptr && !sys::UnmapView(view, MappedBytes()))
+        throw CXFileException(XE_NO_MEMORY, name, access);
+    view = nullptr;
+    if (mapping != sys::kNoMapping && !sys::CloseMapping(mapping))
+        throw CXFileException(XE_NO_MEMORY, name, access);
+    mapping = sys::kNoMapping;
+    if ((flags & FIO_WRITE) && !sys::CutFile(file, length))
+        throw CXFileException(XE_NO_MEMORY, name, access);
+    sys::CloseFileHandle(file);
+    file = sys::kNoFile;
+}
+
+}  // namespace kt

@@ -1,0 +1,51 @@
+// CXFile: a file on disk that is never read or written by system calls. It
+// maps the file and moves one view of fixed size (twice the allocation
+// granularity) over it; a file open for writing grows through its mapping, a
+// view at a time, and is cut to its length at the last Release.
+#pragma once
+
+#include "files/TypedFile.h"
+#include "platform/FileSystem.h"
+
+namespace kt {
+
+class CXFile final : public CTypedFile<IXFile> {
+public:
+    // A null name makes a new temporary file ("KTPR" in the temporary
+    // directory). Failures throw CXFileException.
+    CXFile(const KTWCHAR* name, int flags);
+    ~CXFile() override;
+
+    DWORD Read(void* buffer, DWORD size) override;
+    void Write(const void* buffer, DWORD size) override;
+    DWORD Seek(LONG offset, DWORD origin) override;
+    DWORD GetPosition() override { return position; }
+    DWORD GetLength() override { return length; }
+    int Flush() override;
+    const KTWCHAR* GetName() override { return name; }
+
+    // A typed read inside the view is one move.
+    DWORD ReadDWord() override;
+
+private:
+    void Close() override;
+    // Makes the view cover the position.
+    void MoveView();
+    DWORD MappedBytes() const;
+    [[noreturn]] void FailOpen(DWORD win32Error);
+    // Copies between the view and the caller: typed values in one move.
+    static void Copy(void* to, const void* from, DWORD size);
+
+    sys::FileHandle file = sys::kNoFile;
+    sys::MappingHandle mapping = sys::kNoMapping;
+    DWORD position = 0;
+    DWORD length = 0;
+    unsigned char* view = nullptr;
+    DWORD viewOffset = 0;
+    DWORD viewSize;
+    DWORD flags;
+    DWORD access;  // XFILEOP_READ or XFILEOP_WRITE
+    KTWCHAR name[512];
+};
+
+}  // namespace kt

@@ -1,0 +1,74 @@
+// The two entry points of the file layer. Both look at the name in the same
+// order: a memory name, a URL, else a file on disk.
+#include <string>
+
+#include "files/MappedFile.h"
+#include "files/MemoryFile.h"
+#include "files/MemoryName.h"
+#include "files/OutputFile.h"
+#include "files/UrlFiles.h"
+#include "kticore/files/FileUtilities.h"
+#include "platform/FileSystem.h"
+
+namespace {
+
+// The code of a failure to make the temporary file beside a target.
+DWORD TemporaryFileError(DWORD win32Error) {
+    switch (win32Error) {
+    case 3: case 53: case 123: case 161: case 267:
+        return XE_PATH_NOT_FOUND;
+    case 5:
+        return XE_ACCESS_DENIED;
+    case 64: case 65: case 66: case 67:
+        return XE_NETWORK;
+    default:
+        return XE_NO_MEMORY;
+    }
+}
+
+// A target that no file can have is refused before anything is made:
+// nothing, a name of 512 characters or more, a last part of more than 255.
+void CheckTargetName(const KTWCHAR* name) {
+    const std::basic_string<KTWCHAR> text(name);
+    const size_t lastDelimiter = text.find_last_of(KTW("\\/:"));
+    const size_t lastPart = lastDelimiter == std::basic_string<KTWCHAR>::npos
+                                ? text.size()
+                                : text.size() - lastDelimiter - 1;
+    if (text.empty())
+        throw CXFileException(XErrorFromWin32(3), name, XFILEOP_OPEN);  // path not found
+    if (text.size() >= 512 || lastPart > 255)
+        throw CXFileException(XErrorFromWin32(206), name, XFILEOP_OPEN);  // name too long
+}
+
+}  // namespace
+
+IXFile* Fio_Open(const KTWCHAR* name, int flags) {
+    if (kt::IsMemoryName(name))
+        return kt::NewMemoryFile(name);
+    if (Fio_PathIsURL(name))
+        return kt::OpenUrlFile(name, flags);
+    return new kt::CXFile(name, flags);
+}
+
+IXOutFile* Fio_OpenOut(const KTWCHAR* name, int flags) {
+    if (kt::IsMemoryName(name))
+        return kt::NewMemoryFile(name);
+    if (Fio_PathIsURL(name))
+        return kt::OpenUrlOutFile(name, flags);
+    CheckTargetName(name);
+    if (Fio_IsFileExist(name) && !Fio_IsWritableFile(name))
+        throw CXException(XE_ACCESS_DENIED);
+    // The temporary file lies beside the target, on its volume.
+    CXStringW directory = CXStringW(name).FilePath();
+    if (directory.GetLength() == 0)
+        directory = KTW(".");
+    KTWCHAR temporary[512];
+    if (!kt::sys::TempFileName(directory, KTW("KTPR"), temporary))
+        throw CXException(TemporaryFileError(kt::sys::LastFileError()));
+    try {
+        return kt::NewOutputFile(name, temporary, flags | FIO_WRITE);
+    } catch (...) {
+        kt::sys::RemoveFile(temporary);  // a refused target leaves nothing behind
+        throw;
+    }
+}

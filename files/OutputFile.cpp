@@ -1,0 +1,105 @@
+#include "files/OutputFile.h"
+
+#include <string>
+
+#include "files/LockStepAside.h"
+#include "kticore/files/FileLocks.h"
+#include "kticore/files/FileUtilities.h"
+#include "platform/FileSystem.h"
+
+namespace kt {
+namespace {
+
+class CXOutFile final : public CKTUnknownImpl<IXOutFile> {
+public:
+    CXOutFile(const KTWCHAR* targetName, const KTWCHAR* temporaryName, int flags)
+        : target(targetName), temporary(temporaryName) {
+        if (!Fio_IsWritableFile(targetName))
+            throw CXFileException(XE_ACCESS_DENIED, targetName, XFILEOP_OPEN);
+        if (Fio_IsFileExist(targetName)) {
+            if (flags & FIO_KEEP)
+                Fio_CopyFile(targetName, temporaryName, 0);
+            // Holds the target against other writers while the copy is made.
+            Fio_LockFile(targetName, false);
+            locked = true;
+            try {
+                inner = Fio_Open(temporaryName, flags);
+            } catch (const CXException&) {
+                Fio_UnlockFile(targetName, false);
+                throw;
+            }
+            inner->Seek(0, flags & FIO_KEEP);
+        } else {
+            inner = Fio_Open(temporaryName, flags & ~FIO_KEEP);
+        }
+    }
+
+    ~CXOutFile() override {
+        if (inner == nullptr)
+            return;
+        // Released without Commit: the work goes, the target stays.
+        try {
+            inner->Release();
+            inner = nullptr;
+            if (locked)
+                Fio_UnlockFile(target.c_str(), false);
+            Fio_DeleteFile(temporary.c_str());
+        } catch (const CXException&) {
+        }
+    }
+
+    DWORD Read(void* buffer, DWORD size) override { return inner->Read(buffer, size); }
+    void Write(const void* buffer, DWORD size) override { inner->Write(buffer, size); }
+    DWORD Seek(LONG offset, DWORD origin) override { return inner->Seek(offset, origin); }
+    DWORD GetPosition() override { return inner->GetPosition(); }
+    int Flush() override { return inner->Flush(); }
+    BYTE ReadByte() override { return inner->ReadByte(); }
+    WORD ReadWord() override { return inner->ReadWord(); }
+    DWORD ReadDWord() override { return inner->ReadDWord(); }
+    double ReadDouble() override { return inner->ReadDouble(); }
+    void WriteByte(BYTE value) override { inner->WriteByte(value); }
+    void WriteWord(WORD value) override { inner->WriteWord(value); }
+    void WriteDWord(DWORD value) override { inner->WriteDWord(value); }
+    void WriteDouble(double value) override { inner->WriteDouble(value); }
+    void WriteStringW(const KTWCHAR* text) override { inner->WriteStringW(text); }
+    void WriteString(const char* text) override { inner->WriteString(text); }
+    int ReadLineW(KTWCHAR* buffer, int maxChars) override { return inner->ReadLineW(buffer, maxChars); }
+    int ReadLine(char* buffer, int maxChars) override { return inner->ReadLine(buffer, maxChars); }
+    DWORD GetLength() override { return inner->GetLength(); }
+    const KTWCHAR* GetName() override { return target.c_str(); }
+
+    // The temporary file takes the target's place in one step, so that a
+    // failure at any moment leaves either the old or the new file there. A
+    // failed Commit keeps the complete temporary file.
+    void Commit() override {
+        if (inner == nullptr)
+            return;
+        inner->Release();  // closes the file and cuts it to its length
+        inner = nullptr;
+        const CLockStepAside stepAside(target.c_str());
+        if (locked) {
+            Fio_UnlockFile(target.c_str(), false);
+            locked = false;
+        }
+        if (!Fio_IsFileExist(target.c_str())) {
+            Fio_RenameFile(temporary.c_str(), target.c_str());
+        } else if (!sys::ReplaceFileWith(temporary.c_str(), target.c_str())) {
+            throw CXFileException(XErrorFromWin32(sys::LastFileError()), target.c_str(),
+                                  XFILEOP_DELETE);
+        }
+    }
+
+private:
+    IXFile* inner = nullptr;
+    std::basic_string<KTWCHAR> target;
+    std::basic_string<KTWCHAR> temporary;
+    bool locked = false;
+};
+
+}  // namespace
+
+IXOutFile* NewOutputFile(const KTWCHAR* target, const KTWCHAR* temporary, int flags) {
+    return new CXOutFile(target, temporary, flags);
+}
+
+}  // namespace kt
