@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <new>
 
+#include "files/NameRules.h"
 #include "kticore/files/FileLocks.h"
 
 namespace kt {
@@ -20,10 +21,10 @@ DWORD CreationFlags(int flags) {
     return pattern | 0x20;            // archive
 }
 
-void CopyName(KTWCHAR (&to)[512], const KTWCHAR* from) {
+void CopyName(KTWCHAR (&to)[512], const KTWCHAR* from, DWORD operation) {
     const size_t length = std::char_traits<KTWCHAR>::length(from);
     if (length >= 512)
-        throw CXFileException(XErrorFromWin32(206), from, XFILEOP_OPEN);  // name too long
+        throw CXFileException(XErrorFromWin32(kNameTooLong), from, operation);
     std::char_traits<KTWCHAR>::copy(to, from, length + 1);
 }
 
@@ -38,8 +39,10 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
         sys::TempPath(260, directory);
         sys::TempFileName(directory, KTW("KTPR"), name);
     } else {
-        CopyName(name, fileName);
+        CopyName(name, fileName, access);
     }
+    if (IsTooLongName(name))
+        throw CXFileException(XErrorFromWin32(kNameTooLong), name, access);
     Fio_ChangeNELock(name, true);
     const bool writes = access == XFILEOP_WRITE;
     file = sys::CreateFileHandle(

@@ -5,6 +5,7 @@
 #include "files/MappedFile.h"
 #include "files/MemoryFile.h"
 #include "files/MemoryName.h"
+#include "files/NameRules.h"
 #include "files/OutputFile.h"
 #include "files/UrlFiles.h"
 #include "kticore/files/FileUtilities.h"
@@ -26,18 +27,12 @@ DWORD TemporaryFileError(DWORD win32Error) {
     }
 }
 
-// A target that no file can have is refused before anything is made:
-// nothing, a name of 512 characters or more, a last part of more than 255.
+// A target that no file can have is refused before anything is made.
 void CheckTargetName(const KTWCHAR* name) {
-    const std::basic_string<KTWCHAR> text(name);
-    const size_t lastDelimiter = text.find_last_of(KTW("\\/:"));
-    const size_t lastPart = lastDelimiter == std::basic_string<KTWCHAR>::npos
-                                ? text.size()
-                                : text.size() - lastDelimiter - 1;
-    if (text.empty())
-        throw CXFileException(XErrorFromWin32(3), name, XFILEOP_OPEN);  // path not found
-    if (text.size() >= 512 || lastPart > 255)
-        throw CXFileException(XErrorFromWin32(206), name, XFILEOP_OPEN);  // name too long
+    if (*name == 0)
+        throw CXFileException(XE_PATH_NOT_FOUND, name, XFILEOP_OPEN);
+    if (kt::IsTooLongName(name))
+        throw CXFileException(XErrorFromWin32(kt::kNameTooLong), name, XFILEOP_OPEN);
 }
 
 }  // namespace

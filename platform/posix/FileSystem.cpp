@@ -77,7 +77,7 @@ bool ParentExists(const std::string& path) {
 // The Win32 error of an errno from a call on `path`.
 DWORD ErrorOf(int error, const std::string& path) {
     switch (error) {
-    case ENOENT: return ParentExists(path) ? kErrorFileNotFound : kErrorPathNotFound;
+    case ENOENT: return !path.empty() && ParentExists(path) ? kErrorFileNotFound : kErrorPathNotFound;
     case ENOTDIR: return kErrorPathNotFound;
     case EACCES: case EPERM: case EROFS: case EISDIR: return kErrorAccessDenied;
     case EEXIST: return 183;         // ERROR_ALREADY_EXISTS

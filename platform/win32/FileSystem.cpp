@@ -16,6 +16,16 @@ void SetLastFileError(DWORD error) { ::SetLastError(error); }
 
 FileHandle CreateFileHandle(const KTWCHAR* name, DWORD access, DWORD share, DWORD disposition,
                             DWORD flagsAndAttributes) {
+    // Windows refuses to write a read-only file to everybody; Wine, run by a
+    // privileged user, would let the open through.
+    if (access & GENERIC_WRITE) {
+        const DWORD attributes = ::GetFileAttributesW(name);
+        if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) &&
+            !(attributes & FILE_ATTRIBUTE_DIRECTORY)) {
+            ::SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        }
+    }
     return ::CreateFileW(name, access, share, nullptr, disposition, flagsAndAttributes, nullptr);
 }
 

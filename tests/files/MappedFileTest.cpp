@@ -1,0 +1,234 @@
+// Local files through their mapped view: the view moving under reads and
+// writes, the length and the size on disk, seeking, lines, share modes, and
+// the failures of bad names. The same tests run on both builds.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "kticore/files/File.h"
+#include "platform/FileSystem.h"
+#include "tests/support/Counted.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+using kt::test::ContentOf;
+using kt::test::FileFailureOf;
+using kt::test::Ref;
+using kt::test::WideString;
+using kt::test::WriteContent;
+
+constexpr DWORD kView = 131072;  // twice the allocation granularity
+
+std::string Pattern(size_t size) {
+    std::string bytes(size, '\0');
+    for (size_t i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>(i * 31 + i / 251);
+    return bytes;
+}
+
+DWORD SizeOnDisk(const WideString& name) {
+    FioFileInfo info;
+    Fio_GetFileInfo(name.c_str(), &info);
+    return info.size;
+}
+
+class MappedFile : public ::testing::Test {
+protected:
+    kt::test::ScratchDirectory scratch;
+    WideString name = scratch / KTW("data.bin");
+};
+
+TEST_F(MappedFile, AnEmptyFileOpensForReadingWithNothingMapped) {
+    WriteContent(name, "");
+    Ref<IXFile> file(Fio_Open(name.c_str(), 0));
+    char byte;
+    EXPECT_EQ(file->Read(&byte, 1), 0u);
+    EXPECT_EQ(file->GetLength(), 0u);
+    EXPECT_EQ(file->Seek(0, 0), 0u);
+    EXPECT_EQ(file->Flush(), 1);
+    const auto seek = FileFailureOf([&] { file->Seek(1, 0); });
+    EXPECT_EQ(seek.code, XE_BAD_SEEK);
+    EXPECT_EQ(seek.operation, XFILEOP_READ);
+    const auto read = FileFailureOf([&] { file->ReadByte(); });
+    EXPECT_EQ(read.code, XE_END_OF_FILE);
+    EXPECT_EQ(read.operation, XFILEOP_READ);
+    EXPECT_EQ(read.name, name);
+}
+
+TEST_F(MappedFile, AWriterGrowsByViewsOnDiskAndIsCutToItsLength) {
+    const std::string bytes = Pattern(300000);
+    IXFile* file = Fio_Open(name.c_str(), FIO_WRITE);
+    file->Write(bytes.data(), static_cast<DWORD>(bytes.size()));
+    EXPECT_EQ(file->GetLength(), 300000u);
+    EXPECT_EQ(SizeOnDisk(name), 3 * kView);
+    EXPECT_EQ(file->Flush(), 1);
+    file->Release();
+    EXPECT_EQ(SizeOnDisk(name), 300000u);
+    EXPECT_EQ(ContentOf(name), bytes);
+}
+
+TEST_F(MappedFile, OneReadSpansSeveralViews) {
+    const std::string bytes = Pattern(400000);
+    WriteContent(name, bytes);
+    Ref<IXFile> file(Fio_Open(name.c_str(), 0));
+    std::string part(250000, '\0');
+    file->Seek(100000, 0);
+    EXPECT_EQ(file->Read(part.data(), 250000), 250000u);
+    EXPECT_EQ(part, bytes.substr(100000, 250000));
+    EXPECT_EQ(file->GetPosition(), 350000u);
+    // Exactly at the end of the view: the next view comes in.
+    file->Seek(static_cast<LONG>(kView), 0);
+    char ten[10];
+    EXPECT_EQ(file->Read(ten, 10), 10u);
+    EXPECT_EQ(std::string(ten, 10), bytes.substr(kView, 10));
+    // A value across the boundary of two views.
+    file->Seek(static_cast<LONG>(kView - 2), 0);
+    const DWORD straddling = file->ReadDWord();
+    EXPECT_EQ(std::memcmp(&straddling, bytes.data() + kView - 2, 4), 0);
+}
+
+TEST_F(MappedFile, ReadsStopAtTheLength) {
+    WriteContent(name, "0123456789");
+    Ref<IXFile> file(Fio_Open(name.c_str(), 0));
+    char buffer[20];
+    file->Seek(6, 0);
+    EXPECT_EQ(file->Read(buffer, 4), 4u);
+    EXPECT_EQ(file->Read(buffer, 4), 0u);
+    file->Seek(8, 0);
+    EXPECT_EQ(file->Read(buffer, 20), 2u);
+    file->Seek(8, 0);
+    const auto failure = FileFailureOf([&] { file->ReadDWord(); });
+    EXPECT_EQ(failure.code, XE_END_OF_FILE);
+    EXPECT_EQ(file->GetPosition(), 10u);  // the bytes that were there are consumed
+}
+
+TEST_F(MappedFile, SeekingKeepsPositionsBetweenZeroAndWhatTheAccessAllows) {
+    WriteContent(name, "0123456789");
+    Ref<IXFile> reader(Fio_Open(name.c_str(), 0));
+    EXPECT_EQ(reader->Seek(-1, 0), 0u);
+    EXPECT_EQ(reader->Seek(static_cast<LONG>(0x80000000u), 0), 0u);
+    EXPECT_EQ(reader->Seek(-3, 2), 7u);
+    EXPECT_EQ(reader->Seek(10, 0), 10u);
+    reader->Seek(4, 0);
+    EXPECT_EQ(FileFailureOf([&] { reader->Seek(7, 1); }).code, XE_BAD_SEEK);
+    EXPECT_EQ(reader->GetPosition(), 4u);
+    EXPECT_EQ(FileFailureOf([&] { reader->Seek(0, 3); }).code, XE_BAD_SEEK);
+}
+
+TEST_F(MappedFile, AWriteBehindTheLengthLeavesAZeroGap) {
+    IXFile* file = Fio_Open(name.c_str(), FIO_WRITE);
+    file->WriteString("ab");
+    EXPECT_EQ(file->Seek(200000, 0), 200000u);
+    EXPECT_EQ(file->GetLength(), 3u);  // a seek writes nothing
+    file->WriteByte('z');
+    EXPECT_EQ(file->GetLength(), 200001u);
+    file->Release();
+    const std::string content = ContentOf(name);
+    ASSERT_EQ(content.size(), 200001u);
+    EXPECT_EQ(content.substr(0, 3), std::string("ab\0", 3));
+    EXPECT_EQ(content.find_first_not_of('\0', 3), 200000u);
+}
+
+TEST_F(MappedFile, WritingStartsEmptyUnlessKept) {
+    WriteContent(name, "old content");
+    Ref<IXFile> fresh(Fio_Open(name.c_str(), FIO_WRITE));
+    EXPECT_EQ(fresh->GetLength(), 0u);
+    fresh.reset();
+    EXPECT_EQ(ContentOf(name), "");
+
+    WriteContent(name, "old content");
+    IXFile* kept = Fio_Open(name.c_str(), FIO_WRITE | FIO_KEEP);
+    EXPECT_EQ(kept->GetLength(), 11u);
+    EXPECT_EQ(kept->GetPosition(), 0u);
+    kept->Write("new", 3);
+    kept->Release();
+    EXPECT_EQ(ContentOf(name), "new content");
+}
+
+TEST_F(MappedFile, ANullNameMakesATemporaryFileThatGoesAtTheLastRelease) {
+    IXFile* file = Fio_Open(nullptr, FIO_WRITE | FIO_TEMPORARY);
+    const WideString temporary = kt::test::Wide(file->GetName());
+    EXPECT_NE(temporary.find(KTW("KTP")), WideString::npos);
+    file->WriteString("scratch");
+    EXPECT_EQ(Fio_IsFileExist(temporary.c_str()), 1);
+    file->Release();
+    EXPECT_EQ(Fio_IsFileExist(temporary.c_str()), 0);
+}
+
+TEST_F(MappedFile, LinesKeepTheirLineFeedWhereThereIsRoom) {
+    char line[11];
+    WriteContent(name, "ab\ncd");
+    {
+        Ref<IXFile> file(Fio_Open(name.c_str(), 0));
+        EXPECT_EQ(file->ReadLine(line, 10), 2);
+        EXPECT_STREQ(line, "ab\n");
+        EXPECT_EQ(file->ReadLine(line, 10), 2);
+        EXPECT_STREQ(line, "cd");
+        EXPECT_EQ(file->ReadLine(line, 10), 0);
+        EXPECT_STREQ(line, "");
+    }
+
+    WriteContent(name, "abc\nxyz\r\n");
+    Ref<IXFile> tight(Fio_Open(name.c_str(), 0));
+    EXPECT_EQ(tight->ReadLine(line, 4), 3);  // the line feed gives way to the terminator
+    EXPECT_STREQ(line, "abc");
+    EXPECT_EQ(tight->ReadLine(line, 10), 4);
+    EXPECT_STREQ(line, "xyz\r\n");
+}
+
+TEST_F(MappedFile, TypedValuesRoundTrip) {
+    IXFile* file = Fio_Open(name.c_str(), FIO_WRITE);
+    file->WriteByte(0x11);
+    file->WriteWord(0x2233);
+    file->WriteDWord(0x44556677);
+    file->WriteDouble(-0.5);
+    file->WriteStringW(KTW("w"));
+    file->Release();
+    EXPECT_EQ(ContentOf(name),
+              std::string("\x11\x33\x22\x77\x66\x55\x44\0\0\0\0\0\0\xE0\xBF" "w\0\0\0", 19));
+    Ref<IXFile> reader(Fio_Open(name.c_str(), FIO_RANDOM));
+    EXPECT_EQ(reader->ReadByte(), 0x11);
+    EXPECT_EQ(reader->ReadWord(), 0x2233);
+    EXPECT_EQ(reader->ReadDWord(), 0x44556677u);
+    EXPECT_EQ(reader->ReadDouble(), -0.5);
+}
+
+TEST_F(MappedFile, AWriterExcludesEveryOtherOpenAndReadersShare) {
+    WriteContent(name, "shared");
+    {
+        Ref<IXFile> reader(Fio_Open(name.c_str(), 0));
+        Ref<IXFile> second(Fio_Open(name.c_str(), 0));
+        const auto writer = FileFailureOf([&] { Fio_Open(name.c_str(), FIO_WRITE | FIO_KEEP); });
+        EXPECT_EQ(writer.code, XE_SHARING);
+        EXPECT_EQ(writer.operation, XFILEOP_WRITE);
+    }
+    Ref<IXFile> writer(Fio_Open(name.c_str(), FIO_WRITE | FIO_KEEP));
+    const auto reader = FileFailureOf([&] { Fio_Open(name.c_str(), 0); });
+    EXPECT_EQ(reader.code, XE_SHARING);
+    EXPECT_EQ(reader.operation, XFILEOP_READ);
+}
+
+TEST_F(MappedFile, BadNamesFailWithTheirCodes) {
+    const auto expect = [](const WideString& bad, int flags, DWORD code, DWORD operation) {
+        const auto failure = FileFailureOf([&] { Fio_Open(bad.c_str(), flags); });
+        EXPECT_EQ(failure.code, code) << "flags " << flags << ", a name of " << bad.size();
+        EXPECT_EQ(failure.operation, operation);
+    };
+    expect(KTW(""), 0, XE_PATH_NOT_FOUND, XFILEOP_READ);
+    expect(scratch / WideString(511 - scratch.Path().size() - 1, 'n'), FIO_WRITE, XE_PATH_NOT_FOUND,
+           XFILEOP_WRITE);
+    expect(scratch / WideString(512 - scratch.Path().size() - 1, 'n'), 0, XE_PATH_NOT_FOUND,
+           XFILEOP_READ);
+    expect(scratch / KTW("missing.bin"), 0, XE_FILE_NOT_FOUND, XFILEOP_READ);
+    expect(scratch / KTW("no/such/directory.bin"), FIO_WRITE, XE_PATH_NOT_FOUND, XFILEOP_WRITE);
+    expect(scratch.Path(), 0, XE_ACCESS_DENIED, XFILEOP_READ);
+    WriteContent(name, "read-only");
+    ASSERT_TRUE(kt::sys::SetReadOnly(name.c_str(), true));
+    expect(name, FIO_WRITE | FIO_KEEP, XE_ACCESS_DENIED, XFILEOP_WRITE);
+    EXPECT_EQ(ContentOf(name), "read-only");
+    kt::sys::SetReadOnly(name.c_str(), false);
+    EXPECT_EQ(scratch.Entries().size(), 1u);  // nothing was left behind
+}
+
+}  // namespace
