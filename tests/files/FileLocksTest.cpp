@@ -1,0 +1,130 @@
+// The process's lock table, and what a lock means to another process.
+#include <gtest/gtest.h>
+
+#include "kticore/files/FileLocks.h"
+#include "platform/FileSystem.h"
+#include "tests/support/Counted.h"
+#include "tests/support/FileHelper.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+using kt::test::FileFailureOf;
+using kt::test::Ref;
+using kt::test::WideString;
+using kt::test::WriteContent;
+
+// Whether some open holds the file against a writer right now.
+bool HeldAgainstWriters(const WideString& name) {
+    const kt::sys::FileHandle writer =
+        kt::sys::CreateFileHandle(name.c_str(), kt::sys::kGenericWrite, kt::sys::kShareRead |
+                                  kt::sys::kShareWrite, kt::sys::kOpenExisting, 0);
+    if (writer == kt::sys::kNoFile)
+        return true;
+    kt::sys::CloseFileHandle(writer);
+    return false;
+}
+
+class FileLocks : public ::testing::Test {
+protected:
+    kt::test::ScratchDirectory scratch;
+    WideString name = scratch / KTW("locked.txt");
+};
+
+TEST_F(FileLocks, CountsByKindOneHandleAndTheEntryGoesWithTheLastUnlock) {
+    WriteContent(name, "x");
+    Fio_LockFile(name.c_str(), false);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), true), 0);
+    EXPECT_TRUE(HeldAgainstWriters(name));
+    Fio_LockFile(name.c_str(), false);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 2);
+    Fio_UnlockFile(name.c_str(), false);
+    EXPECT_TRUE(HeldAgainstWriters(name));
+    Fio_UnlockFile(name.c_str(), false);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0);
+    EXPECT_FALSE(HeldAgainstWriters(name));
+    Fio_UnlockFile(name.c_str(), false);  // nothing left to unlock
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0);
+}
+
+TEST_F(FileLocks, NamesCompareWithoutCase) {
+    WriteContent(name, "x");
+    Fio_LockFile(name.c_str(), false);
+    const WideString upper = scratch / KTW("LOCKED.TXT");
+    Fio_LockFile(upper.c_str(), false);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 2);
+    Fio_UnlockFile(upper.c_str(), false);
+    Fio_UnlockFile(name.c_str(), false);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0);
+}
+
+TEST_F(FileLocks, FilesThatCanNotBeHeldGetNoLock) {
+    Fio_LockFile(name.c_str(), true);  // missing
+    EXPECT_EQ(Fio_LockCount(name.c_str(), true), 0);
+    WriteContent(name, "x");
+    ASSERT_TRUE(kt::sys::SetReadOnly(name.c_str(), true));
+    Fio_LockFile(name.c_str(), false);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0);
+    kt::sys::SetReadOnly(name.c_str(), false);
+}
+
+TEST_F(FileLocks, ALockOnAMissingFileTakesItsHandleWhenALocalWriterIsDone) {
+    Fio_LockFile(name.c_str(), false);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
+    WriteContent(name, "made while locked");
+    EXPECT_TRUE(HeldAgainstWriters(name));
+    Fio_UnlockFile(name.c_str(), false);
+}
+
+TEST_F(FileLocks, AnExclusiveLockKeepsEvenThisProcessOut) {
+    WriteContent(name, "x");
+    Fio_LockFile(name.c_str(), true);
+    Fio_LockFile(name.c_str(), false);
+    const auto failure = FileFailureOf([&] { Fio_Open(name.c_str(), FIO_WRITE | FIO_KEEP); });
+    EXPECT_EQ(failure.operation, XFILEOP_LOCK);
+    EXPECT_EQ(FileFailureOf([&] { Fio_IsWritableFile(name.c_str()); }).operation, XFILEOP_LOCK);
+    Fio_UnlockFile(name.c_str(), true);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
+    {
+        Ref<IXFile> writer(Fio_Open(name.c_str(), FIO_WRITE | FIO_KEEP));  // the lock steps aside
+        writer->WriteByte('y');
+    }
+    EXPECT_TRUE(HeldAgainstWriters(name));  // and takes its handle back
+    Fio_UnlockFile(name.c_str(), false);
+}
+
+TEST_F(FileLocks, TheSwitchOnlyConcernsMemoryNames) {
+    EXPECT_EQ(Fio_EnableLocking(0), 1);
+    EXPECT_EQ(Fio_EnableLocking(1), 0);
+    Fio_ChangeNELock(name.c_str(), true);  // no entry: nothing happens
+    Fio_ChangeNELock(name.c_str(), false);
+    WriteContent(name, "x");
+    Fio_EnableLocking(0);
+    Fio_LockFile(name.c_str(), false);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
+    Fio_UnlockFile(name.c_str(), false);
+    Fio_EnableLocking(1);
+}
+
+TEST_F(FileLocks, AnotherProcessCanNotWriteALockedFile) {
+    WriteContent(name, "x");
+    Fio_LockFile(name.c_str(), false);
+    EXPECT_EQ(kt::test::RunFileHelper("write", name), 10 + XE_SHARING);
+    EXPECT_EQ(kt::test::RunFileHelper("writable", name), 0);
+    EXPECT_EQ(Fio_IsWritableFile(name.c_str()), 1);  // to this process it is
+    Fio_UnlockFile(name.c_str(), false);
+    EXPECT_EQ(kt::test::RunFileHelper("write", name), 0);
+    EXPECT_EQ(kt::test::ContentOf(name), "!");
+}
+
+TEST_F(FileLocks, ALockOfAnotherProcessKeepsThisOneOut) {
+    WriteContent(name, "x");
+    kt::test::LockInAnotherProcess other(name);
+    ASSERT_TRUE(other.held);
+    EXPECT_EQ(Fio_IsWritableFile(name.c_str()), 0);
+    EXPECT_EQ(FileFailureOf([&] { Fio_Open(name.c_str(), FIO_WRITE | FIO_KEEP); }).code, XE_SHARING);
+    EXPECT_EQ(kt::test::ContentOf(name), "x");  // reading stays open
+}
+
+}  // namespace

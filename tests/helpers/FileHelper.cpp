@@ -1,0 +1,74 @@
+// A second process for the file tests, doing one thing by its first argument:
+//
+//   write NAME            open NAME for writing and write a byte; the exit
+//                         code is 0, or 10 + the failure code
+//   writable NAME         the exit code is Fio_IsWritableFile(NAME)
+//   hold NAME MS          lock NAME non-exclusively, make NAME.held, wait MS
+//   commit-loop NAME SIZE replace NAME again and again by SIZE bytes of one
+//                         letter, the next letter each time, until killed
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "kticore/files/File.h"
+#include "kticore/files/FileLocks.h"
+#include "kticore/files/FileUtilities.h"
+
+namespace {
+
+std::basic_string<KTWCHAR> Wide(const char* text) {
+    std::basic_string<KTWCHAR> wide;
+    for (; *text != 0; ++text)
+        wide += static_cast<KTWCHAR>(static_cast<unsigned char>(*text));
+    return wide;
+}
+
+int Write(const std::basic_string<KTWCHAR>& name) {
+    try {
+        IXFile* file = Fio_Open(name.c_str(), FIO_WRITE | FIO_KEEP);
+        file->WriteByte('!');
+        file->Release();
+        return 0;
+    } catch (const CXException& failure) {
+        return 10 + static_cast<int>(failure.code);
+    }
+}
+
+void CommitLoop(const std::basic_string<KTWCHAR>& name, size_t size) {
+    for (unsigned generation = 0;; ++generation) {
+        const std::vector<char> content(size, static_cast<char>('A' + generation % 26));
+        IXOutFile* out = Fio_OpenOut(name.c_str(), 0);
+        out->Write(content.data(), static_cast<DWORD>(size));
+        out->Commit();
+        out->Release();
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 3)
+        return 2;
+    const std::string what = argv[1];
+    const std::basic_string<KTWCHAR> name = Wide(argv[2]);
+    if (what == "write")
+        return Write(name);
+    if (what == "writable")
+        return Fio_IsWritableFile(name.c_str());
+    if (what == "hold" && argc == 4) {
+        Fio_LockFile(name.c_str(), false);
+        if (Fio_LockCount(name.c_str(), false) != 1)
+            return 3;
+        IXFile* marker = Fio_Open((name + Wide(".held")).c_str(), FIO_WRITE);
+        marker->Release();
+        std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(argv[3])));
+        return 0;
+    }
+    if (what == "commit-loop" && argc == 4) {
+        CommitLoop(name, static_cast<size_t>(std::atol(argv[3])));
+        return 0;
+    }
+    return 2;
+}
