@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <new>
 
 #include "files/NameRules.h"
@@ -177,16 +178,39 @@ DWORD CXFile::Seek(LONG offset, DWORD origin) {
 
 int CXFile::Flush() { return view == nullptr ? 1 : sys::FlushView(view, MappedBytes()); }
 
+DWORD CXFile::BytesInView() const {
+    if (view == nullptr || position < viewOffset || position >= length ||
+        position - viewOffset >= viewSize)
+        return 0;
+    return std::min(length, viewOffset + viewSize) - position;
+}
+
+// Out of line, so that the common case needs no frame.
+__attribute__((noinline)) DWORD CXFile::ReadDWordAtEdge() { return ReadValue<DWORD>(); }
+
 DWORD CXFile::ReadDWord() {
     DWORD value;
-    const bool inView = view != nullptr && position >= viewOffset && position <= length &&
-                        length - position >= sizeof value &&
-                        position - viewOffset <= viewSize - sizeof value;
-    if (!inView)
-        return ReadValue<DWORD>();
+    if (BytesInView() < sizeof value)
+        return ReadDWordAtEdge();
     std::memcpy(&value, view + (position - viewOffset), sizeof value);
     position += sizeof value;
     return value;
+}
+
+int CXFile::ReadLine(char* buffer, int maxChars) {
+    const DWORD available = BytesInView();
+    if (maxChars <= 0 || available == 0)
+        return CTypedFile::ReadLine(buffer, maxChars);
+    const auto* start = reinterpret_cast<const char*>(view + (position - viewOffset));
+    const DWORD scan = std::min(available, static_cast<DWORD>(maxChars));
+    const auto* feed = static_cast<const char*>(std::memchr(start, '\n', scan));
+    if (feed == nullptr && scan < static_cast<DWORD>(maxChars))
+        return CTypedFile::ReadLine(buffer, maxChars);  // the line goes on past the view
+    const int count = feed != nullptr ? static_cast<int>(feed - start) : maxChars;
+    std::memcpy(buffer, start, static_cast<size_t>(count) + (feed != nullptr));
+    position += static_cast<DWORD>(count) + (feed != nullptr);
+    buffer[feed != nullptr && count < maxChars - 1 ? count + 1 : count] = 0;
+    return count;
 }
 
 void CXFile::Close() {

@@ -24,14 +24,19 @@ public:
     int Flush() override;
     const KTWCHAR* GetName() override { return name; }
 
-    // A typed read inside the view is one move.
+    // Inside the view a typed read is one move and a line one scan; at the
+    // edges of the view and the file they take the general way.
     DWORD ReadDWord() override;
+    int ReadLine(char* buffer, int maxChars) override;
 
 private:
     void Close() override;
     // Makes the view cover the position.
     void MoveView();
     DWORD MappedBytes() const;
+    // The bytes from the position to the end of the view or of the file.
+    DWORD BytesInView() const;
+    DWORD ReadDWordAtEdge();
     [[noreturn]] void FailOpen(DWORD win32Error);
     // Copies between the view and the caller: typed values in one move.
     static void Copy(void* to, const void* from, DWORD size);

@@ -248,7 +248,7 @@ MappingHandle CreateMapping(FileHandle file, bool writable, DWORD maximumSize) {
 bool CloseMapping(MappingHandle) { return true; }
 
 void* MapView(MappingHandle mapping, bool writable, DWORD offset, DWORD bytes) {
-    void* view = mmap(nullptr, bytes, writable ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED,
+    void* view = mmap(nullptr, bytes, writable ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED | MAP_POPULATE,
                       mapping, offset);
     if (view == MAP_FAILED)
         return FailErrno(""), nullptr;
