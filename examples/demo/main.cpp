@@ -1,4 +1,5 @@
 // What a host module can do with kticore so far, step by step, printed.
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -9,6 +10,7 @@
 #    define DEMO_EXPORT extern "C" __declspec(dllexport)
 #else
 #    include <dlfcn.h>
+#    include <sys/mman.h>
 #    define DEMO_EXPORT extern "C" __attribute__((visibility("default")))
 #endif
 
@@ -249,6 +251,66 @@ void StoredObjects() {
     stream->Release();
 }
 
+// A block below 2 GiB, where the 32-bit address of a memory name reaches.
+char* LowBlock(size_t size) {
+    for (std::uintptr_t address = 0x30000000; address < 0x70000000; address += 0x01000000) {
+#if defined(_WIN32)
+        void* block = VirtualAlloc(reinterpret_cast<void*>(address), size, MEM_RESERVE | MEM_COMMIT,
+                                   PAGE_READWRITE);
+#else
+        void* block = mmap(reinterpret_cast<void*>(address), size, PROT_READ | PROT_WRITE,
+                           MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);
+        block = block == MAP_FAILED ? nullptr : block;
+#endif
+        if (block != nullptr)
+            return static_cast<char*>(block);
+    }
+    return nullptr;
+}
+
+std::basic_string<KTWCHAR> WideOf(const std::string& text) {
+    return std::basic_string<KTWCHAR>(text.begin(), text.end());
+}
+
+void Files() {
+    Step("Files: an output file replaces its target only at Commit");
+    const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
+    const std::basic_string<KTWCHAR> name = temporary + KTW(".notes");
+    static const char kNotes[] = "first line\nsecond line\n";
+    IXOutFile* out = Fio_OpenOut(name.c_str(), 0);
+    out->Write(kNotes, sizeof kNotes - 1);
+    std::printf("   writing; the target exists yet: %d\n", Fio_IsFileExist(name.c_str()));
+    out->Commit();
+    out->Release();
+    std::printf("   committed; the target exists: %d\n", Fio_IsFileExist(name.c_str()));
+
+    IXOutFile* abandoned = Fio_OpenOut(name.c_str(), 0);
+    abandoned->WriteString("never seen");
+    abandoned->Release();  // without Commit: the work goes
+
+    IXFile* file = Fio_Open(name.c_str(), 0);
+    char line[64];
+    while (file->GetPosition() < file->GetLength()) {
+        file->ReadLine(line, 62);
+        std::printf("   read back through the mapped view: %s", line);
+    }
+    std::printf("   %lu bytes in all\n", static_cast<unsigned long>(file->GetLength()));
+    file->Release();
+    Fio_DeleteFile(name.c_str());
+    Fio_DeleteFile(temporary.c_str());
+
+    char* block = LowBlock(4096);
+    if (block == nullptr)
+        return;
+    std::strcpy(block, "a host's own bytes, read in place\n");
+    const std::string memoryName = "fmem::" + std::to_string(reinterpret_cast<std::uintptr_t>(block)) +
+                                   "," + std::to_string(std::strlen(block));
+    IXFile* memory = Fio_Open(WideOf(memoryName).c_str(), 0);
+    memory->ReadLine(line, 62);
+    std::printf("   %s holds: %s", memoryName.c_str(), line);
+    memory->Release();
+}
+
 }  // namespace
 
 // The factory of the demo's class, found by the registry among the
@@ -270,6 +332,7 @@ int main() {
     Containers();
     Values();
     StoredObjects();
+    Files();
     std::printf("\ndone\n");
     return 0;
 }
