@@ -42,8 +42,8 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
     } else {
         CopyName(name, fileName, access);
     }
-    if (IsTooLongName(name))
-        throw CXFileException(XErrorFromWin32(kNameTooLong), name, access);
+    if (const DWORD refused = RefusedNameError(name))
+        throw CXFileException(XErrorFromWin32(refused), name, access);
     Fio_ChangeNELock(name, true);
     const bool writes = access == XFILEOP_WRITE;
     file = sys::CreateFileHandle(

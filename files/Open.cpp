@@ -31,8 +31,8 @@ DWORD TemporaryFileError(DWORD win32Error) {
 void CheckTargetName(const KTWCHAR* name) {
     if (*name == 0)
         throw CXFileException(XE_PATH_NOT_FOUND, name, XFILEOP_OPEN);
-    if (kt::IsTooLongName(name))
-        throw CXFileException(XErrorFromWin32(kt::kNameTooLong), name, XFILEOP_OPEN);
+    if (const DWORD refused = kt::RefusedNameError(name))
+        throw CXFileException(XErrorFromWin32(refused), name, XFILEOP_OPEN);
 }
 
 }  // namespace

@@ -144,7 +144,8 @@ TEST_F(OutputFile, TargetsThatCanNotBeWrittenAreRefusedAndLeaveNothing) {
         ASSERT_TRUE(other.held);
         refusedPlainly(target, XE_ACCESS_DENIED);
     }
-    for (const WideString& bad : {WideString(), scratch / WideString(300, 'n'),
+    for (const WideString& bad : {WideString(), scratch / KTW("nul"), scratch / KTW("LPT1.log"),
+                                  scratch / WideString(300, 'n'),
                                   scratch / WideString(512 - scratch.Path().size() - 1, 'n')}) {
         const auto failure = FileFailureOf([&] { Fio_OpenOut(bad.c_str(), 0); });
         EXPECT_EQ(failure.code, XE_PATH_NOT_FOUND);
