@@ -59,6 +59,28 @@ TEST_F(FileLocks, NamesCompareWithoutCase) {
     EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0);
 }
 
+TEST_F(FileLocks, TwoSpellingsOfOnePathAreTwoEntriesAndTheSecondCanNotHold) {
+    WriteContent(name, "x");
+    const WideString other = scratch / KTW("./locked.txt");
+    Fio_LockFile(name.c_str(), false);
+    Fio_LockFile(other.c_str(), false);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
+    EXPECT_EQ(Fio_LockCount(other.c_str(), false), 0);
+    Fio_UnlockFile(name.c_str(), false);
+}
+
+TEST_F(FileLocks, TheFirstOfTwoReadersToCloseGivesTheLockItsHandleBack) {
+    WriteContent(name, "x");
+    Fio_LockFile(name.c_str(), false);
+    IXFile* first = Fio_Open(name.c_str(), 0);
+    IXFile* second = Fio_Open(name.c_str(), 0);
+    EXPECT_FALSE(HeldAgainstWriters(name));  // stepped aside for the readers
+    first->Release();
+    EXPECT_TRUE(HeldAgainstWriters(name));  // back, while the second still reads
+    second->Release();
+    Fio_UnlockFile(name.c_str(), false);
+}
+
 TEST_F(FileLocks, FilesThatCanNotBeHeldGetNoLock) {
     Fio_LockFile(name.c_str(), true);  // missing
     EXPECT_EQ(Fio_LockCount(name.c_str(), true), 0);
