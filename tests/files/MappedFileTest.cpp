@@ -123,6 +123,7 @@ TEST_F(MappedFile, AWriteBehindTheLengthLeavesAZeroGap) {
     EXPECT_EQ(file->GetLength(), 3u);  // a seek writes nothing
     file->WriteByte('z');
     EXPECT_EQ(file->GetLength(), 200001u);
+    EXPECT_EQ(SizeOnDisk(name), 2 * kView);  // the view at 131,072 ends the mapping
     file->Release();
     const std::string content = ContentOf(name);
     ASSERT_EQ(content.size(), 200001u);
@@ -175,6 +176,18 @@ TEST_F(MappedFile, LinesKeepTheirLineFeedWhereThereIsRoom) {
     EXPECT_STREQ(line, "abc");
     EXPECT_EQ(tight->ReadLine(line, 10), 4);
     EXPECT_STREQ(line, "xyz\r\n");
+}
+
+TEST_F(MappedFile, WideLinesFollowTheSameRule) {
+    IXFile* file = Fio_Open(name.c_str(), FIO_WRITE);
+    file->Write(KTW("ab\ncd\n"), 6 * sizeof(KTWCHAR));
+    file->Release();
+    Ref<IXFile> reader(Fio_Open(name.c_str(), 0));
+    KTWCHAR line[8];
+    EXPECT_EQ(reader->ReadLineW(line, 3), 2);  // no room behind: the terminator takes its place
+    EXPECT_EQ(kt::test::Wide(line), KTW("ab"));
+    EXPECT_EQ(reader->ReadLineW(line, 7), 2);
+    EXPECT_EQ(kt::test::Wide(line), KTW("cd\n"));
 }
 
 TEST_F(MappedFile, TypedValuesRoundTrip) {
