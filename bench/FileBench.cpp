@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/harness/BufferedReader.h"
 #include "bench/harness/RatioReporter.h"
 #include "kticore/files/File.h"
 #include "kticore/files/FileUtilities.h"
@@ -65,73 +66,30 @@ void ReadDWords_kticore(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * std::int64_t{kBinarySize});
 }
 
-// The peer: what a file class does without a mapping.
-struct IBufferedReader {
-    virtual ~IBufferedReader() = default;
-    virtual DWORD ReadDWord() = 0;
-    virtual int ReadLine(char* line, int maxChars) = 0;
-    virtual bool AtEnd() = 0;
-};
-
-class CReadBuffered final : public IBufferedReader {
+// read() into the peer's buffer.
+class FileDescriptor {
 public:
-    explicit CReadBuffered(const std::string& path) : fd(open(path.c_str(), O_RDONLY)), buffer(kChunk) {}
-    ~CReadBuffered() override { close(fd); }
-
-    // Out of line, as a file class of a library is to its callers.
-    __attribute__((noinline)) DWORD ReadDWord() override {
-        DWORD value = 0;
-        if (filled - next >= sizeof value) {
-            std::memcpy(&value, buffer.data() + next, sizeof value);
-            next += sizeof value;
-            return value;
-        }
-        for (size_t i = 0; i < sizeof value && Fill(); ++i)
-            reinterpret_cast<char*>(&value)[i] = buffer[next++];
-        return value;
+    explicit FileDescriptor(const std::string& path) : fd(open(path.c_str(), O_RDONLY)) {}
+    FileDescriptor(FileDescriptor&& other) noexcept : fd(other.fd) { other.fd = -1; }
+    ~FileDescriptor() {
+        if (fd >= 0)
+            close(fd);
     }
-
-    __attribute__((noinline)) int ReadLine(char* line, int maxChars) override {
-        int count = 0;
-        while (count < maxChars && Fill()) {
-            const size_t scan = std::min(filled - next, static_cast<size_t>(maxChars - count));
-            const char* start = buffer.data() + next;
-            const auto* feed = static_cast<const char*>(std::memchr(start, '\n', scan));
-            const size_t take = feed != nullptr ? static_cast<size_t>(feed - start) : scan;
-            std::memcpy(line + count, start, take);
-            count += static_cast<int>(take);
-            next += take;
-            if (feed != nullptr) {
-                line[count] = '\n';
-                ++next;
-                line[count + 1] = 0;
-                return count;
-            }
-        }
-        line[count] = 0;
-        return count;
+    size_t Read(char* buffer, size_t size) {
+        const ssize_t got = read(fd, buffer, size);
+        return got > 0 ? static_cast<size_t>(got) : 0;
     }
-
-    bool AtEnd() override { return !Fill(); }
 
 private:
-    bool Fill() {
-        if (next < filled)
-            return true;
-        const ssize_t got = read(fd, buffer.data(), buffer.size());
-        next = 0;
-        filled = got > 0 ? static_cast<size_t>(got) : 0;
-        return filled != 0;
-    }
-
     int fd;
-    std::vector<char> buffer;
-    size_t next = 0, filled = 0;
 };
+
+using kt::bench::IBufferedReader;
+using CReadBuffered = kt::bench::CBufferedReader<FileDescriptor>;
 
 void ReadDWords_read64k(benchmark::State& state) {
     for (auto _ : state) {
-        IBufferedReader* file = new CReadBuffered(Binary().path);
+        IBufferedReader* file = new CReadBuffered(FileDescriptor(Binary().path));
         benchmark::DoNotOptimize(file);
         DWORD sum = 0;
         for (size_t i = 0; i < kBinarySize / 4; ++i)
@@ -161,7 +119,7 @@ void ReadLines_kticore(benchmark::State& state) {
 void ReadLines_read64k(benchmark::State& state) {
     char line[4098];
     for (auto _ : state) {
-        IBufferedReader* file = new CReadBuffered(Text().path);
+        IBufferedReader* file = new CReadBuffered(FileDescriptor(Text().path));
         benchmark::DoNotOptimize(file);
         size_t lines = 0;
         while (!file->AtEnd()) {

@@ -11,12 +11,8 @@ class CLockStepAside : public CXStringW {
 public:
     // Throws XFILEOP_LOCK when an exclusive lock is held on the name.
     explicit CLockStepAside(const KTWCHAR* name) : CXStringW(name) { Fio_ChangeNELock(name, true); }
-    ~CLockStepAside() override {
-        try {
-            Fio_ChangeNELock(*this, false);
-        } catch (const CXException&) {
-        }
-    }
+    // Taking the handle back never throws.
+    ~CLockStepAside() override { Fio_ChangeNELock(*this, false); }
     CLockStepAside(const CLockStepAside&) = delete;
     CLockStepAside& operator=(const CLockStepAside&) = delete;
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <new>
 
 #include "files/NameRules.h"
 #include "kticore/files/FileLocks.h"
@@ -66,13 +65,9 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
         FailOpen(sys::LastFileError());
 }
 
-CXFile::~CXFile() {
-    // The counterpart of the open's step aside, also after a failed open.
-    try {
-        Fio_ChangeNELock(name, false);
-    } catch (const CXException&) {
-    }
-}
+// The counterpart of the open's step aside: a lock on the name takes its
+// handle back.
+CXFile::~CXFile() { Fio_ChangeNELock(name, false); }
 
 void CXFile::FailOpen(DWORD win32Error) {
     // A failed construction closes what it made and gives the lock back: no

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/harness/BufferedReader.h"
 #include "bench/harness/TimingHarness.h"
 #include "kticore/files/File.h"
 #include "kticore/files/FileUtilities.h"
@@ -34,73 +35,29 @@ std::wstring MakeFile(const wchar_t* leaf, DWORD size, bool text) {
     return name;
 }
 
-// The peer: what a file class does without a mapping.
-struct IBufferedReader {
-    virtual ~IBufferedReader() = default;
-    virtual DWORD ReadDWord() = 0;
-    virtual int ReadLine(char* line, int maxChars) = 0;
-    virtual bool AtEnd() = 0;
-};
-
-class CReadFileBuffered final : public IBufferedReader {
+// ReadFile into the peer's buffer.
+class FileHandle {
 public:
-    explicit CReadFileBuffered(const std::wstring& name)
+    explicit FileHandle(const std::wstring& name)
         : file(CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                           FILE_FLAG_SEQUENTIAL_SCAN, nullptr)),
-          buffer(kChunk) {}
-    ~CReadFileBuffered() override { CloseHandle(file); }
-
-    // Out of line, as a file class of a library is to its callers.
-    __attribute__((noinline)) DWORD ReadDWord() override {
-        DWORD value = 0;
-        if (filled - next >= sizeof value) {
-            std::memcpy(&value, buffer.data() + next, sizeof value);
-            next += sizeof value;
-            return value;
-        }
-        for (size_t i = 0; i < sizeof value && Fill(); ++i)
-            reinterpret_cast<char*>(&value)[i] = buffer[next++];
-        return value;
+                           FILE_FLAG_SEQUENTIAL_SCAN, nullptr)) {}
+    FileHandle(FileHandle&& other) noexcept : file(other.file) { other.file = INVALID_HANDLE_VALUE; }
+    ~FileHandle() {
+        if (file != INVALID_HANDLE_VALUE)
+            CloseHandle(file);
     }
-
-    __attribute__((noinline)) int ReadLine(char* line, int maxChars) override {
-        int count = 0;
-        while (count < maxChars && Fill()) {
-            const size_t scan = std::min<size_t>(filled - next, static_cast<size_t>(maxChars - count));
-            const char* start = buffer.data() + next;
-            const auto* feed = static_cast<const char*>(std::memchr(start, '\n', scan));
-            const size_t take = feed != nullptr ? static_cast<size_t>(feed - start) : scan;
-            std::memcpy(line + count, start, take);
-            count += static_cast<int>(take);
-            next += take;
-            if (feed != nullptr) {
-                line[count] = '\n';
-                ++next;
-                line[count + 1] = 0;
-                return count;
-            }
-        }
-        line[count] = 0;
-        return count;
+    size_t Read(char* buffer, size_t size) {
+        DWORD got = 0;
+        ReadFile(file, buffer, static_cast<DWORD>(size), &got, nullptr);
+        return got;
     }
-
-    bool AtEnd() override { return !Fill(); }
 
 private:
-    bool Fill() {
-        if (next < filled)
-            return true;
-        DWORD got = 0;
-        ReadFile(file, buffer.data(), kChunk, &got, nullptr);
-        next = 0;
-        filled = got;
-        return filled != 0;
-    }
-
     HANDLE file;
-    std::vector<char> buffer;
-    size_t next = 0, filled = 0;
 };
+
+using kt::bench::IBufferedReader;
+using CReadFileBuffered = kt::bench::CBufferedReader<FileHandle>;
 
 IBufferedReader* volatile peerMaker = nullptr;  // keeps the peer's calls virtual
 
@@ -116,7 +73,7 @@ void ReadDWords(const std::wstring& name) {
         1, 3);
     const double theirs = kt::bench::NanosecondsPerCall(
         [&] {
-            IBufferedReader* file = new CReadFileBuffered(name);
+            IBufferedReader* file = new CReadFileBuffered(FileHandle(name));
             peerMaker = file;
             file = peerMaker;
             volatile DWORD sum = 0;
@@ -141,7 +98,7 @@ void ReadLines(const std::wstring& name) {
         1, 3);
     const double theirs = kt::bench::NanosecondsPerCall(
         [&] {
-            IBufferedReader* file = new CReadFileBuffered(name);
+            IBufferedReader* file = new CReadFileBuffered(FileHandle(name));
             peerMaker = file;
             file = peerMaker;
             while (!file->AtEnd())
