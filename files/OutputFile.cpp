@@ -35,14 +35,16 @@ public:
     }
 
     ~CXOutFile() override {
+        // A lock of construction that a failed Commit left goes with the
+        // object; the complete work of such a Commit stays on disk.
+        if (locked)
+            Fio_UnlockFile(target.c_str(), false);
         if (inner == nullptr)
             return;
         // Released without Commit: the work goes, the target stays.
         try {
             inner->Release();
             inner = nullptr;
-            if (locked)
-                Fio_UnlockFile(target.c_str(), false);
             Fio_DeleteFile(temporary.c_str());
         } catch (const CXException&) {
         }

@@ -120,6 +120,7 @@ TEST_F(OutputFile, AnExclusiveLockStopsTheCommitAndKeepsTheWork) {
     out->Release();
     EXPECT_EQ(ContentOf(target), "old");
     EXPECT_EQ(TemporaryFiles(), 1u);  // complete, for whoever wants it
+    EXPECT_EQ(Fio_LockCount(target.c_str(), false), 0);
 }
 
 TEST_F(OutputFile, TargetsThatCanNotBeWrittenAreRefusedAndLeaveNothing) {
