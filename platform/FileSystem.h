@@ -105,7 +105,7 @@ public:
     QuietCriticalErrors& operator=(const QuietCriticalErrors&) = delete;
 
 private:
-    unsigned previous;
+    [[maybe_unused]] unsigned previous;  // the mode to restore, where there is one
 };
 
 // Whether the current user may read and write `name` by its access rights.
