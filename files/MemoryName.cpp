@@ -1,5 +1,6 @@
 #include "files/MemoryName.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "kticore/files/File.h"
@@ -9,17 +10,19 @@ namespace {
 
 bool IsSeparator(KTWCHAR unit) { return unit == ',' || unit == '.'; }
 
-// A number as _wtoi reads it: blanks, a sign, digits, in 32 bits.
+// A number as _wtoi reads it: blanks, a sign, digits, held at the limits of
+// 32 bits when it is larger.
 std::int32_t ReadNumber(const KTWCHAR*& text) {
     while (*text == ' ' || *text == '\t')
         ++text;
     const bool negative = *text == '-';
     if (*text == '-' || *text == '+')
         ++text;
-    std::uint32_t value = 0;
+    std::int64_t value = 0;
     for (; *text >= '0' && *text <= '9'; ++text)
-        value = value * 10 + static_cast<std::uint32_t>(*text - '0');
-    return static_cast<std::int32_t>(negative ? 0u - value : value);
+        value = std::min<std::int64_t>(value * 10 + (*text - '0'), std::int64_t{1} << 31);
+    value = negative ? -value : value;
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, INT32_MIN, INT32_MAX));
 }
 
 }  // namespace
@@ -49,7 +52,8 @@ MemoryBlock ParseMemoryName(const KTWCHAR* name) {
             ++text;
     }
     const auto address = static_cast<std::intptr_t>(numbers[0]);
-    return {reinterpret_cast<const unsigned char*>(address), static_cast<DWORD>(numbers[1])};
+    // A negative size names no bytes.
+    return {reinterpret_cast<const unsigned char*>(address), static_cast<DWORD>(std::max(numbers[1], 0))};
 }
 
 }  // namespace kt

@@ -16,7 +16,8 @@ struct MemoryBlock {
 };
 
 // The block a memory name names. The numbers are 32-bit and signed, as the
-// runtime reads them; the address is widened with its sign.
+// runtime reads them; the address is widened with its sign, and a negative
+// size is 0.
 MemoryBlock ParseMemoryName(const KTWCHAR* name);
 
 }  // namespace kt

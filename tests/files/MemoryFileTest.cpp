@@ -95,6 +95,21 @@ TEST_F(MemoryFile, NameFunctionsTreatTheBlockAsAFile) {
     EXPECT_EQ(std::memcmp(block.data, "first line", 10), 0);
 }
 
+TEST(MemoryFileNames, SizesOutsideThirtyTwoBitsAreHeldAtTheLimit) {
+    // Found by fuzzing: the file's length and the name's size told apart.
+    const struct {
+        const KTWCHAR* name;
+        DWORD size;
+    } cases[] = {{KTW("fmem::1000,99999999999"), 0x7FFFFFFF}, {KTW("fmem::1000,-5"), 0}};
+    for (const auto& c : cases) {
+        FioFileInfo info{};
+        Fio_GetFileInfo(c.name, &info);
+        EXPECT_EQ(info.size, c.size);
+        Ref<IXFile> file(Fio_Open(c.name, 0));
+        EXPECT_EQ(file->GetLength(), c.size);
+    }
+}
+
 TEST(MemoryFileFaults, AnUnreadableBlockIsAnIOFault) {
     Ref<IXFile> file(Fio_Open(KTW("fmem::4096,16"), 0));
     char buffer[16];
