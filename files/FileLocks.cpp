@@ -44,8 +44,11 @@ std::list<LockEntry>& LockTable() {
 
 int lockingEnabled = 1;
 
+// A null name has no entry and gets none.
 std::list<LockEntry>::iterator Find(const KTWCHAR* name) {
     auto& table = LockTable();
+    if (name == nullptr)
+        return table.end();
     for (auto entry = table.begin(); entry != table.end(); ++entry)
         if (WideText::CompareIgnoringCase(entry->name.c_str(), name, ~0u) == 0)
             return entry;
@@ -59,7 +62,7 @@ using kt::Find;
 using kt::LockTable;
 
 void Fio_LockFile(const KTWCHAR* name, bool exclusive) {
-    if (!kt::lockingEnabled && Fio_IsMemFile(name))
+    if (name == nullptr || (!kt::lockingEnabled && Fio_IsMemFile(name)))
         return;
     const auto found = Find(name);
     if (found != LockTable().end()) {

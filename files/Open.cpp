@@ -29,7 +29,7 @@ DWORD TemporaryFileError(DWORD win32Error) {
 
 // A target that no file can have is refused before anything is made.
 void CheckTargetName(const KTWCHAR* name) {
-    if (*name == 0)
+    if (name == nullptr || *name == 0)
         throw CXFileException(XE_PATH_NOT_FOUND, name, XFILEOP_OPEN);
     if (const DWORD refused = kt::RefusedNameError(name))
         throw CXFileException(XErrorFromWin32(refused), name, XFILEOP_OPEN);

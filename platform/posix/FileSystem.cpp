@@ -50,6 +50,8 @@ constexpr off_t kDeniesRead = kShareBytes + 2, kDeniesWrite = kShareBytes + 3;
 constexpr off_t kGate = kShareBytes + 4;
 
 std::string Utf8(const KTWCHAR* name) {
+    if (name == nullptr)
+        return std::string();  // fails as an empty name does
     const int length = static_cast<int>(std::char_traits<KTWCHAR>::length(name));
     std::string text(static_cast<size_t>(length) * 3, '\0');
     text.resize(static_cast<size_t>(WideToMultiByte(kUtf8CodePage, name, length, text.data(),
