@@ -4,7 +4,7 @@
 #include "kticore/files/FileLocks.h"
 #include "platform/FileSystem.h"
 #include "tests/support/Counted.h"
-#include "tests/support/FileHelper.h"
+#include "tests/support/TestHelper.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
@@ -132,11 +132,11 @@ TEST_F(FileLocks, TheSwitchOnlyConcernsMemoryNames) {
 TEST_F(FileLocks, AnotherProcessCanNotWriteALockedFile) {
     WriteContent(name, "x");
     Fio_LockFile(name.c_str(), false);
-    EXPECT_EQ(kt::test::RunFileHelper("write", name), 10 + XE_SHARING);
-    EXPECT_EQ(kt::test::RunFileHelper("writable", name), 0);
+    EXPECT_EQ(kt::test::RunTestHelper("write", name), 10 + XE_SHARING);
+    EXPECT_EQ(kt::test::RunTestHelper("writable", name), 0);
     EXPECT_EQ(Fio_IsWritableFile(name.c_str()), 1);  // to this process it is
     Fio_UnlockFile(name.c_str(), false);
-    EXPECT_EQ(kt::test::RunFileHelper("write", name), 0);
+    EXPECT_EQ(kt::test::RunTestHelper("write", name), 0);
     EXPECT_EQ(kt::test::ContentOf(name), "!");
 }
 

@@ -11,7 +11,7 @@
 #include "kticore/files/FileLocks.h"
 #include "platform/FileSystem.h"
 #include "tests/support/Counted.h"
-#include "tests/support/FileHelper.h"
+#include "tests/support/TestHelper.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
@@ -106,7 +106,7 @@ TEST_F(OutputFile, AnotherHoldersLockSurvivesTheReplacement) {
     out->Release();
     EXPECT_EQ(Fio_LockCount(target.c_str(), false), 1);
     EXPECT_EQ(ContentOf(target), "new");
-    EXPECT_EQ(kt::test::RunFileHelper("write", target), 10 + XE_SHARING);  // held: the new file
+    EXPECT_EQ(kt::test::RunTestHelper("write", target), 10 + XE_SHARING);  // held: the new file
     Fio_UnlockFile(target.c_str(), false);
 }
 
@@ -176,7 +176,7 @@ TEST_F(OutputFile, AKilledWriterLeavesTheOldOrTheNewFileNeverAMixture) {
     char last = '0';
     for (int kill = 0; kill < kKills; ++kill) {
         {
-            kt::test::ChildProcess writer(KT_FILE_HELPER,
+            kt::test::ChildProcess writer(KT_TEST_HELPER,
                                           {"commit-loop", kt::test::Narrow(target), std::to_string(kSize)});
             ASSERT_TRUE(writer.Started());
             std::this_thread::sleep_for(std::chrono::milliseconds(delay(random)));

@@ -7,7 +7,9 @@
 #include "kticore/core/Exception.h"
 #include "kticore/objects/Persist.h"
 #include "kticore/objects/Registry.h"
+#include "tests/support/ScratchDirectory.h"
 #include "tests/support/Streams.h"
+#include "tests/support/TestHelper.h"
 #include "tests/support/TestClasses.h"
 
 namespace {
@@ -251,6 +253,21 @@ TEST_F(ObjectStreaming, AnObjectVariantPassesThroughAProcessThatLacksItsClass) {
     Ref<IXStream> again = MemoryHolding(AllBytes(rewritten.get()));
     ASSERT_EQ(again->ReadVariant(&read), 1);
     EXPECT_EQ(read.punkVal->QueryInterface(typeid(ITestShape), nullptr), 1);
+}
+
+TEST_F(ObjectStreaming, AnotherProcessThatNeverHeardOfTheClassPassesTheBytesThrough) {
+    Ref<ITestShape> outer = NestedShapes();
+    ASSERT_NE(outer, nullptr);
+    const CKTVariant value(static_cast<IKTUnknown*>(outer.get()));
+    Ref<IXStream> stream(new_StreamOnMemory());
+    stream->WriteVariant(&value);
+    const Bytes bytes = AllBytes(stream.get());
+    kt::test::ScratchDirectory scratch;
+    const kt::test::WideString in = scratch / KTW("in.bin"), out = scratch / KTW("out.bin");
+    kt::test::WriteContent(in, std::string(bytes.begin(), bytes.end()));
+    ASSERT_EQ(kt::test::RunTestHelper("pass-through", in, out), 0);
+    const std::string passed = kt::test::ContentOf(out);
+    EXPECT_EQ(Bytes(passed.begin(), passed.end()), bytes);
 }
 
 TEST_F(ObjectStreaming, AnOleBackedStreamCarriesObjectsToo) {

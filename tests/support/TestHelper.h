@@ -1,5 +1,5 @@
-// The file tests' second process (tests/helpers/FileHelper.cpp), found beside
-// the test executable.
+// The tests' second process (tests/helpers/TestHelper.cpp), found beside the
+// test executable.
 #pragma once
 
 #include <chrono>
@@ -16,8 +16,12 @@ inline std::string Narrow(const WideString& wide) {
     return std::string(wide.begin(), wide.end());  // the tests' names are ASCII
 }
 
-inline int RunFileHelper(const std::string& what, const WideString& name) {
-    ChildProcess helper(KT_FILE_HELPER, {what, Narrow(name)});
+inline int RunTestHelper(const std::string& what, const WideString& name,
+                         const WideString& second = WideString()) {
+    std::vector<std::string> arguments = {what, Narrow(name)};
+    if (!second.empty())
+        arguments.push_back(Narrow(second));
+    ChildProcess helper(KT_TEST_HELPER, arguments);
     return helper.Started() ? helper.Wait() : -1;
 }
 
@@ -25,7 +29,7 @@ inline int RunFileHelper(const std::string& what, const WideString& name) {
 class LockInAnotherProcess {
 public:
     explicit LockInAnotherProcess(const WideString& name)
-        : marker(name + KTW(".held")), helper(KT_FILE_HELPER, {"hold", Narrow(name), "60000"}) {
+        : marker(name + KTW(".held")), helper(KT_TEST_HELPER, {"hold", Narrow(name), "60000"}) {
         for (int i = 0; i < 2000 && !Fio_IsFileExist(marker.c_str()); ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         held = Fio_IsFileExist(marker.c_str()) != 0;

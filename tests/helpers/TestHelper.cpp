@@ -1,4 +1,4 @@
-// A second process for the file tests, doing one thing by its first argument:
+// A second process for the tests, doing one thing by its first argument:
 //
 //   write NAME            open NAME for writing and write a byte; the exit
 //                         code is 0, or 10 + the failure code
@@ -6,6 +6,8 @@
 //   hold NAME MS          lock NAME non-exclusively, make NAME.held, wait MS
 //   commit-loop NAME SIZE replace NAME again and again by SIZE bytes of one
 //                         letter, the next letter each time, until killed
+//   pass-through IN OUT   read the stored variant in file IN and store it in
+//                         file OUT, in a process that registers no class
 #include <chrono>
 #include <cstdlib>
 #include <string>
@@ -15,6 +17,7 @@
 #include "kticore/files/File.h"
 #include "kticore/files/FileLocks.h"
 #include "kticore/files/FileUtilities.h"
+#include "kticore/streams/Stream.h"
 
 namespace {
 
@@ -46,6 +49,29 @@ void CommitLoop(const std::basic_string<KTWCHAR>& name, size_t size) {
     }
 }
 
+void PassThrough(const std::basic_string<KTWCHAR>& in, const std::basic_string<KTWCHAR>& out) {
+    IXFile* source = Fio_Open(in.c_str(), 0);
+    std::vector<char> bytes(source->GetLength());
+    source->Read(bytes.data(), static_cast<DWORD>(bytes.size()));
+    source->Release();
+    IXStream* stream = new_StreamOnMemory();
+    stream->Write(bytes.data(), static_cast<unsigned>(bytes.size()));
+    stream->Seek(0, 0);
+    CKTVariant value;
+    stream->ReadVariant(&value);
+    IXStream* again = new_StreamOnMemory();
+    again->WriteVariant(&value);
+    IMemBlock* block = nullptr;
+    again->QueryInterface(typeid(IMemBlock), reinterpret_cast<void**>(&block));
+    IXOutFile* target = Fio_OpenOut(out.c_str(), 0);
+    target->Write(block->GetBlockData(), block->GetBlockSize());
+    target->Commit();
+    target->Release();
+    block->Release();
+    again->Release();
+    stream->Release();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -64,6 +90,10 @@ int main(int argc, char** argv) {
         IXFile* marker = Fio_Open((name + Wide(".held")).c_str(), FIO_WRITE);
         marker->Release();
         std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(argv[3])));
+        return 0;
+    }
+    if (what == "pass-through" && argc == 4) {
+        PassThrough(name, Wide(argv[3]));
         return 0;
     }
     if (what == "commit-loop" && argc == 4) {
