@@ -63,9 +63,18 @@ TEST_F(MappedFile, AWriterGrowsByViewsOnDiskAndIsCutToItsLength) {
     EXPECT_EQ(file->GetLength(), 300000u);
     EXPECT_EQ(SizeOnDisk(name), 3 * kView);
     EXPECT_EQ(file->Flush(), 1);
+    // Back to earlier views, whose mappings are smaller than the file now.
+    file->Seek(1, 0);
+    file->WriteByte('X');
+    file->Seek(200000, 0);
+    file->WriteByte('Y');
+    EXPECT_EQ(file->GetLength(), 300000u);
     file->Release();
     EXPECT_EQ(SizeOnDisk(name), 300000u);
-    EXPECT_EQ(ContentOf(name), bytes);
+    std::string expected = bytes;
+    expected[1] = 'X';
+    expected[200000] = 'Y';
+    EXPECT_EQ(ContentOf(name), expected);
 }
 
 TEST_F(MappedFile, OneReadSpansSeveralViews) {
