@@ -1,5 +1,6 @@
 // The two entry points of the file layer. Both look at the name in the same
 // order: a memory name, a URL, else a file on disk.
+#include <new>
 #include <string>
 
 #include "files/MappedFile.h"
@@ -42,7 +43,7 @@ IXFile* Fio_Open(const KTWCHAR* name, int flags) {
         return kt::NewMemoryFile(name);
     if (Fio_PathIsURL(name))
         return kt::OpenUrlFile(name, flags);
-    return new kt::CXFile(name, flags);
+    return new (std::nothrow) kt::CXFile(name, flags);  // no memory: no file
 }
 
 IXOutFile* Fio_OpenOut(const KTWCHAR* name, int flags) {
