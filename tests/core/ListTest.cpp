@@ -41,12 +41,24 @@ TEST(List, NodesKeepOrderAndRemoveUnlinksWithoutFreeing) {
     delete[] refused;
 }
 
+// A list whose end can be seen.
+class WatchedList : public CTListEnum<const char*, const char*> {
+public:
+    explicit WatchedList(bool* destroyed) : destroyed(destroyed) {}
+    ~WatchedList() override { *destroyed = true; }
+
+private:
+    bool* destroyed;
+};
+
 TEST(ListEnum, EnumeratorsOutliveTheCreatorsReference) {
-    auto* list = new CTListEnum<const char*, const char*>;
+    bool destroyed = false;
+    auto* list = new WatchedList(&destroyed);
     for (const char* text : {"one", "two", "three"})
         list->AddTail(Copy(text));
     CTEnum<const char*>* items = list->GetEnum();
     list->Release();
+    EXPECT_FALSE(destroyed);
     EXPECT_EQ(Drain(items), (std::vector<std::string>{"one", "two", "three"}));
 
     ULONG fetched = 7;
@@ -58,9 +70,36 @@ TEST(ListEnum, EnumeratorsOutliveTheCreatorsReference) {
     EXPECT_EQ(items->Skip(0), 1);
     EXPECT_EQ(items->Skip(1), 0);
     EXPECT_EQ(items->Next(1, nullptr, &fetched), 0);
-    items->AddRef();
-    items->Release();
-    items->Release();
+    EXPECT_EQ(items->AddRef(), 2u);
+    EXPECT_EQ(items->Release(), 1u);
+    EXPECT_FALSE(destroyed);
+    EXPECT_EQ(items->Release(), 0u);
+    EXPECT_TRUE(destroyed);  // the last enumerator took the list with it
+}
+
+// An item of an owning list that walks its list when it is deleted.
+struct Walker {
+    CTPList<Walker*>* list;
+    std::vector<size_t>* seen;
+    bool alive = true;
+    ~Walker() {
+        alive = false;
+        size_t live = 0;
+        for (auto* node = list->First(); node != nullptr; node = list->Next(node))
+            live += node->value->alive ? 1 : 0;
+        seen->push_back(live);
+        EXPECT_EQ(list->AddTail(nullptr), nullptr);  // closed while it empties
+    }
+};
+
+TEST(List, ItemsDeletedWithTheListSeeOnlyTheItemsStillInIt) {
+    std::vector<size_t> seen;
+    {
+        CTPList<Walker*> list;
+        for (int i = 0; i < 3; ++i)
+            list.AddTail(new Walker{&list, &seen});
+    }
+    EXPECT_EQ(seen, (std::vector<size_t>{2, 1, 0}));
 }
 
 TEST(ArrayEnum, ZeroDelimitedStringsAreCopied) {

@@ -1,6 +1,7 @@
 // The hash map: hash identity, ownership of values, closing, walking.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -107,23 +108,122 @@ TEST(Map, CountedValuesHoldOneReferenceForTheMap) {
     object->Release();
 }
 
+// Sees whether a map holds a bucket table.
+class InspectedMap : public CTMap<const char*, int> {
+public:
+    bool HasTable() const { return table != nullptr; }
+};
+
 TEST(Map, RemoveAllClosesAndClearReopens) {
     CTMap<const char*, int> unused;
     unused.RemoveAll();  // never held anything: stays open
     EXPECT_EQ(unused.Set("a", 1), 1);
 
-    CTMap<const char*, int> map;
+    InspectedMap map;
     map.Set("a", 1);
     map.RemoveAll();
     EXPECT_EQ(map.GetCount(), 0u);
     EXPECT_EQ(map.Set("b", 2), 0);
     EXPECT_EQ(map.Remove("b"), 0);
+    int value = 7;
+    EXPECT_EQ(map.Lookup("a", value), 0);
+    EXPECT_EQ(value, 7);
     CTMapPosition position;
     EXPECT_EQ(map.NextKey(position), nullptr);
+    EXPECT_FALSE(map.HasTable());  // a closed map's destructor would not free one
     map.Clear();
     EXPECT_EQ(map.Set("b", 2), 1);
-    int value = 0;
     EXPECT_EQ(map.Lookup("b", value), 1);
+}
+
+// A value that the map deletes with its entry, and that calls back into the
+// map from its destructor.
+struct Reentrant {
+    explicit Reentrant(std::function<void()> onDelete = {}) : onDelete(std::move(onDelete)) {
+        ++live;
+    }
+    ~Reentrant() {
+        --live;
+        if (onDelete)
+            onDelete();
+    }
+    std::function<void()> onDelete;
+    static int live;
+};
+int Reentrant::live = 0;
+
+using ReentrantMap = CTMap<const char*, Reentrant*>;
+
+TEST(MapReentry, ValuesLookUpTheirBucketNeighboursWhileTheMapIsEmptied) {
+    const std::vector<std::pair<const char*, std::function<void(ReentrantMap*&)>>> emptyings = {
+        {"RemoveAll", [](ReentrantMap*& map) { map->RemoveAll(); }},
+        {"Clear", [](ReentrantMap*& map) { map->Clear(); }},
+        {"destructor", [](ReentrantMap*& map) { delete map; map = nullptr; }},
+    };
+    for (const auto& [name, empty] : emptyings) {
+        auto* map = new ReentrantMap(nullptr, 1);  // one bucket: every key a neighbour
+        int found = 0;
+        for (const char* key : {"a", "b", "c"}) {
+            map->Set(key, new Reentrant([&map, &found] {
+                         for (const char* other : {"a", "b", "c"}) {
+                             Reentrant* value = nullptr;
+                             found += map->Lookup(other, value);
+                         }
+                     }));
+        }
+        empty(map);
+        EXPECT_EQ(found, 0) << name << ": an entry being freed was still found";
+        EXPECT_EQ(Reentrant::live, 0) << name;
+        delete map;
+    }
+}
+
+TEST(MapReentry, AReplacedValueMayRemoveItsOwnEntry) {
+    ReentrantMap map;
+    map.Set("a", new Reentrant([&map] { map.Remove("a"); }));
+    EXPECT_EQ(map.Set("a", new Reentrant), 1);
+    Reentrant* value = nullptr;
+    EXPECT_EQ(map.Lookup("a", value), 0);
+    EXPECT_EQ(map.GetCount(), 0u);
+    EXPECT_EQ(Reentrant::live, 0);
+}
+
+TEST(MapReentry, ARemovedValueSeesTheMapWithoutItsEntry) {
+    ReentrantMap map;
+    DWORD countSeen = 99;
+    map.Set("b", new Reentrant);
+    map.Set("a", new Reentrant([&map, &countSeen] { countSeen = map.GetCount(); }));
+    map.Remove("a");
+    EXPECT_EQ(countSeen, 1u);
+}
+
+TEST(MapReentry, AClearFromAValueDoesNotReopenTheMapBeingEmptied) {
+    ReentrantMap map(nullptr, 1);
+    int lateSet = -1;
+    map.Set("a", new Reentrant([&map, &lateSet] {
+        map.Clear();
+        auto* late = new Reentrant;
+        lateSet = map.Set("late", late);
+        if (lateSet == 0)
+            delete late;  // a refused value stays the caller's
+    }));
+    map.RemoveAll();
+    EXPECT_EQ(lateSet, 0);
+    EXPECT_EQ(map.Set("b", nullptr), 0);  // the outer RemoveAll closed it
+    EXPECT_EQ(Reentrant::live, 0);
+}
+
+TEST(Map, ReplacingAnOwnedValueByItselfKeepsIt) {
+    ReentrantMap map;
+    auto* value = new Reentrant;
+    map.Set("a", value);
+    map.Set("a", value);
+    EXPECT_EQ(Reentrant::live, 1);
+    Reentrant* found = nullptr;
+    EXPECT_EQ(map.Lookup("a", found), 1);
+    EXPECT_EQ(found, value);
+    map.RemoveAll();
+    EXPECT_EQ(Reentrant::live, 0);
 }
 
 TEST(Map, WideKeysAreCopied) {
@@ -157,6 +257,19 @@ TEST(MapEnum, EnumeratorsKeepTheMapAliveAndSkipCountsSteps) {
     keys->Reset();
     EXPECT_EQ(keys->Skip(3), 0);
     EXPECT_EQ(keys->QueryInterface(typeid(CTEnum<const char*>), nullptr), 1);
+    keys->Release();
+}
+
+TEST(MapEnum, NoEnumeratorOnceRemoveAllHasClosedTheMap) {
+    CTMapEnum<const char*, int, const char*, int> map;
+    map.Set("x", 1);
+    map.RemoveAll();
+    EXPECT_EQ(map.GetEnum(), nullptr);
+    map.Clear();
+    CTEnum<const char*>* keys = map.GetEnum();
+    ASSERT_NE(keys, nullptr);
+    const char* key = nullptr;
+    EXPECT_EQ(keys->Next(1, &key, nullptr), 0);
     keys->Release();
 }
 

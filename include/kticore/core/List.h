@@ -86,16 +86,7 @@ public:
 
     // Frees every node and closes the list for good.
     void RemoveAll() {
-        if (closing)
-            return;
-        closing = 1;
-        for (KT_LISTITEM* item = first; item != nullptr;) {
-            KT_LISTITEM* next = COList::Next(item);
-            delete static_cast<Plex*>(item);
-            item = next;
-        }
-        first = last = nullptr;
-        count = 0;
+        CloseAndEmpty([](Plex* node) { delete node; });
     }
 
     Plex* First() const { return static_cast<Plex*>(first); }
@@ -103,6 +94,19 @@ public:
 
     IHeap* heap;
     DWORD closing = 0;
+
+protected:
+    // Each node leaves the list before `freeNode` sees it: a value's
+    // destructor that walks the list meets only what is still in it, and
+    // cannot add to it.
+    template <class FreeNode>
+    void CloseAndEmpty(FreeNode freeNode) {
+        if (closing)
+            return;
+        closing = 1;
+        while (first != nullptr)
+            freeNode(Remove(First()));
+    }
 };
 
 // A list that owns its items: a pointer in it is deleted with it (text with
@@ -115,11 +119,11 @@ public:
     virtual ~CTPList() { RemoveAll(); }
 
     void RemoveAll() {
-        if (this->closing)
-            return;
-        for (_CTListPlex<T>* node = this->First(); node != nullptr; node = this->Next(node))
-            DeleteItem(node->value);
-        CTList<_CTListPlex<T>>::RemoveAll();
+        this->CloseAndEmpty([](_CTListPlex<T>* node) {
+            T item = node->value;
+            delete node;
+            DeleteItem(item);
+        });
     }
 
 private:

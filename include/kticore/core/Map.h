@@ -82,12 +82,13 @@ struct CTMapKey<int> : CTMapNumberKey<int> {};
 
 // What the map does with its values: a counted object holds one reference
 // for the map, another pointer is deleted with its entry, anything else is
-// kept by value.
+// kept by value. Replaced frees what a Set replaced by `current`.
 template <class V, class = void>
 struct CTMapValue {
     static constexpr bool kCounted = false;
     static void Retain(V&) {}
     static void Free(V&) {}
+    static void Replaced(V&, const V&) {}
 };
 template <class T>
 struct CTMapValue<T*, std::enable_if_t<std::is_base_of_v<IKTUnknown, T>>> {
@@ -100,12 +101,19 @@ struct CTMapValue<T*, std::enable_if_t<std::is_base_of_v<IKTUnknown, T>>> {
         if (value != nullptr)
             value->Release();
     }
+    // The new value has its reference already, so the same object balances.
+    static void Replaced(T* old, T*) { Free(old); }
 };
 template <class T>
 struct CTMapValue<T*, std::enable_if_t<!std::is_base_of_v<IKTUnknown, T>>> {
     static constexpr bool kCounted = false;
     static void Retain(T*) {}
     static void Free(T* value) { delete value; }
+    // The same pointer set again is still in use.
+    static void Replaced(T* old, T* current) {
+        if (old != current)
+            delete old;
+    }
 };
 
 // A place in a walk over a map: (0, null) before the first entry.
@@ -134,6 +142,10 @@ public:
 
     // Stores `value` under `key`, replacing the entry of the same hash (its
     // key copy takes the new spelling). 0 once RemoveAll has closed the map.
+    //
+    // A value's destructor may call back into the map, even remove the entry
+    // that is being changed, so every operation frees a value last, when the
+    // map is whole again and the node is no longer needed.
     int Set(K key, const V& value) {
         if (closing)
             return 0;
@@ -142,13 +154,13 @@ public:
         for (Node* node = *bucket; node != nullptr; node = node->next) {
             if (node->hash != hash)
                 continue;
-            V old = node->value;
-            node->value = value;
-            Values::Retain(node->value);
-            Values::Free(old);
             const K oldKey = node->key;
             node->key = Keys::Copy(key);
             Keys::Free(oldKey);
+            V old = node->value;
+            node->value = value;
+            Values::Retain(node->value);
+            Values::Replaced(old, node->value);
             return 1;
         }
         *bucket = new Node{*bucket, value, Keys::Copy(key), hash};
@@ -184,24 +196,29 @@ public:
                 continue;
             Node* node = *link;
             *link = node->next;
-            FreeNode(node);
             --count;
+            FreeNode(node);
             return 1;
         }
         return 0;
     }
 
     // Frees every entry and the table, and closes the map: Set and Remove
-    // refuse from then on, as a destructor needs. Clear reopens it.
+    // refuse from then on, as a destructor needs. Clear reopens it. Each
+    // bucket is emptied before its chain is freed, so that a value's
+    // destructor that looks up a key meets only entries still alive.
     void RemoveAll() {
         if (closing || tableMark == 0)
             return;
         closing = 1;
         for (DWORD i = 0; i < tableSize; ++i) {
-            for (Node* node = table[i]; node != nullptr;) {
-                Node* next = node->next;
-                FreeNode(node);
-                node = next;
+            Node* chain = table[i];
+            table[i] = nullptr;
+            while (chain != nullptr) {
+                Node* next = chain->next;
+                --count;
+                FreeNode(chain);
+                chain = next;
             }
         }
         delete[] table;
@@ -210,9 +227,12 @@ public:
         tableMark = 0;
     }
 
+    // A Clear from a value's destructor while RemoveAll runs leaves the map
+    // closed: reopened, it would take entries behind the sweep.
     void Clear() {
         RemoveAll();
-        closing = 0;
+        if (table == nullptr)
+            closing = 0;
     }
 
     // One step of a walk: buckets in ascending order, each chain from its
@@ -247,7 +267,11 @@ protected:
         return &table[hash % tableSize];
     }
 
+    // A closed map has no table, and gets none: its destructor would not free
+    // it.
     Node* Find(K key) {
+        if (closing && table == nullptr)
+            return nullptr;
         const DWORD hash = Keys::Hash(key);
         for (Node* node = *Bucket(hash); node != nullptr; node = node->next)
             if (node->hash == hash)
