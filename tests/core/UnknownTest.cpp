@@ -136,4 +136,12 @@ TEST(UncountedStandIn, CountsNothingAndAsksItsTarget) {
     EXPECT_EQ(greeter->Release(), 0u);
 }
 
+TEST(UncountedStandIn, WithoutATargetAnswersForNothing) {
+    CUnknownInternal standIn;
+    void* out = &standIn;
+    EXPECT_EQ(standIn.QueryInterface(typeid(IKTUnknown), &out), 0);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(standIn.QueryInterface(typeid(IKTUnknown), nullptr), 0);
+}
+
 }  // namespace

@@ -101,7 +101,8 @@ protected:
 };
 
 // Stands in for an object where an IKTUnknown* is needed but no reference may
-// be held: counting does nothing, QueryInterface goes to the target.
+// be held: counting does nothing, QueryInterface goes to the target. Without
+// a target it answers for nothing.
 class CUnknownInternal : public IKTUnknown {
 public:
     explicit CUnknownInternal(IKTUnknown* target = nullptr) : target(target) {}
@@ -110,7 +111,11 @@ public:
     ULONG AddRef() override { return 0; }
     ULONG Release() override { return 0; }
     int QueryInterface(const type_info& wanted, void** out) override {
-        return target->QueryInterface(wanted, out);
+        if (target != nullptr)
+            return target->QueryInterface(wanted, out);
+        if (out != nullptr)
+            *out = nullptr;
+        return 0;
     }
 
     IKTUnknown* target;
