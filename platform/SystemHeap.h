@@ -22,7 +22,8 @@ void FreeBlock(SystemHeap heap, void* block);
 // The size that was asked for; thread-safe.
 size_t BlockSize(SystemHeap heap, const void* block);
 
-// Turns the low-fragmentation setting on for every heap the process has.
-void EnableLowFragmentationForProcessHeaps();
+// Turns the low-fragmentation setting on for every heap the process has;
+// answers how many heaps took it.
+unsigned EnableLowFragmentationForProcessHeaps();
 
 }  // namespace kt::sys

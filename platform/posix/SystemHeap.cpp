@@ -100,6 +100,6 @@ size_t BlockSize(SystemHeap, const void* block) { return LinkOf(block)->size; }
 
 // glibc's malloc has no low-fragmentation switch; its arenas already serve
 // small blocks from size classes.
-void EnableLowFragmentationForProcessHeaps() {}
+unsigned EnableLowFragmentationForProcessHeaps() { return 0; }
 
 }  // namespace kt::sys

@@ -3,15 +3,18 @@
 
 #include <windows.h>
 
+#include <vector>
+
 namespace kt::sys {
 
 namespace {
 
 // HeapCompatibilityInformation value that selects the low-fragmentation heap.
-void EnableLowFragmentation(HANDLE heap) {
-    ULONG lowFragmentationHeap = 2;
-    HeapSetInformation(heap, HeapCompatibilityInformation, &lowFragmentationHeap,
-                       sizeof lowFragmentationHeap);
+constexpr ULONG kLowFragmentationHeap = 2;
+
+bool EnableLowFragmentation(HANDLE heap) {
+    ULONG mode = kLowFragmentationHeap;
+    return HeapSetInformation(heap, HeapCompatibilityInformation, &mode, sizeof mode) != FALSE;
 }
 
 }  // namespace
@@ -31,14 +34,17 @@ void FreeBlock(SystemHeap heap, void* block) { HeapFree(heap, 0, block); }
 
 size_t BlockSize(SystemHeap heap, const void* block) { return HeapSize(heap, 0, block); }
 
-void EnableLowFragmentationForProcessHeaps() {
-    // A process has a handful of heaps; ask again if more appeared meanwhile.
-    HANDLE heaps[64];
-    DWORD count = GetProcessHeaps(64, heaps);
-    if (count > 64)
-        count = 64;
+unsigned EnableLowFragmentationForProcessHeaps() {
+    // A listing too small for all heaps answers how many there are; heaps may
+    // appear meanwhile, so ask until one listing holds them all.
+    std::vector<HANDLE> heaps(64);
+    DWORD count;
+    while ((count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data())) > heaps.size())
+        heaps.resize(count);
+    unsigned enabled = 0;
     for (DWORD i = 0; i < count; ++i)
-        EnableLowFragmentation(heaps[i]);
+        enabled += EnableLowFragmentation(heaps[i]) ? 1 : 0;
+    return enabled;
 }
 
 }  // namespace kt::sys

@@ -42,7 +42,7 @@ TEST(Exceptions, FileExceptionThrownInTheLibraryIsCaughtByReferenceInTheHost) {
         DWORD code;
         DWORD operation;
     } throws[] = {
-        {5, XE_ACCESS_DENIED, XFILEOP_OPEN},    // ERROR_ACCESS_DENIED
+        {5, XE_ACCESS_DENIED, XFILEOP_OPEN},      // ERROR_ACCESS_DENIED
         {112, XE_DISK_FULL, XFILEOP_READ_WRITE},  // ERROR_DISK_FULL
     };
     for (const auto& expected : throws) {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kticore/core/MapEnum.h"
@@ -158,7 +159,7 @@ TEST(MapReentry, ValuesLookUpTheirBucketNeighboursWhileTheMapIsEmptied) {
     const std::vector<std::pair<const char*, std::function<void(ReentrantMap*&)>>> emptyings = {
         {"RemoveAll", [](ReentrantMap*& map) { map->RemoveAll(); }},
         {"Clear", [](ReentrantMap*& map) { map->Clear(); }},
-        {"destructor", [](ReentrantMap*& map) { delete map; map = nullptr; }},
+        {"destructor", [](ReentrantMap*& map) { delete std::exchange(map, nullptr); }},
     };
     for (const auto& [name, empty] : emptyings) {
         auto* map = new ReentrantMap(nullptr, 1);  // one bucket: every key a neighbour
@@ -201,12 +202,12 @@ TEST(MapReentry, AClearFromAValueDoesNotReopenTheMapBeingEmptied) {
     ReentrantMap map(nullptr, 1);
     int lateSet = -1;
     map.Set("a", new Reentrant([&map, &lateSet] {
-        map.Clear();
-        auto* late = new Reentrant;
-        lateSet = map.Set("late", late);
-        if (lateSet == 0)
-            delete late;  // a refused value stays the caller's
-    }));
+                map.Clear();
+                auto* late = new Reentrant;
+                lateSet = map.Set("late", late);
+                if (lateSet == 0)
+                    delete late;  // a refused value stays the caller's
+            }));
     map.RemoveAll();
     EXPECT_EQ(lateSet, 0);
     EXPECT_EQ(map.Set("b", nullptr), 0);  // the outer RemoveAll closed it

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kticore/core/Heap.h"
+#include "platform/SystemHeap.h"
 
 namespace {
 
@@ -25,6 +26,16 @@ TEST(ProcessHeaps, EachPrivateHeapIsASystemHeapUntilItsLastRelease) {
     EXPECT_EQ(CountProcessHeaps(), before + 1);
     heap->Release();
     EXPECT_EQ(CountProcessHeaps(), before);
+}
+
+TEST(ProcessHeaps, EveryHeapOfTheProcessIsAskedForLowFragmentationHowManySoEver) {
+    constexpr unsigned kExtraHeaps = 70;  // more than one listing of 64 holds
+    std::vector<HANDLE> extra;
+    for (unsigned i = 0; i < kExtraHeaps; ++i)
+        extra.push_back(HeapCreate(0, 0, 0));
+    EXPECT_GE(kt::sys::EnableLowFragmentationForProcessHeaps(), kExtraHeaps);
+    for (HANDLE heap : extra)
+        HeapDestroy(heap);
 }
 
 }  // namespace
