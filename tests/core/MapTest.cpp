@@ -4,7 +4,6 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "kticore/core/MapEnum.h"
@@ -155,11 +154,17 @@ int Reentrant::live = 0;
 
 using ReentrantMap = CTMap<const char*, Reentrant*>;
 
+// The values' destructors still reach the map through `map` while it goes.
+void DeleteMap(ReentrantMap*& map) {
+    delete map;
+    map = nullptr;
+}
+
 TEST(MapReentry, ValuesLookUpTheirBucketNeighboursWhileTheMapIsEmptied) {
     const std::vector<std::pair<const char*, std::function<void(ReentrantMap*&)>>> emptyings = {
         {"RemoveAll", [](ReentrantMap*& map) { map->RemoveAll(); }},
         {"Clear", [](ReentrantMap*& map) { map->Clear(); }},
-        {"destructor", [](ReentrantMap*& map) { delete std::exchange(map, nullptr); }},
+        {"destructor", DeleteMap},
     };
     for (const auto& [name, empty] : emptyings) {
         auto* map = new ReentrantMap(nullptr, 1);  // one bucket: every key a neighbour
