@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "kticore/core/ListEnum.h"
@@ -12,6 +13,10 @@ namespace kt::test {
 namespace {
 
 char* Copy(const char* text) { return std::strcpy(new char[std::strlen(text) + 1], text); }
+
+// A list is its items' one owner: a copy would delete them twice.
+static_assert(!std::is_copy_constructible_v<CTPList<char*>> &&
+              !std::is_copy_assignable_v<CTPList<char*>>);
 
 template <class T>
 std::vector<std::string> Drain(CTEnum<T>* items) {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "kticore/core/MapEnum.h"
@@ -19,6 +20,10 @@ T& Stepped(T* item) {
         throw std::runtime_error("the walk ended early");
     return *item;
 }
+
+// A map is its entries' one owner: a copy would free them twice.
+static_assert(!std::is_copy_constructible_v<CTMap<const char*, int>> &&
+              !std::is_copy_assignable_v<CTMap<const char*, int>>);
 
 // Counts how often it is alive.
 class Counted : public CKTUnknownImpl<IKTUnknown> {
