@@ -223,7 +223,6 @@ public:
         }
         delete[] table;
         table = nullptr;
-        count = 0;
         tableMark = 0;
     }
 
