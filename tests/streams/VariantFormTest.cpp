@@ -182,6 +182,21 @@ TEST_P(StoredVariant, TruncatedInputGivesWhatWasThereOrEndOfFile) {
     EXPECT_EQ(read.vt, KTVT_DOUBLE);
 }
 
+TEST_P(StoredVariant, ABlobOfASizeWithoutBytesIsStoredAsThatManyZeros) {
+    Ref<IXStream> stream = Fresh();
+    const CKTVariant sizeOnly(tagKTBLOB{5, nullptr});
+    const CKTVariant next(static_cast<unsigned char>(7));
+    stream->WriteVariant(&sizeOnly);
+    stream->WriteVariant(&next);
+    EXPECT_EQ(AllBytes(stream.get()), (Bytes{0x11, 0, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0x02, 0, 7}));
+    stream->Seek(0, 0);
+    CKTVariant read;
+    ASSERT_EQ(stream->ReadVariant(&read), 1);
+    EXPECT_TRUE(read == CKTVariant(KTBlob(5ul)));
+    ASSERT_EQ(stream->ReadVariant(&read), 1);
+    EXPECT_TRUE(read == next);
+}
+
 TEST_P(StoredVariant, BlobWithoutItsLengthWordIsEndOfFile) {
     CKTVariant read;
     Ref<IXStream> stream = Holding({0x11, 0x00});
