@@ -51,7 +51,9 @@ KTBlob& KTBlob::operator=(const tagKTBLOB* source) {
 
 KTBlob& KTBlob::operator=(const tagKTBLOB& source) { return *this = &source; }
 
-KTBlob& KTBlob::operator=(const KTBlob& source) { return *this = static_cast<const tagKTBLOB*>(&source); }
+KTBlob& KTBlob::operator=(const KTBlob& source) {
+    return *this = static_cast<const tagKTBLOB*>(&source);
+}
 
 void KTBlob::Clear() {
     delete[] data;

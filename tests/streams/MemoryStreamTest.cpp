@@ -193,8 +193,8 @@ TEST(MemoryStream, ALargeTextOrBlobAsksTheSinkOnceForItsPayload) {
     // so a sink that stops at the third stops behind the value.
     const std::string text(300000, 'x');
     Bytes bytes(300000, 0x5A);
-    const CKTVariant values[] = {CKTVariant(text.c_str()),
-                                 CKTVariant(tagKTBLOB{static_cast<ULONG>(bytes.size()), bytes.data()})};
+    const tagKTBLOB blob{static_cast<ULONG>(bytes.size()), bytes.data()};
+    const CKTVariant values[] = {CKTVariant(text.c_str()), CKTVariant(blob)};
     for (const CKTVariant& value : values) {
         SCOPED_TRACE(value.vt);
         auto* sink = new CancellingSink(INT_MAX);

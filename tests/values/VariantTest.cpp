@@ -79,14 +79,6 @@ TEST(VariantConstruction, OnlyTheValueOneOfTheSecondArgumentMakesABoolean) {
     EXPECT_EQ(ignored.uintVal, 5u);
 }
 
-TEST(VariantConstruction, LongKindsKeepThirtyTwoBits) {
-    const CKTVariant negative(-2l);
-    EXPECT_EQ(negative.lVal, -2);
-    EXPECT_EQ(static_cast<long>(negative), -2l);
-    const CKTVariant large(0xFFFFFFFFul);
-    EXPECT_EQ(static_cast<unsigned long>(large), 0xFFFFFFFFul);
-}
-
 TEST(VariantConstruction, NullTextIsATextKindWithNothingToFree) {
     CKTVariant narrow(static_cast<const char*>(nullptr));
     EXPECT_EQ(narrow.vt, KTVT_STR);
