@@ -258,16 +258,6 @@ TEST_F(ObjectStreaming, AnEmptyPayloadIsStoredAsALengthOfZeroAndStillLoaded) {
     EXPECT_EQ(stream->ReadByte(), 0x77);
 }
 
-TEST_F(ObjectStreaming, NestedObjectsEachMeasureTheirOwnSpan) {
-    Ref<ITestShape> outer = NestedShapes();
-    ASSERT_NE(outer, nullptr);
-    const Bytes bytes = Stored(outer.get());
-    const size_t nameEnd = sizeof KT_TEST_SHAPE_CLASS;
-    const ULONG outerLength = bytes[nameEnd] | bytes[nameEnd + 1] << 8 | bytes[nameEnd + 2] << 16;
-    EXPECT_EQ(outerLength, bytes.size() - nameEnd - 4);
-    EXPECT_EQ(SizeOfObject(outer.get()), bytes.size());
-}
-
 TEST_F(ObjectStreaming, AnObjectVariantPassesThroughAProcessThatLacksItsClass) {
     Ref<ITestShape> outer = NestedShapes();
     ASSERT_NE(outer, nullptr);
