@@ -6,9 +6,9 @@
 
 namespace kt {
 
-void CMemBlockBuffer::Reserve(std::uint64_t needed) {
+std::unique_ptr<unsigned char[]> CMemBlockBuffer::Reserve(std::uint64_t needed) {
     if (needed <= capacity)
-        return;
+        return nullptr;
     // Positions and sizes of a stream are 32-bit: a block can not outgrow
     // them, and the last step is cut to fit.
     if (needed > 0xFFFFFFFFu)
@@ -18,9 +18,10 @@ void CMemBlockBuffer::Reserve(std::uint64_t needed) {
     unsigned char* newData = new unsigned char[newCapacity];
     if (size != 0)
         std::memcpy(newData, data, size);
-    delete[] data;
+    std::unique_ptr<unsigned char[]> old(data);
     data = newData;
     capacity = newCapacity;
+    return old;
 }
 
 void CMemBlockBuffer::Assign(const void* source, ULONG newSize) {
@@ -64,7 +65,7 @@ unsigned CMemStream::Read(void* buffer, unsigned size) {
     if (position >= GetLength())
         return 0;
     size = std::min<unsigned>(size, GetLength() - position);
-    std::memcpy(buffer, block.data + position, size);
+    std::memmove(buffer, block.data + position, size);  // the buffer may lie in the block
     position += size;
     AskProgress();
     return size;
@@ -72,13 +73,13 @@ unsigned CMemStream::Read(void* buffer, unsigned size) {
 
 void CMemStream::Write(const void* buffer, unsigned size) {
     const std::uint64_t end = std::uint64_t{position} + size;
-    block.Reserve(end);
+    const std::unique_ptr<unsigned char[]> replaced = block.Reserve(end);
     // A position left behind the end by SetBlockData leaves a gap: cleared,
     // so no undefined byte is ever read back.
     if (position > block.size)
         std::memset(block.data + block.size, 0, position - block.size);
     if (size != 0)
-        std::memcpy(block.data + position, buffer, size);
+        std::memmove(block.data + position, buffer, size);
     position = static_cast<ULONG>(end);
     if (position > block.size)
         block.size = position;

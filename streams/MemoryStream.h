@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
 
 #include "streams/StreamRules.h"
 #include "streams/TypedStream.h"
@@ -23,7 +24,9 @@ struct CMemBlockBuffer {
     ~CMemBlockBuffer() { delete[] data; }
 
     // Room for `needed` bytes; the bytes in use move, the rest is undefined.
-    void Reserve(std::uint64_t needed);
+    // A block that moved is handed back, to be freed once nothing reads from
+    // it: what is written may come from the block itself.
+    [[nodiscard]] std::unique_ptr<unsigned char[]> Reserve(std::uint64_t needed);
     // An exact block of `newSize` bytes, copied from `source` unless null.
     void Assign(const void* source, ULONG newSize);
 

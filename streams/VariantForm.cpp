@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "kticore/objects/Persist.h"
@@ -11,41 +13,77 @@ namespace kt {
 
 namespace {
 
-// Memory for a counted payload grows with what arrives, starting at this.
+// Units enough for `bytes` bytes and a zero unit behind them.
+template <class Unit>
+size_t UnitsFor(ULONG bytes) {
+    return (static_cast<size_t>(bytes) + sizeof(Unit) - 1) / sizeof(Unit) + 1;
+}
+
+// Zeroes what lies behind the bytes read: a partial last unit is completed
+// with zero bytes, and the text ends in a zero unit.
+template <class Unit>
+Unit* Terminated(std::unique_ptr<Unit[]> buffer, ULONG bytesRead) {
+    char* bytes = reinterpret_cast<char*>(buffer.get());
+    std::memset(bytes + bytesRead, 0, UnitsFor<Unit>(bytesRead) * sizeof(Unit) - bytesRead);
+    return buffer.release();
+}
+
+// What the stream holds behind its position; nothing when it can not tell,
+// as a stream that can not seek.
+std::optional<ULONG> Remaining(IXStream& stream) {
+    try {
+        const unsigned position = stream.GetPosition();
+        const unsigned length = stream.GetLength();
+        return length > position ? length - position : 0;
+    } catch (const CXFileException&) {
+        return std::nullopt;
+    }
+}
+
+// Memory for a payload of a stream that can not tell its length grows with
+// what arrives, starting at this.
 constexpr ULONG kFirstChunk = 64 * 1024;
 
-// Reads up to `byteCount` bytes into an array-new buffer of Units that has a
-// zero unit behind the bytes read (a partial last unit is completed with
-// zero bytes). `bytesRead` tells how many came.
+template <class Unit>
+std::unique_ptr<Unit[]> ReadInChunks(IXStream& stream, ULONG byteCount, ULONG& bytesRead) {
+    ULONG capacity = std::min(byteCount, kFirstChunk);
+    std::unique_ptr<Unit[]> buffer(new Unit[UnitsFor<Unit>(capacity)]);
+    bytesRead = 0;
+    while (bytesRead < byteCount) {
+        if (bytesRead == capacity) {
+            const ULONG larger = capacity > byteCount - capacity ? byteCount : capacity * 2;
+            std::unique_ptr<Unit[]> grown(new Unit[UnitsFor<Unit>(larger)]);
+            std::memcpy(grown.get(), buffer.get(), bytesRead);
+            buffer = std::move(grown);
+            capacity = larger;
+        }
+        const unsigned got =
+            stream.Read(reinterpret_cast<char*>(buffer.get()) + bytesRead, capacity - bytesRead);
+        if (got == 0)
+            break;
+        bytesRead += got;
+    }
+    return buffer;
+}
+
+// Reads up to `byteCount` bytes into an array-new buffer of Units with a zero
+// unit behind the bytes read; `bytesRead` tells how many came. A damaged count
+// never makes the reader allocate more than the stream holds: where the
+// stream can tell what it holds, one Read takes what there is of the count
+// (as many questions to a progress sink as the count's one Read), else the
+// buffer grows with what arrives.
 template <class Unit>
 Unit* ReadCounted(IXStream& stream, ULONG byteCount, ULONG& bytesRead) {
-    const auto units = [](ULONG bytes) { return (static_cast<size_t>(bytes) + sizeof(Unit) - 1) / sizeof(Unit) + 1; };
-    ULONG capacity = std::min(byteCount, kFirstChunk);
-    Unit* buffer = new Unit[units(capacity)];
-    bytesRead = 0;
-    try {
-        while (bytesRead < byteCount) {
-            if (bytesRead == capacity) {
-                const ULONG larger = capacity > byteCount - capacity ? byteCount : capacity * 2;
-                Unit* grown = new Unit[units(larger)];
-                std::memcpy(grown, buffer, bytesRead);
-                delete[] buffer;
-                buffer = grown;
-                capacity = larger;
-            }
-            const unsigned got = stream.Read(reinterpret_cast<char*>(buffer) + bytesRead,
-                                             capacity - bytesRead);
-            if (got == 0)
-                break;
-            bytesRead += got;
-        }
-    } catch (...) {
-        delete[] buffer;
-        throw;
+    const std::optional<ULONG> remaining = Remaining(stream);
+    std::unique_ptr<Unit[]> buffer;
+    if (remaining) {
+        const ULONG wanted = std::min(byteCount, *remaining);
+        buffer.reset(new Unit[UnitsFor<Unit>(wanted)]);
+        bytesRead = stream.Read(buffer.get(), wanted);
+    } else {
+        buffer = ReadInChunks<Unit>(stream, byteCount, bytesRead);
     }
-    char* bytes = reinterpret_cast<char*>(buffer);
-    std::memset(bytes + bytesRead, 0, units(bytesRead) * sizeof(Unit) - bytesRead);
-    return buffer;
+    return Terminated(std::move(buffer), bytesRead);
 }
 
 ULONG ReadLengthWord(IXStream& stream) {
@@ -64,6 +102,19 @@ void WriteText(IXStream& stream, const Unit* text) {
     const ULONG size = static_cast<ULONG>((std::char_traits<Unit>::length(text) + 1) * sizeof(Unit));
     stream.WriteDWord(size);
     stream.Write(text, size);
+}
+
+// A blob of a size without bytes is stored as that many zero bytes: the
+// length word always counts the bytes that follow it, and a reader gets the
+// zero-filled blob of that size.
+void WriteBlob(IXStream& stream, const tagKTBLOB& blob) {
+    stream.WriteDWord(blob.size);
+    if (blob.data != nullptr) {
+        stream.Write(blob.data, blob.size);
+        return;
+    }
+    const KTBlob zeros(static_cast<unsigned long>(blob.size));
+    stream.Write(zeros.data, zeros.size);
 }
 
 }  // namespace
@@ -92,9 +143,7 @@ void WriteStoredVariant(IXStream& stream, const tagKTVARIANT* value) {
         WriteText(stream, value->pwszVal);
         break;
     case KTVT_BLOB:
-        stream.WriteDWord(value->blobVal.size);
-        if (value->blobVal.data != nullptr)
-            stream.Write(value->blobVal.data, value->blobVal.size);
+        WriteBlob(stream, value->blobVal);
         break;
     case KTVT_OBJECT: {
         IPersistXStream* persist = nullptr;
@@ -135,6 +184,8 @@ int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value) {
         return bytesRead != 0;
     case KTVT_BLOB: {
         const ULONG size = stream.ReadDWord();
+        // Cut short, the blob is as long as what arrived: zeros up to the
+        // stored size would be memory that a damaged length word asks for.
         value->blobVal.data = ReadCounted<unsigned char>(stream, size, bytesRead);
         value->blobVal.size = bytesRead;
         return bytesRead != 0;

@@ -14,9 +14,9 @@ unsigned StoredScalarSize(unsigned short kind);
 
 void WriteStoredVariant(IXStream& stream, const tagKTVARIANT* value);
 
-// 0 when nothing was there to read. Counted payloads are read as they arrive,
-// so a damaged count never makes the reader allocate more than the stream
-// holds: a text or blob cut short holds what was there.
+// 0 when nothing was there to read. A damaged count never makes the reader
+// allocate more than the stream holds: a text or blob cut short holds what
+// was there, and the blob's size is the number of bytes that came.
 int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value);
 
 }  // namespace kt

@@ -49,6 +49,12 @@ KTBlob& KTBlob::operator=(const tagKTBLOB* source) {
     return *this;
 }
 
+KTBlob& KTBlob::operator=(const tagKTBLOB& source) { return *this = &source; }
+
+KTBlob& KTBlob::operator=(const KTBlob& source) {
+    return *this = static_cast<const tagKTBLOB*>(&source);
+}
+
 void KTBlob::Clear() {
     delete[] data;
     data = nullptr;

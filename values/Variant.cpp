@@ -46,11 +46,11 @@ bool SameText(const Char* a, const Char* b) {
            std::char_traits<Char>::compare(a, b, length) == 0;
 }
 
-// A scalar of `kind` in `field`, for the constructors: the record is zeroed
-// first so that no byte of a new variant is left undefined.
+// A value of `kind` in `field`, for the constructors. They write the kind and
+// the bytes of the value and nothing else: the rest of the value area keeps
+// whatever lay there.
 template <class T>
 void Construct(tagKTVARIANT& v, unsigned short kind, T tagKTVARIANT::*field, T value) {
-    KTVariantInit(&v);
     v.vt = kind;
     v.*field = value;
 }

@@ -19,21 +19,25 @@ using kt::test::Bytes;
 using kt::test::Ref;
 
 // A class of the test itself, never registered: its name and payload are
-// whatever the test gives.
+// whatever the test gives, and its Save may fail with a code after writing.
 class CFixedPayload final : public CKTUnknownImpl<IPersistXStream> {
 public:
-    CFixedPayload(std::string name, Bytes payload) : name(std::move(name)), payload(std::move(payload)) {}
+    CFixedPayload(std::string name, Bytes payload, DWORD saveFailure = XE_NONE)
+        : name(std::move(name)), payload(std::move(payload)), saveFailure(saveFailure) {}
     const char* GetClassName() override { return name.c_str(); }
     ULONG GetSize() override { return static_cast<ULONG>(payload.size()); }
     void Load(IXStream*) override {}
     void Save(IXStream* stream) override {
         if (!payload.empty())
             stream->Write(payload.data(), static_cast<unsigned>(payload.size()));
+        if (saveFailure != XE_NONE)
+            throw CXException(saveFailure);
     }
 
 private:
     std::string name;
     Bytes payload;
+    DWORD saveFailure;
 };
 
 Ref<IXStream> MemoryHolding(const Bytes& bytes) {
@@ -60,7 +64,10 @@ Ref<IPersistXStream> ReadBack(IXStream* stream) {
 class ObjectStreaming : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_EQ(RegisterObject(KT_TEST_SHAPE_CLASS, KT_TEST_CLASSES_FILE), 1); }
-    void TearDown() override { UnregisterObject(KT_TEST_SHAPE_CLASS); }
+    void TearDown() override {
+        UnregisterObject(KT_TEST_SHAPE_CLASS);
+        UnregisterObject(KT_TEST_EMPTY_CLASS);
+    }
 
     static Ref<ITestShape> NewShape(ULONG id, const char* label) {
         IKTUnknown* made = nullptr;
@@ -100,8 +107,18 @@ TEST(ObjectForm, NameTerminatorLengthAndPayload) {
     CFixedPayload abc("Abc", {1, 2});
     EXPECT_EQ(Stored(&abc), (Bytes{0x41, 0x62, 0x63, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01, 0x02}));
     EXPECT_EQ(SizeOfObject(&abc), 10u);
-    CFixedPayload nothing("Abc", {});
-    EXPECT_EQ(Stored(&nothing), (Bytes{0x41, 0x62, 0x63, 0x00, 0x00, 0x00, 0x00, 0x00}));
+}
+
+TEST(ObjectForm, WhatSaveThrowsPassesThroughAndTheLengthStaysZero) {
+    CFixedPayload failing("Abc", {1, 2}, XE_DISK_FULL);
+    Ref<IXStream> stream(new_StreamOnMemory());
+    try {
+        WriteObjectToXStream(stream.get(), &failing);
+        ADD_FAILURE() << "the failure of Save was lost";
+    } catch (const CXException& failure) {
+        EXPECT_EQ(failure.code, XE_DISK_FULL);
+    }
+    EXPECT_EQ(AllBytes(stream.get()), (Bytes{'A', 'b', 'c', 0, 0, 0, 0, 0, 1, 2}));
 }
 
 TEST(ObjectForm, TheLengthIsMeasuredAtAnyPosition) {
@@ -180,14 +197,20 @@ TEST(Proxy, ClassNamesUpTo259CharactersPassThrough) {
     EXPECT_EQ(std::string(proxy->GetClassName()), longest);
     EXPECT_EQ(Stored(proxy.get()), bytes);
 
+    // The line limit ends a longer name at its 260th byte: the terminator and
+    // three bytes of the length word are then read as the length 0x300, more
+    // than the four bytes left.
     CFixedPayload tooLong(std::string(260, 'L'), {1, 2, 3});
-    const Bytes cut = Stored(&tooLong);
+    Ref<IXStream> stream = MemoryHolding(Stored(&tooLong));
+    IKTUnknown* read = reinterpret_cast<IKTUnknown*>(&read);
     try {
-        Ref<IPersistXStream> misread = ReadBack(MemoryHolding(cut).get());
-        EXPECT_TRUE(misread == nullptr || Stored(misread.get()) != cut);
-    } catch (const CXException&) {
-        // read from the wrong place: the length word runs past the end
+        ReadObjectFromXStream(stream.get(), &read);
+        ADD_FAILURE() << "a name of 260 characters was read back";
+    } catch (const CXException& failure) {
+        EXPECT_EQ(failure.code, XE_SHORT_DATA);
     }
+    EXPECT_EQ(read, nullptr);
+    EXPECT_EQ(stream->GetPosition(), 264u);
 }
 
 TEST_F(ObjectStreaming, ARegisteredClassIsCreatedByNameAndLoaded) {
@@ -214,14 +237,25 @@ TEST_F(ObjectStreaming, ARegisteredClassIsCreatedByNameAndLoaded) {
     EXPECT_EQ(stream->GetPosition(), stream->GetLength());
 }
 
-TEST_F(ObjectStreaming, NestedObjectsEachMeasureTheirOwnSpan) {
-    Ref<ITestShape> outer = NestedShapes();
-    ASSERT_NE(outer, nullptr);
-    const Bytes bytes = Stored(outer.get());
-    const size_t nameEnd = sizeof KT_TEST_SHAPE_CLASS;
-    const ULONG outerLength = bytes[nameEnd] | bytes[nameEnd + 1] << 8 | bytes[nameEnd + 2] << 16;
-    EXPECT_EQ(outerLength, bytes.size() - nameEnd - 4);
-    EXPECT_EQ(SizeOfObject(outer.get()), bytes.size());
+TEST_F(ObjectStreaming, AnEmptyPayloadIsStoredAsALengthOfZeroAndStillLoaded) {
+    ASSERT_EQ(RegisterObject(KT_TEST_EMPTY_CLASS, KT_TEST_CLASSES_FILE), 1);
+    IKTUnknown* made = nullptr;
+    ASSERT_EQ(CreateObject(KT_TEST_EMPTY_CLASS, nullptr, typeid(IPersistXStream), &made), 1);
+    Ref<IPersistXStream> empty(static_cast<IPersistXStream*>(made));
+    Bytes bytes = Stored(empty.get());
+    Bytes expected(KT_TEST_EMPTY_CLASS, KT_TEST_EMPTY_CLASS + sizeof KT_TEST_EMPTY_CLASS);
+    expected.insert(expected.end(), {0, 0, 0, 0});
+    EXPECT_EQ(bytes, expected);
+
+    bytes.push_back(0x77);
+    Ref<IXStream> stream = MemoryHolding(bytes);
+    Ref<IPersistXStream> read = ReadBack(stream.get());
+    ASSERT_NE(read, nullptr);
+    ITestShape* shape = nullptr;
+    ASSERT_EQ(read->QueryInterface(typeid(ITestShape), reinterpret_cast<void**>(&shape)), 1);
+    EXPECT_EQ(shape->GetLoadCount(), 1);
+    shape->Release();
+    EXPECT_EQ(stream->ReadByte(), 0x77);
 }
 
 TEST_F(ObjectStreaming, AnObjectVariantPassesThroughAProcessThatLacksItsClass) {

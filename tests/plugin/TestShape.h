@@ -26,6 +26,11 @@ protected:
     ~ITestShape() = default;
 };
 
-// The class names that the module exports as factories.
+// The class names that the module exports as factories. An empty shape is a
+// shape whose stored payload is empty: it stores and loads nothing.
 #define KT_TEST_SHAPE_CLASS "CLSID_TestShape"
+#define KT_TEST_EMPTY_CLASS "CLSID_TestEmpty"
 #define KT_TEST_REFUSING_CLASS "CLSID_TestRefusing"
+#define KT_TEST_THROWING_CLASS "CLSID_TestThrowing"
+// What the throwing factory throws, as a CXException.
+#define KT_TEST_THROWN_CODE XE_NO_MEMORY

@@ -2,6 +2,7 @@
 // stream's failures come out.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -14,15 +15,20 @@ namespace {
 using kt::test::Bytes;
 using kt::test::Ref;
 
-// An OLE stream whose calls fail with a chosen status.
+// An OLE stream whose calls fail with a chosen status; reads that succeed
+// give the bytes of `content`.
 class FailingOleStream final : public IStream {
 public:
     HRESULT readStatus = S_OK, writeStatus = S_OK, seekStatus = S_OK;
+    Bytes content;
 
     ULONG STDMETHODCALLTYPE AddRef() override { return ++refs; }
     ULONG STDMETHODCALLTYPE Release() override { return --refs; }
-    HRESULT STDMETHODCALLTYPE Read(void*, ULONG, ULONG* read) override {
-        *read = 0;
+    HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG size, ULONG* read) override {
+        *read = readStatus < 0 ? 0 : std::min<ULONG>(size, static_cast<ULONG>(content.size() - at));
+        if (*read != 0)
+            std::memcpy(buffer, content.data() + at, *read);
+        at += *read;
         return readStatus;
     }
     HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG* written) override {
@@ -48,6 +54,9 @@ public:
     HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
 #endif
     ULONG refs = 1;
+
+private:
+    size_t at = 0;
 };
 
 // What a CXFileException said. Its name lives only as long as the thrown
@@ -103,6 +112,17 @@ TEST(OleBackedStream, FailedCallsThrowTheMappedStatusWithTheStreamsName) {
 
     ole.seekStatus = static_cast<HRESULT>(0x80000001);  // a status storage does not list
     EXPECT_EQ(FailureOf([](IXStream* s) { s->GetLength(); }, stream.get()).code, XE_BAD_DATA);
+}
+
+TEST(OleBackedStream, AStreamThatCanNotSeekStillReadsCountedValues) {
+    FailingOleStream ole;
+    ole.seekStatus = static_cast<HRESULT>(0x80030019);
+    // A text whose length word promises two gigabytes.
+    ole.content = {0x0A, 0x00, 0xFF, 0xFF, 0xFF, 0x7F, 'a', 'b', 0x00};
+    Ref<IXStream> stream(kt_NewStreamOnOleStream("unseekable", &ole));
+    CKTVariant read;
+    EXPECT_EQ(stream->ReadVariant(&read), 1);
+    EXPECT_STREQ(read.pszVal, "ab");
 }
 
 TEST(OleBackedStream, ALineFeedOnTheLastPlaceGivesWayToTheTerminator) {

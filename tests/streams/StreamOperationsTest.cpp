@@ -42,6 +42,7 @@ TEST_P(StreamOperations, APartialValueIsReadAndNothingLeftIsEndOfFile) {
     EXPECT_THROW(stream->ReadDouble(), CXEofException);
     try {
         stream->ReadWord();
+        ADD_FAILURE() << "a read of nothing returned";
     } catch (const CXEofException& failure) {
         EXPECT_EQ(failure.code, XE_END_OF_FILE);
     }
@@ -69,15 +70,7 @@ TEST_P(StreamOperations, SeekFromEachOriginAndLengthKeepsThePosition) {
 TEST_P(StreamOperations, ABadOriginIsABadArgumentOfASeek) {
     Ref<IXStream> stream = Holding({1, 2, 3});
     stream->Seek(1, 0);
-    try {
-        stream->Seek(0, 3);
-        ADD_FAILURE() << "origin 3 was taken";
-    } catch (const CXFileException& failure) {
-        EXPECT_EQ(failure.code, XE_BAD_ARGUMENT);
-        EXPECT_EQ(failure.operation, XFILEOP_SEEK);
-        EXPECT_EQ(kt::test::Wide(failure.name), kt::test::Wide(CXStringW(stream->GetName())));
-    }
-    EXPECT_EQ(stream->GetPosition(), 1u);
+    kt::test::ExpectBadOriginRefused(stream.get());
 }
 
 TEST_P(StreamOperations, ReadAtTheEndReturnsZeroAndReadLineThrows) {

@@ -7,10 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "kticore/core/Exception.h"
 #include "kticore/streams/Stream.h"
 #include "platform/OleStream.h"
 #include "streams/OleStream.h"
 #include "tests/support/Counted.h"
+#include "tests/support/WideText.h"
 
 namespace kt::test {
 
@@ -57,6 +59,21 @@ inline Ref<IXStream> StreamOf(const StreamKind& kind, const Bytes& bytes) {
         stream->Write(bytes.data(), static_cast<unsigned>(bytes.size()));
     stream->Seek(0, 0);
     return stream;
+}
+
+// A seek from origin 3 is a bad argument of a seek, named by the stream, and
+// leaves the position where it was.
+inline void ExpectBadOriginRefused(IXStream* stream) {
+    const unsigned before = stream->GetPosition();
+    try {
+        stream->Seek(0, 3);
+        ADD_FAILURE() << "origin 3 was taken";
+    } catch (const CXFileException& failure) {
+        EXPECT_EQ(failure.code, XE_BAD_ARGUMENT);
+        EXPECT_EQ(failure.operation, XFILEOP_SEEK);
+        EXPECT_EQ(Wide(failure.name), Wide(CXStringW(stream->GetName())));
+    }
+    EXPECT_EQ(stream->GetPosition(), before);
 }
 
 }  // namespace kt::test

@@ -102,7 +102,10 @@ public:
     KTBlob(const KTBlob& source);
     ~KTBlob();
 
+    // Every assignment copies the bytes: a blob never shares what it owns.
     KTBlob& operator=(const tagKTBLOB* source);
+    KTBlob& operator=(const tagKTBLOB& source);
+    KTBlob& operator=(const KTBlob& source);
     void Clear();
 
     // 1 when the sizes and the bytes are equal.
