@@ -47,6 +47,8 @@ TEST(Format, EstimatesFollowTheWalkOfTheFormat) {
     EXPECT_EQ(estimate("%.0f", 1.0), 128);
     EXPECT_EQ(estimate("%ls", KTW("abc")), 3);
     EXPECT_EQ(estimate("%d%", 1), 32);  // a lone '%' ends the walk
+    EXPECT_EQ(estimate("ab%#"), 4);     // flags count even where the format ends
+    EXPECT_EQ(estimate("%5E"), 1);      // no conversion, but its letter is printed
 }
 
 TEST(Format, TheWideEstimateCountsLiteralsGenerously) {
@@ -54,6 +56,7 @@ TEST(Format, TheWideEstimateCountsLiteralsGenerously) {
     EXPECT_EQ(estimate(KTW("")), 0);
     EXPECT_EQ(estimate(KTW("ab")), 2 + 1);
     EXPECT_EQ(estimate(KTW("%d")), 32);
+    EXPECT_EQ(estimate(KTW("%#")), 2);
     EXPECT_EQ(estimate(KTW("%hs"), "abcd"), 4);
     EXPECT_EQ(estimate(KTW("%S"), "abcd"), 4);
     EXPECT_EQ(estimate(KTW("%s"), KTW("abcd")), 4);
