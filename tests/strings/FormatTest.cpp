@@ -8,7 +8,6 @@
 #include <string>
 
 #include "tests/support/FormatEstimate.h"
-#include "tests/support/StringInspection.h"
 #include "tests/support/StringWidths.h"
 #include "tests/support/WideText.h"
 
@@ -85,21 +84,6 @@ TEST(Format, WideConversionsMirrorTheNarrowOnes) {
               KTW("\u3042nhl"));
     EXPECT_EQ(WideFormat(KTW("%-4d|%.3f|%x"), 7, 0.5, 0xbeef), KTW("7   |0.500|beef"));
     EXPECT_EQ(WideFormat(KTW("caf%S"), "\xE9"), KTW("caf\u00e9"));
-}
-
-TEST(Format, ReplacesTheTextAndKeepsALargerBuffer) {
-    CXString s;
-    s.GetBuffer(500);
-    s.ReleaseBuffer();
-    s.Format("%d", 7);
-    EXPECT_EQ(std::string(s), "7");
-    EXPECT_EQ(s.GetAllocSize(), 501);
-    s.Format("x%s and %s", static_cast<const char*>(s), "more");  // reads its own old text
-    EXPECT_EQ(std::string(s), "x7 and more");
-    CXString shared = s;
-    s.Format("%s!", static_cast<const char*>(s));
-    EXPECT_EQ(std::string(s), "x7 and more!");
-    EXPECT_EQ(std::string(shared), "x7 and more");
 }
 
 TEST(Format, PrintsWholeTextWhereTheFiguresFallShort) {
