@@ -75,7 +75,8 @@ struct StringOps {
     // `units` units.
     static bool HasPrivateRoom(const String& s, unsigned units) {
         const CXStringData* header = Header(s.data);
-        return header->refs < 2 && size_t{units} * sizeof(Unit) <= static_cast<size_t>(header->alloc);
+        return header->refs < 2 &&
+               size_t{units} * sizeof(Unit) <= static_cast<size_t>(header->alloc);
     }
 
     static void ReallocBuffer(String& s, unsigned units) {

@@ -100,8 +100,7 @@ TYPED_TEST(StringSharing, EveryChangeAsksForItsExactRoomAndNoBufferShrinks) {
         {"lower", [](String& s) { s.Lower(); }, 18, 18},
         {"lock", [](String& s) { s.GetBuffer(20), s.ReleaseBuffer(); }, 21, 21},
         {"format", [](String& s) { s.Format(W::Text("%d").c_str(), 7); }, 33, 33},
-        {"change the extension", [](String& s) { s.ChangeFileExt(W::Text("x").c_str()); }, 11,
-         11},
+        {"change the extension", [](String& s) { s.ChangeFileExt(W::Text("x").c_str()); }, 11, 11},
         {"add a delimiter", [](String& s) { s.AddDirDelim(); }, 10, 10},
         {"assign a text", [](String& s) { s = W::Text("xyz").c_str(); }, 4, 5},
         {"assign a character", [](String& s) { s = KTWCHAR('x'); }, 2, 2},
@@ -179,10 +178,8 @@ TYPED_TEST(StringSharing, TextFromTheStringsOwnBufferSurvivesEveryChange) {
         {"insert", [](String& s) { s.Insert(3, s.GetData(0)); }, "abcabcdefdef"},
         {"replace a range", [](String& s) { s.Replace(0, 1, s.GetData(2)); }, "cdefbcdef"},
         {"append", [](String& s) { s += s; }, "abcdefabcdef"},
-        {"change the extension", [](String& s) { s.ChangeFileExt(s.GetData(3)); },
-         "abcdef.def"},
-        {"format", [](String& s) { s.Format(W::Text("<%s>").c_str(), s.GetData(2)); },
-         "<cdef>"},
+        {"change the extension", [](String& s) { s.ChangeFileExt(s.GetData(3)); }, "abcdef.def"},
+        {"format", [](String& s) { s.Format(W::Text("<%s>").c_str(), s.GetData(2)); }, "<cdef>"},
         {"assign", [](String& s) { s = s.GetData(2); }, "cdef"},
     };
     for (const Case& c : cases) {
