@@ -149,8 +149,11 @@ private:
     }
 
     // Edits that take their text from the string's own buffer, which the
-    // growth of that buffer may let go.
+    // growth of that buffer may let go. Most of them can double the text, so
+    // it is cut short first: a run of them would otherwise grow without bound.
     void EditWithOwnText() {
+        constexpr int kLongest = 200;
+        s.Delete(kLongest, static_cast<int>(s.GetLength()));
         const Unit* own = s.GetData(input.Below(s.GetLength() + 1));
         switch (input.Below(7)) {
             case 0:
