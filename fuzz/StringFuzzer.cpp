@@ -1,6 +1,7 @@
 // Drives both string classes through arbitrary sequences of edits, searches,
 // path operations and formats, in a single-byte or a double-byte code page
-// with arbitrary bytes as text (cut-off double-byte characters included).
+// with arbitrary bytes as text (cut-off double-byte characters included), also
+// with text taken from the string's own buffer.
 // After every step it checks that the text is terminated where its size says,
 // that whole characters add up to that size, and that no copy taken earlier
 // has changed. Each format is checked against its estimate. The sanitizers
@@ -64,7 +65,7 @@ private:
     }
 
     void Step() {
-        switch (input.Below(24)) {
+        switch (input.Below(25)) {
             case 0:
                 s = SomeText(40).c_str();
                 break;
@@ -137,9 +138,44 @@ private:
             case 22:
                 snapshots.emplace_back(s, static_cast<const Unit*>(s));
                 break;
+            case 23:
+                EditWithOwnText();
+                break;
             default:
                 s.Compare(SomeText().c_str());
                 s.CompareIN(SomeText().c_str(), Position());
+                break;
+        }
+    }
+
+    // Edits that take their text from the string's own buffer, which the
+    // growth of that buffer may let go. Most of them can double the text, so
+    // it is cut short first: a run of them would otherwise grow without bound.
+    void EditWithOwnText() {
+        constexpr int kLongest = 200;
+        s.Delete(kLongest, static_cast<int>(s.GetLength()));
+        const Unit* own = s.GetData(input.Below(s.GetLength() + 1));
+        switch (input.Below(7)) {
+            case 0:
+                s.FindReplace(own, SomeText().c_str());
+                break;
+            case 1:
+                s.FindReplace(SomeText(3).c_str(), own);
+                break;
+            case 2:
+                s.Insert(Position(), own);
+                break;
+            case 3:
+                s.Replace(Position(), Position(), own);
+                break;
+            case 4:
+                s.ChangeFileExt(own);
+                break;
+            case 5:
+                s.Format(Text{'<', '%', 's', '>'}.c_str(), own);
+                break;
+            default:
+                s = own;
                 break;
         }
     }

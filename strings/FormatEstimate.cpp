@@ -4,8 +4,8 @@
 // their letter says: a text its length, a number at least 32, a real at least
 // 128, with width and precision. Where those figures could fall short of what
 // is printed (a precision that cuts a padded text, a real with 300 digits
-// before its point, a precision beyond 32 digits), the estimate counts what
-// can be printed instead.
+// before its point, a precision beyond 32 digits, the letter of an unknown
+// conversion), the estimate counts what can be printed instead.
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -97,7 +97,9 @@ long long ConversionItem(const Conversion<Unit>& c, Arguments& args, Region* tar
             (void)va_arg(args.list, int*);
             return 0;
         case Kind::Unknown:
-            return 1;  // printed as the letter itself
+            // Takes no argument, but Print writes the letter itself: counted,
+            // so that the estimate stays an upper bound of what is printed.
+            return 1;
     }
     return 0;
 }
@@ -121,9 +123,10 @@ long long Estimate(const Unit* format, va_list args, Region* target) {
         }
         Conversion<Unit> conversion;
         p = ReadConversion(p + 1, walk, conversion);
+        estimate += 2LL * conversion.alternateFlags;  // also where the format ends behind them
         if (conversion.letter == 0)
             break;
-        estimate += 2LL * conversion.alternateFlags + ConversionItem(conversion, walk, target);
+        estimate += ConversionItem(conversion, walk, target);
     }
     va_end(walk.list);
     return estimate;

@@ -55,18 +55,20 @@ unsigned Encode(KTWCHAR code, char* out) {
 }
 
 const char* FindChar(const char* text, KTWCHAR code) {
-    for (const char* p = text; *p != 0; p = Next(p))
+    const char* p = text;
+    for (; *p != 0; p = Next(p))
         if (CodeAt(p) == code)
             return p;
-    return nullptr;
+    return code == 0 ? p : nullptr;
 }
 
 const char* FindLastChar(const char* text, KTWCHAR code) {
     const char* found = nullptr;
-    for (const char* p = text; *p != 0; p = Next(p))
+    const char* p = text;
+    for (; *p != 0; p = Next(p))
         if (CodeAt(p) == code)
             found = p;
-    return found;
+    return code == 0 ? p : found;
 }
 
 const char* FindSubstring(const char* text, const char* what) {

@@ -37,6 +37,7 @@ bool IsDoubleByteCode(KTWCHAR code);
 // Writes the bytes of `code`, lead byte first; returns their number.
 unsigned Encode(KTWCHAR code, char* out);
 
+// As strchr and strrchr: the code 0 finds the terminator.
 const char* FindChar(const char* text, KTWCHAR code);
 const char* FindLastChar(const char* text, KTWCHAR code);
 const char* FindSubstring(const char* text, const char* what);

@@ -81,6 +81,8 @@ struct PathOps {
             ext = kNoText;
         if (*ext == '.')
             ++ext;
+        typename Ops::Buffer copy;  // an extension from the string itself must outlive the dot
+        ext = Ops::Detached(s, ext, Text::Size(ext), copy);
         const Unit* old = FileExt(s);
         if (old != nullptr) {
             Ops::ConcatCopyTo(s, static_cast<unsigned>(old - s.data), ext, Text::Size(ext));

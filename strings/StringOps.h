@@ -71,9 +71,16 @@ struct StringOps {
 
     static void AllocBuffer(String& s, unsigned units) { Adopt(s, NewBuffer(units)); }
 
+    // Whether the buffer is this string's alone (a locked one is) and holds
+    // `units` units.
+    static bool HasPrivateRoom(const String& s, unsigned units) {
+        const CXStringData* header = Header(s.data);
+        return header->refs < 2 &&
+               size_t{units} * sizeof(Unit) <= static_cast<size_t>(header->alloc);
+    }
+
     static void ReallocBuffer(String& s, unsigned units) {
-        CXStringData* header = Header(s.data);
-        if (header->refs < 2 && size_t{units} * sizeof(Unit) <= static_cast<size_t>(header->alloc))
+        if (HasPrivateRoom(s, units))
             return;
         // The new buffer is filled before the old one is let go, so the old
         // text lives through the copy whether it is shared, locked or ours.
@@ -320,8 +327,7 @@ struct StringOps {
         text = Detached(s, text, n, copy);
         const unsigned size = Text::Size(s.data);
         const unsigned tail = size - at - removed + 1;  // with the terminator
-        const CXStringData* header = Header(s.data);
-        if (header->refs < 2 && size_t{room} * sizeof(Unit) <= static_cast<size_t>(header->alloc)) {
+        if (HasPrivateRoom(s, room)) {
             std::memmove(s.data + at + n, s.data + at + removed, tail * sizeof(Unit));
         } else {
             Unit* result = NewBuffer(room);
@@ -362,31 +368,33 @@ struct StringOps {
         Splice(s, range.begin, range.size(), text, n, Text::Size(s.data) - range.size() + n + 1);
     }
 
+    // `dest` may be `s` itself, or share its buffer: the range is then read
+    // from a copy, and a larger buffer of its own is kept.
     static int Extract(const String& s, int pos, int count, String& dest) {
         const Range range = RangeOf(s, pos, count);
-        if (&dest == &s) {
-            String copy;
-            Extract(s, pos, count, copy);
-            Assign(dest, copy);
-            return static_cast<int>(range.size());
-        }
+        Buffer copy;
+        const Unit* part = Detached(dest, s.data + range.begin, range.size(), copy);
         ReallocBuffer(dest, range.size() + 2);
-        std::memcpy(dest.data, s.data + range.begin, range.size() * sizeof(Unit));
+        std::memcpy(dest.data, part, range.size() * sizeof(Unit));
         dest.data[range.size()] = 0;
         return static_cast<int>(range.size());
     }
 
+    // An empty `from` occurs at the start, as strstr finds it.
     static int FindReplace(String& s, const Unit* from, const Unit* to) {
         if (from == nullptr || to == nullptr)
             return 0;
+        const unsigned fromSize = Text::Size(from);
         const unsigned toSize = Text::Size(to);
+        Buffer fromCopy, toCopy;
+        from = Detached(s, from, fromSize, fromCopy);
+        to = Detached(s, to, toSize, toCopy);
         ReallocBuffer(s, Text::Size(s.data) + toSize + 1);
-        const Unit* found = *from != 0 ? Text::FindSubstring(s.data, from) : nullptr;
+        const Unit* found = Text::FindSubstring(s.data, from);
         if (found == nullptr)
             return 0;
         const unsigned at = static_cast<unsigned>(found - s.data);
-        Splice(s, at, Text::Size(from), to, toSize,
-               Text::Size(s.data) - Text::Size(from) + toSize + 1);
+        Splice(s, at, fromSize, to, toSize, Text::Size(s.data) - fromSize + toSize + 1);
         return 1;
     }
 
@@ -422,8 +430,6 @@ struct StringOps {
     }
 
     static void TrimRight(String& s) {
-        if (IsEmptyString(s.data))
-            return;
         const unsigned size = Text::Size(s.data);
         ReallocBuffer(s, size + 2);
         for (Unit* p = const_cast<Unit*>(Text::Previous(s.data, s.data + size));
@@ -446,21 +452,22 @@ struct StringOps {
         return estimate < INT_MAX ? static_cast<int>(estimate) : INT_MAX;
     }
 
-    // Prints into the string's own buffer when it is private, large enough
-    // and holds none of the text arguments; else into a new one that replaces
-    // it afterwards, so that text taken from the old buffer is read intact.
-    // Should the estimate ever fall short, the text is printed again into the
-    // room it needs rather than cut.
+    // Prints into the string's own buffer when it is private (locked or not),
+    // large enough and holds none of the text arguments; else into a new one
+    // that replaces it afterwards, so that text taken from the old buffer is
+    // read intact. A private buffer is not shrunk by that: the new one is at
+    // least as large. Should the estimate ever fall short, the text is printed
+    // again into the room it needs rather than cut.
     static void Format(String& s, const Unit* format, va_list args) {
         if (format == nullptr)
             return;
-        const CXStringData* header = Header(s.data);
         format::Region own{s.data, s.data + Capacity(s) + 1};
         const long long estimate = format::Estimate(format, args, &own);
         const unsigned room = static_cast<unsigned>(std::min<long long>(estimate, INT_MAX)) + 1;
-        const bool inPlace = header->refs == 1 && !own.holdsArgument &&
-                             size_t{room} * sizeof(Unit) <= static_cast<size_t>(header->alloc);
-        Unit* target = inPlace ? s.data : NewBuffer(room);
+        const bool isPrivate = Header(s.data)->refs < 2;
+        Unit* target = s.data;
+        if (!HasPrivateRoom(s, room) || own.holdsArgument)
+            target = NewBuffer(isPrivate ? std::max(room, Capacity(s)) : room);
         for (;;) {
             const size_t capacity = static_cast<size_t>(Header(target)->alloc) / sizeof(Unit);
             Header(target)->refs = -1;

@@ -87,6 +87,7 @@ struct WideText {
         return 1;
     }
 
+    // As wcschr and wcsrchr: the unit 0 finds the terminator.
     static const KTWCHAR* FindChar(const KTWCHAR* text, KTWCHAR unit);
     static const KTWCHAR* FindLastChar(const KTWCHAR* text, KTWCHAR unit);
     static const KTWCHAR* FindSubstring(const KTWCHAR* text, const KTWCHAR* what);

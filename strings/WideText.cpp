@@ -8,7 +8,7 @@ const KTWCHAR* WideText::FindChar(const KTWCHAR* text, KTWCHAR unit) {
     for (; *text != 0; ++text)
         if (*text == unit)
             return text;
-    return nullptr;
+    return unit == 0 ? text : nullptr;
 }
 
 const KTWCHAR* WideText::FindLastChar(const KTWCHAR* text, KTWCHAR unit) {
@@ -16,7 +16,7 @@ const KTWCHAR* WideText::FindLastChar(const KTWCHAR* text, KTWCHAR unit) {
     for (; *text != 0; ++text)
         if (*text == unit)
             found = text;
-    return found;
+    return unit == 0 ? text : found;
 }
 
 const KTWCHAR* WideText::FindSubstring(const KTWCHAR* text, const KTWCHAR* what) {

@@ -2,6 +2,8 @@
 // CXString.
 #include "kticore/strings/XStringW.h"
 
+#include <string>
+
 #include "platform/TextConversion.h"
 #include "strings/NarrowTextCodePage.h"
 #include "strings/PathOps.h"
@@ -247,8 +249,9 @@ void hostMultiByteToUnicode(const char* text, CXStringW& out) {
         out = static_cast<const KTWCHAR*>(nullptr);
         return;
     }
-    KTWCHAR* buffer = out.GetBuffer(units);
-    kt::sys::MultiByteToWide(codePage, text, size, buffer, units);
-    buffer[units] = 0;
-    out.ReleaseBuffer();
+    // Converted aside and then assigned, so `out` always gets a new buffer,
+    // sized as an assignment sizes it.
+    std::basic_string<KTWCHAR> converted(static_cast<size_t>(units), 0);
+    kt::sys::MultiByteToWide(codePage, text, size, &converted[0], units);
+    Ops::AssignCopy(out, converted.data(), static_cast<unsigned>(units));
 }

@@ -68,8 +68,12 @@ TEST_F(DoubleByteText, EditsMoveWholeCharacters) {
     EXPECT_EQ(CXString(kNihongo).Extract(1, 1, part), 2);
     EXPECT_EQ(Text(part), kHon);
     s = kNihongo;
+    const CXString sharing = s;    // so that the insert gets the exact room it asks for
     s.Insert(1, KTWCHAR(0x82A0));  // hiragana 'a', lead byte first
     EXPECT_EQ(Text(s).substr(2, 2), "\x82\xA0");
+    EXPECT_EQ(s.GetAllocSize(), 6 + 3);
+    part = KTWCHAR(0x82A0);
+    EXPECT_EQ(part.GetAllocSize(), 3);
     s.Replace(0, 2, "x");
     EXPECT_EQ(Text(s), std::string("x") + std::string(kNihongo + 2));
     EXPECT_EQ(s.FindReplace(KTWCHAR(0x967B), KTWCHAR('y')), 1);

@@ -8,7 +8,6 @@
 #include <string>
 
 #include "tests/support/FormatEstimate.h"
-#include "tests/support/StringInspection.h"
 #include "tests/support/StringWidths.h"
 #include "tests/support/WideText.h"
 
@@ -47,6 +46,8 @@ TEST(Format, EstimatesFollowTheWalkOfTheFormat) {
     EXPECT_EQ(estimate("%.0f", 1.0), 128);
     EXPECT_EQ(estimate("%ls", KTW("abc")), 3);
     EXPECT_EQ(estimate("%d%", 1), 32);  // a lone '%' ends the walk
+    EXPECT_EQ(estimate("ab%#"), 4);     // flags count even where the format ends
+    EXPECT_EQ(estimate("%5E"), 1);      // no conversion, but its letter is printed
 }
 
 TEST(Format, TheWideEstimateCountsLiteralsGenerously) {
@@ -54,6 +55,7 @@ TEST(Format, TheWideEstimateCountsLiteralsGenerously) {
     EXPECT_EQ(estimate(KTW("")), 0);
     EXPECT_EQ(estimate(KTW("ab")), 2 + 1);
     EXPECT_EQ(estimate(KTW("%d")), 32);
+    EXPECT_EQ(estimate(KTW("%#")), 2);
     EXPECT_EQ(estimate(KTW("%hs"), "abcd"), 4);
     EXPECT_EQ(estimate(KTW("%S"), "abcd"), 4);
     EXPECT_EQ(estimate(KTW("%s"), KTW("abcd")), 4);
@@ -82,21 +84,6 @@ TEST(Format, WideConversionsMirrorTheNarrowOnes) {
               KTW("\u3042nhl"));
     EXPECT_EQ(WideFormat(KTW("%-4d|%.3f|%x"), 7, 0.5, 0xbeef), KTW("7   |0.500|beef"));
     EXPECT_EQ(WideFormat(KTW("caf%S"), "\xE9"), KTW("caf\u00e9"));
-}
-
-TEST(Format, ReplacesTheTextAndKeepsALargerBuffer) {
-    CXString s;
-    s.GetBuffer(500);
-    s.ReleaseBuffer();
-    s.Format("%d", 7);
-    EXPECT_EQ(std::string(s), "7");
-    EXPECT_EQ(s.GetAllocSize(), 501);
-    s.Format("x%s and %s", static_cast<const char*>(s), "more");  // reads its own old text
-    EXPECT_EQ(std::string(s), "x7 and more");
-    CXString shared = s;
-    s.Format("%s!", static_cast<const char*>(s));
-    EXPECT_EQ(std::string(s), "x7 and more!");
-    EXPECT_EQ(std::string(shared), "x7 and more");
 }
 
 TEST(Format, PrintsWholeTextWhereTheFiguresFallShort) {

@@ -60,6 +60,24 @@ TYPED_TEST(StringEditing, FindReplaceChangesTheFirstOccurrenceOnly) {
     EXPECT_EQ(s.FindReplace(this->T("q").c_str(), this->T("r").c_str()), 0);
     EXPECT_EQ(s.FindReplace(KTWCHAR('c'), this->T("long").c_str()), 1);
     EXPECT_EQ(this->Of(s), this->T("a=long"));
+    EXPECT_EQ(s.FindReplace(this->T("=").c_str(), KTWCHAR('.')), 1);
+    EXPECT_EQ(this->Of(s), this->T("a.long"));
+}
+
+// As the C library's strchr, strrchr and strstr answer: the terminator is a
+// character that can be found, and an empty text occurs at the start.
+TYPED_TEST(StringEditing, TheTerminatorAndTheEmptyTextAreFound) {
+    auto s = this->Make("abc");
+    EXPECT_EQ(s.Find(KTWCHAR(0)), 3);
+    EXPECT_EQ(s.Find(KTWCHAR(0), 99), 3);
+    EXPECT_EQ(s.FindRev(KTWCHAR(0)), 3);
+    EXPECT_EQ(s.Find(this->T("").c_str(), 1), 1);
+    EXPECT_EQ(s.FindReplace(this->T("").c_str(), this->T("<").c_str()), 1);
+    EXPECT_EQ(this->Of(s), this->T("<abc"));
+    typename TypeParam::String empty;
+    EXPECT_EQ(empty.Find(KTWCHAR(0)), -1);
+    EXPECT_EQ(empty.FindReplace(this->T("").c_str(), this->T("x").c_str()), 1);
+    EXPECT_EQ(this->Of(empty), this->T("x"));
 }
 
 TYPED_TEST(StringEditing, SearchesReturnPositionsOrMinusOne) {

@@ -1,6 +1,8 @@
 // Copy on write, the locked state and the exact-size growth, in both widths.
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 #include "tests/support/StringInspection.h"
 #include "tests/support/StringWidths.h"
 
@@ -22,36 +24,6 @@ TYPED_TEST(StringSharing, ACopySharesUntilOneChanges) {
     EXPECT_EQ(this->Of(copy), this->T("xabc"));
     EXPECT_EQ(HeaderOf(original).refs, 1);
     EXPECT_EQ(HeaderOf(copy).refs, 1);
-}
-
-TYPED_TEST(StringSharing, EveryChangingOperationLeavesTheOtherCopyAlone) {
-    using String = typename TypeParam::String;
-    const auto before = this->T(" Abc.def ");
-    void (*changes[])(String&) = {
-        [](String& s) { s.Delete(0, 2); },
-        [](String& s) { s.Replace(1, 1, TypeParam::Text("zz").c_str()); },
-        [](String& s) { s.Extract(1, 3); },
-        [](String& s) {
-            s.FindReplace(TypeParam::Text("b").c_str(), TypeParam::Text("B").c_str());
-        },
-        [](String& s) { s.TrimLeft(); },
-        [](String& s) { s.TrimRight(); },
-        [](String& s) { s.Upper(); },
-        [](String& s) { s.Lower(); },
-        [](String& s) { s.ChangeFileExt(TypeParam::Text("x").c_str()); },
-        [](String& s) { s.AddDirDelim(); },
-        [](String& s) {
-            s.GetBuffer(3)[0] = 'q';
-            s.ReleaseBuffer();
-        },
-    };
-    for (auto change : changes) {
-        String original(before.c_str());
-        String copy = original;
-        change(copy);
-        EXPECT_EQ(this->Of(original), before);
-        EXPECT_NE(this->DataOf(original), this->DataOf(copy));
-    }
 }
 
 TYPED_TEST(StringSharing, ALockedBufferIsCopiedNotShared) {
@@ -97,20 +69,80 @@ TYPED_TEST(StringSharing, EmptyStringsShareOneStaticBuffer) {
     EXPECT_EQ(this->DataOf(copy), this->DataOf(a));
 }
 
-TYPED_TEST(StringSharing, BuffersGrowToTheExactRoomAsked) {
-    const int unit = sizeof(typename TypeParam::Unit);
-    auto s = this->Make("ab");  // AssignCopy: n + 1 units narrow, n + 2 wide
-    EXPECT_EQ(s.GetAllocSize(), unit * (2 + (unit == 1 ? 1 : 2)));
-    s += this->Make("cde");
-    EXPECT_EQ(s.GetAllocSize(), unit * (2 + 3 + 1));
-    s.Upper();
-    EXPECT_EQ(s.GetAllocSize(), unit * (2 * 5 + 2));
-    s.Delete(0, 4);  // never shrinks
-    EXPECT_EQ(s.GetAllocSize(), unit * 12);
-    auto other = this->Make("x");
-    other.GetBuffer(10);
-    other.ReleaseBuffer();
-    EXPECT_EQ(other.GetAllocSize(), unit * 11);
+// Each change is made while a copy shares the buffer, which must stay as it
+// was: the buffer that the string ends with has exactly the room that the
+// change asked for. The last rows start from a larger private buffer, which
+// no change may shrink.
+TYPED_TEST(StringSharing, EveryChangeAsksForItsExactRoomAndNoBufferShrinks) {
+    using String = typename TypeParam::String;
+    using W = TypeParam;
+    constexpr bool kNarrow = std::is_same_v<String, CXString>;
+    struct Case {
+        const char* name;
+        void (*change)(String&);
+        int narrowUnits, wideUnits;
+    } cases[] = {
+        // The text is "  abcd  ", 8 units.
+        {"append a text", [](String& s) { s += String(W::Text("xy").c_str()); }, 11, 11},
+        {"append a character", [](String& s) { s += KTWCHAR('x'); }, 10, 10},
+        {"insert a character", [](String& s) { s.Insert(1, KTWCHAR('x')); }, 10, 10},
+        {"insert a text", [](String& s) { s.Insert(1, W::Text("xyz").c_str()); }, 12, 12},
+        {"delete", [](String& s) { s.Delete(0, 2); }, 9, 9},
+        {"replace", [](String& s) { s.Replace(0, 2, W::Text("xyz").c_str()); }, 10, 10},
+        {"extract", [](String& s) { s.Extract(3, 3); }, 5, 5},
+        {"find and replace",
+         [](String& s) { s.FindReplace(W::Text("ab").c_str(), W::Text("xyz").c_str()); }, 12, 12},
+        {"find nothing to replace",
+         [](String& s) { s.FindReplace(W::Text("q").c_str(), W::Text("xyz").c_str()); }, 12, 12},
+        {"trim left", [](String& s) { s.TrimLeft(); }, 10, 10},
+        {"trim right", [](String& s) { s.TrimRight(); }, 10, 10},
+        {"upper", [](String& s) { s.Upper(); }, 18, 18},
+        {"lower", [](String& s) { s.Lower(); }, 18, 18},
+        {"lock", [](String& s) { s.GetBuffer(20), s.ReleaseBuffer(); }, 21, 21},
+        {"format", [](String& s) { s.Format(W::Text("%d").c_str(), 7); }, 33, 33},
+        {"change the extension", [](String& s) { s.ChangeFileExt(W::Text("x").c_str()); }, 11, 11},
+        {"add a delimiter", [](String& s) { s.AddDirDelim(); }, 10, 10},
+        {"assign a text", [](String& s) { s = W::Text("xyz").c_str(); }, 4, 5},
+        {"assign a character", [](String& s) { s = KTWCHAR('x'); }, 2, 2},
+        {"trim right the empty string", [](String& s) { s = String(), s.TrimRight(); }, 2, 2},
+        {"construct from the other width",
+         [](String& s) {
+             if constexpr (kNarrow)
+                 s = String(KTW("abc"));
+             else
+                 s = String("abc");
+         },
+         4, 5},
+        {"convert from the other width into a larger buffer",
+         [](String& s) {
+             s.GetBuffer(50), s.ReleaseBuffer();  // not reused: a conversion assigns
+             if constexpr (kNarrow)
+                 s = KTW("abc");
+             else
+                 hostMultiByteToUnicode("abc", s);
+         },
+         4, 5},
+        {"delete from a larger buffer",
+         [](String& s) { s.GetBuffer(50), s.ReleaseBuffer(), s.Delete(0, 4); }, 51, 51},
+        {"extract into itself from a larger buffer",
+         [](String& s) { s.GetBuffer(50), s.ReleaseBuffer(), s.Extract(3, 2); }, 51, 51},
+        {"format its own text into a larger buffer",
+         [](String& s) {
+             s.GetBuffer(100), s.ReleaseBuffer();
+             s.Format(W::Text("%s").c_str(), s.GetData(2));
+         },
+         101, 101},
+        {"format into a locked buffer",
+         [](String& s) { s.GetBuffer(100), s.Format(W::Text("%d").c_str(), 1); }, 101, 101},
+    };
+    for (const Case& c : cases) {
+        String s = this->Make("  abcd  ");
+        const String sharing = s;
+        c.change(s);
+        const int units = kNarrow ? c.narrowUnits : c.wideUnits;
+        EXPECT_EQ(s.GetAllocSize(), units * static_cast<int>(sizeof(typename W::Unit))) << c.name;
+        EXPECT_EQ(this->Of(sharing), this->T("  abcd  ")) << c.name;
+    }
 }
 
 TYPED_TEST(StringSharing, AssignmentSharesAndSelfAssignmentKeeps) {
@@ -126,12 +158,35 @@ TYPED_TEST(StringSharing, AssignmentSharesAndSelfAssignmentKeeps) {
     EXPECT_EQ(b.GetSize(), 0u);
 }
 
-TYPED_TEST(StringSharing, TextFromTheStringsOwnBufferSurvivesGrowth) {
-    auto s = this->Make("abcdef");
-    s.Insert(3, this->DataOf(s));  // the source lies in the buffer that grows
-    EXPECT_EQ(this->Of(s), this->T("abcabcdefdef"));
-    s.Replace(0, 3, this->DataOf(s) + 9);
-    EXPECT_EQ(this->Of(s), this->T("defabcdefdef"));
+// Each change takes its text from the string's own buffer, which is private
+// and full to its last unit: the growth must not let that text go first.
+TYPED_TEST(StringSharing, TextFromTheStringsOwnBufferSurvivesEveryChange) {
+    using String = typename TypeParam::String;
+    using W = TypeParam;
+    struct Case {
+        const char* name;
+        void (*change)(String&);
+        const char* expected;
+    } cases[] = {
+        {"replace by own text",
+         [](String& s) { s.FindReplace(W::Text("b").c_str(), s.GetData(3)); }, "adefcdef"},
+        {"replace own text",
+         [](String& s) { s.FindReplace(s.GetData(4), W::Text("XXXXXXXX").c_str()); },
+         "abcdXXXXXXXX"},
+        {"replace own text by a character",
+         [](String& s) { s.FindReplace(s.GetData(5), KTWCHAR('Z')); }, "abcdeZ"},
+        {"insert", [](String& s) { s.Insert(3, s.GetData(0)); }, "abcabcdefdef"},
+        {"replace a range", [](String& s) { s.Replace(0, 1, s.GetData(2)); }, "cdefbcdef"},
+        {"append", [](String& s) { s += s; }, "abcdefabcdef"},
+        {"change the extension", [](String& s) { s.ChangeFileExt(s.GetData(3)); }, "abcdef.def"},
+        {"format", [](String& s) { s.Format(W::Text("<%s>").c_str(), s.GetData(2)); }, "<cdef>"},
+        {"assign", [](String& s) { s = s.GetData(2); }, "cdef"},
+    };
+    for (const Case& c : cases) {
+        String s = this->Make("abcdef");
+        c.change(s);
+        EXPECT_EQ(this->Of(s), this->T(c.expected)) << c.name;
+    }
 }
 
 }  // namespace

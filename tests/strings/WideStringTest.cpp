@@ -27,17 +27,6 @@ TEST(WideString, NullArgumentsAreAnswered) {
     EXPECT_EQ(Wide(s), KTW("abc"));
 }
 
-TEST(WideString, SizesAreUnitsAndAllocIsBytes) {
-    CXStringW s(KTW("0123456789"));
-    EXPECT_EQ(s.GetLength(), 10u);
-    EXPECT_EQ(s.GetSize(), 10u);
-    EXPECT_EQ(s.GetSize(20u), 10u);
-    CXStringW fresh;
-    fresh.GetBuffer(10);
-    fresh.ReleaseBuffer();
-    EXPECT_EQ(fresh.GetAllocSize(), 22);
-}
-
 TEST(WideString, FindIIgnoresCaseAndLeavesTheString) {
     CXStringW s(KTW("xabc"));
     EXPECT_EQ(s.FindI(KTW("ABC")), 1);
@@ -60,12 +49,6 @@ TEST(WideString, TrimsUnicodeBlanks) {
     s.TrimLeft();
     s.TrimRight();
     EXPECT_EQ(Wide(s), KTW("text"));
-}
-
-TEST(WideString, ReplacingOneUnitKeepsTheRest) {
-    CXStringW s(KTW("a.b.c"));
-    EXPECT_EQ(s.FindReplace(KTW("."), KTWCHAR('/')), 1);
-    EXPECT_EQ(Wide(s), KTW("a/b.c"));
 }
 
 TEST(WideString, NarrowTextConvertsInTheAnsiCodePage) {

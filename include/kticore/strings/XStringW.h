@@ -30,7 +30,8 @@ public:
         return *this;
     }
     CXStringW& operator=(KTWCHAR unit) {
-        AssignCopy(&unit, 1);
+        AllocBuffer(2);  // the unit and the terminator
+        data[0] = unit;
         return *this;
     }
     CXStringW& operator+=(const CXStringW& text);
