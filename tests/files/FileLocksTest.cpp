@@ -99,10 +99,14 @@ TEST_F(FileLocks, ALockOnAMissingFileTakesItsHandleWhenALocalWriterIsDone) {
     Fio_UnlockFile(name.c_str(), false);
 }
 
-TEST_F(FileLocks, AnExclusiveLockKeepsEvenThisProcessOut) {
+TEST_F(FileLocks, AnExclusiveAndANonExclusiveLockShareOneEntry) {
     WriteContent(name, "x");
-    Fio_LockFile(name.c_str(), true);
     Fio_LockFile(name.c_str(), false);
+    Fio_LockFile(name.c_str(), true);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), true), 1);
+    EXPECT_TRUE(HeldAgainstWriters(name));
+    // While the exclusive lock stands not even this process gets through.
     const auto failure = FileFailureOf([&] { Fio_Open(name.c_str(), FIO_WRITE | FIO_KEEP); });
     EXPECT_EQ(failure.operation, XFILEOP_LOCK);
     EXPECT_EQ(FileFailureOf([&] { Fio_IsWritableFile(name.c_str()); }).operation, XFILEOP_LOCK);
@@ -117,16 +121,25 @@ TEST_F(FileLocks, AnExclusiveLockKeepsEvenThisProcessOut) {
 }
 
 TEST_F(FileLocks, TheSwitchOnlyConcernsMemoryNames) {
-    EXPECT_EQ(Fio_EnableLocking(0), 1);
-    EXPECT_EQ(Fio_EnableLocking(1), 0);
-    Fio_ChangeNELock(name.c_str(), true);  // no entry: nothing happens
-    Fio_ChangeNELock(name.c_str(), false);
+    struct SwitchedOff {
+        SwitchedOff() { EXPECT_EQ(Fio_EnableLocking(0), 1); }
+        ~SwitchedOff() { EXPECT_EQ(Fio_EnableLocking(1), 0); }
+    } switchedOff;
     WriteContent(name, "x");
-    Fio_EnableLocking(0);
     Fio_LockFile(name.c_str(), false);
     EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
+    EXPECT_TRUE(HeldAgainstWriters(name));
     Fio_UnlockFile(name.c_str(), false);
-    Fio_EnableLocking(1);
+    Fio_LockFile(KTW("fmem::1000,20"), false);
+    EXPECT_EQ(Fio_LockCount(KTW("fmem::1000,20"), false), 0);
+}
+
+TEST_F(FileLocks, StepsAsideOfANameWithoutALockDoNothing) {
+    WriteContent(name, "x");
+    EXPECT_NO_THROW(Fio_ChangeNELock(name.c_str(), true));
+    Fio_ChangeNELock(name.c_str(), false);  // takes no handle for nobody
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0);
+    EXPECT_FALSE(HeldAgainstWriters(name));
 }
 
 TEST_F(FileLocks, AnotherProcessCanNotWriteALockedFile) {
