@@ -134,14 +134,6 @@ TEST_F(FileLocks, TheSwitchOnlyConcernsMemoryNames) {
     EXPECT_EQ(Fio_LockCount(KTW("fmem::1000,20"), false), 0);
 }
 
-TEST_F(FileLocks, StepsAsideOfANameWithoutALockDoNothing) {
-    WriteContent(name, "x");
-    EXPECT_NO_THROW(Fio_ChangeNELock(name.c_str(), true));
-    Fio_ChangeNELock(name.c_str(), false);  // takes no handle for nobody
-    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0);
-    EXPECT_FALSE(HeldAgainstWriters(name));
-}
-
 TEST_F(FileLocks, AnotherProcessCanNotWriteALockedFile) {
     WriteContent(name, "x");
     Fio_LockFile(name.c_str(), false);

@@ -50,40 +50,43 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(
 
 namespace {
 
-TEST(NoMemory, AMemoryFileWithoutMemoryIsNull) {
-    allocationsBeforeFailure = 0;
-    EXPECT_EQ(Fio_Open(KTW("fmem::1000,20"), 0), nullptr);
-    allocationsBeforeFailure = 0;
-    EXPECT_EQ(Fio_OpenOut(KTW("fmem::1000,20"), 0), nullptr);
-    allocationsBeforeFailure = -1;
-}
-
-// Each allocation of an open of an output file fails in turn, until an open
-// runs through without meeting the failure.
-TEST(NoMemory, AnOutputFileWithoutMemoryIsNullAndLeavesNothing) {
-    kt::test::ScratchDirectory scratch;
-    const kt::test::WideString target = scratch / KTW("target.txt");
-    kt::test::WriteContent(target, "old");
+// Each allocation of an open fails in turn, until an open runs through
+// without meeting the failure: every failed one gives null and leaves no file
+// and no lock behind.
+template <class File>
+void EachAllocationFailsInTurn(File* (*open)(const KTWCHAR*, int), const kt::test::WideString& name,
+                               const kt::test::ScratchDirectory& scratch) {
+    const size_t entries = scratch.Entries().size();
     for (long before = 0;; ++before) {
         allocationsBeforeFailure = before;
-        IXOutFile* out = nullptr;
+        File* file = nullptr;
         try {
-            out = Fio_OpenOut(target.c_str(), 0);
+            file = open(name.c_str(), 0);
         } catch (const std::bad_alloc&) {
             ADD_FAILURE() << "std::bad_alloc escaped at allocation " << before;
         }
         if (!FailureCame()) {
             allocationsBeforeFailure = -1;
-            ASSERT_NE(out, nullptr);
-            out->Release();
-            break;
+            ASSERT_NE(file, nullptr);
+            file->Release();
+            return;
         }
-        EXPECT_EQ(out, nullptr) << "allocation " << before;
-        if (out != nullptr)
-            out->Release();
-        EXPECT_EQ(scratch.Entries().size(), 1u) << "allocation " << before;
-        EXPECT_EQ(Fio_LockCount(target.c_str(), false), 0) << "allocation " << before;
+        EXPECT_EQ(file, nullptr) << "allocation " << before;
+        if (file != nullptr)
+            file->Release();
+        EXPECT_EQ(scratch.Entries().size(), entries) << "allocation " << before;
+        EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0) << "allocation " << before;
     }
+}
+
+TEST(NoMemory, AnOpenWithoutMemoryIsNullAndLeavesNothing) {
+    kt::test::ScratchDirectory scratch;
+    const kt::test::WideString target = scratch / KTW("target.txt");
+    kt::test::WriteContent(target, "old");
+    EachAllocationFailsInTurn(&Fio_Open, KTW("fmem::1000,20"), scratch);
+    EachAllocationFailsInTurn(&Fio_OpenOut, KTW("fmem::1000,20"), scratch);
+    EachAllocationFailsInTurn(&Fio_Open, target, scratch);
+    EachAllocationFailsInTurn(&Fio_OpenOut, target, scratch);
     EXPECT_EQ(kt::test::ContentOf(target), "old");
 }
 
