@@ -23,6 +23,8 @@ inline bool IsTooLongName(const KTWCHAR* name) {
 }
 
 // The system error that a name is refused with, or 0 for a name to try.
-inline DWORD RefusedNameError(const KTWCHAR* name) { return IsTooLongName(name) ? kNameTooLong : 0; }
+inline DWORD RefusedNameError(const KTWCHAR* name) {
+    return IsTooLongName(name) ? kNameTooLong : 0;
+}
 
 }  // namespace kt

@@ -19,15 +19,16 @@ DosDevice DosDeviceNamed(const std::string& path) {
         return DosDevice::Console;
     if (stem == "PRN" || stem == "AUX")
         return DosDevice::Absent;
-    const bool numbered = stem.size() == 4 && (stem.compare(0, 3, "COM") == 0 || stem.compare(0, 3, "LPT") == 0);
+    const std::string port = stem.substr(0, 3);
+    const bool numbered = stem.size() == 4 && (port == "COM" || port == "LPT");
     return numbered && stem[3] >= '1' && stem[3] <= '9' ? DosDevice::Absent : DosDevice::None;
 }
 
 DWORD DosDeviceError(DosDevice device) {
     switch (device) {
-    case DosDevice::Null: return 87;     // ERROR_INVALID_PARAMETER
-    case DosDevice::Console: return 6;   // ERROR_INVALID_HANDLE
-    default: return 2;                   // ERROR_FILE_NOT_FOUND
+    case DosDevice::Null: return 87;    // ERROR_INVALID_PARAMETER
+    case DosDevice::Console: return 6;  // ERROR_INVALID_HANDLE
+    default: return 2;                  // ERROR_FILE_NOT_FOUND
     }
 }
 

@@ -339,7 +339,7 @@ bool ReplaceFileWith(const KTWCHAR* from, const KTWCHAR* to) {
 
 bool CopyFileTo(const KTWCHAR* from, const KTWCHAR* to, bool failIfExists) {
     if (const DosDevice device = DosDeviceNamed(Utf8(from)); device != DosDevice::None)
-        return Fail(DosDeviceError(device));  // a device is no file to copy; NUL takes a copy
+        return Fail(DosDeviceError(device));  // no file to copy from; NUL takes a copy
     const int source = CreateFileHandle(from, kGenericRead, kShareRead, kOpenExisting, 0);
     if (source == kNoFile)
         return false;

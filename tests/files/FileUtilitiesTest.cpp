@@ -200,7 +200,8 @@ TEST_F(FileUtilities, ReservedDeviceNamesNameDevicesNotFiles) {
         EXPECT_EQ(info.size, 0u);
         EXPECT_EQ(info.year * 10000 + info.month * 100 + info.day, 16010101u);
         // Nothing to map for writing, no file to copy from or to delete.
-        EXPECT_EQ(FileFailureOf([&] { Fio_Open(name.c_str(), FIO_WRITE); }).operation, XFILEOP_WRITE);
+        const auto written = FileFailureOf([&] { Fio_Open(name.c_str(), FIO_WRITE); });
+        EXPECT_EQ(written.operation, XFILEOP_WRITE);
         const auto copied = FileFailureOf([&] { Fio_CopyFile(name.c_str(), copy.c_str(), 0); });
         EXPECT_EQ(copied.operation, XFILEOP_COPY);
         EXPECT_EQ(copied.name, name);

@@ -183,7 +183,9 @@ TEST_F(OutputFile, TargetsThatCanNotBeWrittenAreRefusedAndLeaveNothing) {
 }
 
 // What the writer of the killed-writer test commits as its generation g.
-std::string Generation(unsigned g, size_t size) { return std::string(size, static_cast<char>('A' + g % 26)); }
+std::string Generation(unsigned g, size_t size) {
+    return std::string(size, static_cast<char>('A' + g % 26));
+}
 
 TEST_F(OutputFile, AKilledWriterLeavesTheOldOrTheNewFileNeverAMixture) {
     constexpr int kKills = 16;
@@ -202,8 +204,8 @@ TEST_F(OutputFile, AKilledWriterLeavesTheOldOrTheNewFileNeverAMixture) {
     std::mt19937 random(20261123);
     for (int kill = 0; kill < kKills; ++kill) {
         {
-            kt::test::ChildProcess writer(KT_TEST_HELPER,
-                                          {"commit-loop", kt::test::Narrow(target), std::to_string(kSize)});
+            kt::test::ChildProcess writer(
+                KT_TEST_HELPER, {"commit-loop", kt::test::Narrow(target), std::to_string(kSize)});
             ASSERT_TRUE(writer.Started());
             // Two commits tell how long one takes at the machine's present
             // load; the kill falls at a random moment of the next one.
@@ -221,8 +223,10 @@ TEST_F(OutputFile, AKilledWriterLeavesTheOldOrTheNewFileNeverAMixture) {
         // The N-th reported commit wrote generation N - 1; the next one may
         // have landed before its report. A missing target is neither.
         const std::string content = Fio_IsFileExist(target.c_str()) ? ContentOf(target) : "";
-        EXPECT_TRUE(content == Generation(commits - 1, kSize) || content == Generation(commits, kSize))
-            << "kill " << kill << " after " << commits << " commits: " << content.size() << " bytes";
+        EXPECT_TRUE(content == Generation(commits - 1, kSize) ||
+                    content == Generation(commits, kSize))
+            << "kill " << kill << " after " << commits << " commits: " << content.size()
+            << " bytes";
         for (unsigned n = 1; n <= commits + 1; ++n)
             if (Fio_IsFileExist(marker(n).c_str()))
                 Fio_DeleteFile(marker(n).c_str());

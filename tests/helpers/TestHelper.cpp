@@ -48,7 +48,8 @@ void CommitLoop(const std::basic_string<KTWCHAR>& name, size_t size) {
         out->Commit();
         out->Release();
         const std::string count = "." + std::to_string(generation + 1);
-        Fio_Open((name + std::basic_string<KTWCHAR>(count.begin(), count.end())).c_str(), FIO_WRITE)->Release();
+        const std::basic_string<KTWCHAR> marker = name + Wide(count.c_str());
+        Fio_Open(marker.c_str(), FIO_WRITE)->Release();
     }
 }
 
