@@ -16,6 +16,13 @@
 namespace kt {
 namespace {
 
+// Read and write access, sharing reads only: while it is open no other open
+// for writing succeeds, here or in another process.
+sys::FileHandle OpenLockHandle(const KTWCHAR* name) {
+    return sys::CreateFileHandle(name, sys::kGenericRead | sys::kGenericWrite, sys::kShareRead,
+                                 sys::kOpenExisting, 0x20000021);
+}
+
 struct LockEntry {
     sys::FileHandle handle = sys::kNoFile;
     DWORD exclusive = 0;
@@ -24,12 +31,7 @@ struct LockEntry {
 
     DWORD& Count(bool ofExclusive) { return ofExclusive ? exclusive : nonExclusive; }
 
-    // Read and write access, sharing reads only: while it is open no other
-    // open for writing succeeds, here or in another process.
-    void OpenHandle() {
-        handle = sys::CreateFileHandle(name.c_str(), sys::kGenericRead | sys::kGenericWrite,
-                                       sys::kShareRead, sys::kOpenExisting, 0x20000021);
-    }
+    void OpenHandle() { handle = OpenLockHandle(name.c_str()); }
     void CloseHandle() {
         if (handle != sys::kNoFile)
             sys::CloseFileHandle(handle);
@@ -69,16 +71,22 @@ void Fio_LockFile(const KTWCHAR* name, bool exclusive) {
         ++found->Count(exclusive);
         return;
     }
-    kt::LockEntry entry;
-    entry.name = name;
-    entry.Count(exclusive) = 1;
     // A non-exclusive lock may wait for its file to be made.
-    if (exclusive || Fio_IsFileExist(name)) {
-        entry.OpenHandle();
-        if (entry.handle == kt::sys::kNoFile)
-            return;
+    const bool holds = exclusive || Fio_IsFileExist(name);
+    const kt::sys::FileHandle handle = holds ? kt::OpenLockHandle(name) : kt::sys::kNoFile;
+    if (holds && handle == kt::sys::kNoFile)
+        return;
+    try {
+        kt::LockEntry entry;
+        entry.handle = handle;
+        entry.Count(exclusive) = 1;
+        entry.name = name;
+        LockTable().push_back(std::move(entry));
+    } catch (...) {  // no memory for the entry: the handle goes with it
+        if (handle != kt::sys::kNoFile)
+            kt::sys::CloseFileHandle(handle);
+        throw;
     }
-    LockTable().push_back(std::move(entry));
 }
 
 void Fio_UnlockFile(const KTWCHAR* name, bool exclusive) {

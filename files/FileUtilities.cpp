@@ -90,7 +90,8 @@ void Fio_GetFileInfo(const KTWCHAR* name, FioFileInfo* info) {
     kt::sys::FoundFile found;
     {
         const kt::sys::QuietCriticalErrors quiet;
-        if (name == nullptr || !kt::sys::FindFile(name, found))
+        // A null name is the empty one: the system says why it fails.
+        if (!kt::sys::FindFile(name != nullptr ? name : KTW(""), found))
             ThrowLastError(name, XFILEOP_FILE_INFO);
     }
     *info = {found.size, found.second, found.minute,    found.hour,

@@ -10,10 +10,18 @@ namespace {
 
 bool IsSeparator(KTWCHAR unit) { return unit == ',' || unit == '.'; }
 
-// A number as _wtoi reads it: blanks, a sign, digits, held at the limits of
-// 32 bits when it is larger.
+// The units that _wtoi skips before a number: the runtime's wide white space,
+// which is Unicode's but for the next line (U+0085).
+bool IsWhiteSpace(KTWCHAR unit) {
+    return (unit >= 0x09 && unit <= 0x0D) || unit == 0x20 || unit == 0xA0 || unit == 0x1680 ||
+           (unit >= 0x2000 && unit <= 0x200A) || unit == 0x2028 || unit == 0x2029 ||
+           unit == 0x202F || unit == 0x205F || unit == 0x3000;
+}
+
+// A number as _wtoi reads it: white space, a sign, digits, held at the limits
+// of 32 bits when it is larger.
 std::int32_t ReadNumber(const KTWCHAR*& text) {
-    while (*text == ' ' || *text == '\t')
+    while (IsWhiteSpace(*text))
         ++text;
     const bool negative = *text == '-';
     if (*text == '-' || *text == '+')

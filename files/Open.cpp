@@ -28,25 +28,17 @@ DWORD TemporaryFileError(DWORD win32Error) {
     }
 }
 
-// A target that no file can have is refused before anything is made.
+// A target that no file can have is refused before anything is made. The
+// empty name is not refused here: like any other name the system can not
+// make, it fails at Commit.
 void CheckTargetName(const KTWCHAR* name) {
-    if (name == nullptr || *name == 0)
+    if (name == nullptr)
         throw CXFileException(XE_PATH_NOT_FOUND, name, XFILEOP_OPEN);
     if (const DWORD refused = kt::RefusedNameError(name))
         throw CXFileException(XErrorFromWin32(refused), name, XFILEOP_OPEN);
 }
 
-}  // namespace
-
-IXFile* Fio_Open(const KTWCHAR* name, int flags) {
-    if (kt::IsMemoryName(name))
-        return kt::NewMemoryFile(name);
-    if (Fio_PathIsURL(name))
-        return kt::OpenUrlFile(name, flags);
-    return new (std::nothrow) kt::CXFile(name, flags);  // no memory: no file
-}
-
-IXOutFile* Fio_OpenOut(const KTWCHAR* name, int flags) {
+IXOutFile* OpenOut(const KTWCHAR* name, int flags) {
     if (kt::IsMemoryName(name))
         return kt::NewMemoryFile(name);
     if (Fio_PathIsURL(name))
@@ -66,5 +58,28 @@ IXOutFile* Fio_OpenOut(const KTWCHAR* name, int flags) {
     } catch (...) {
         kt::sys::RemoveFile(temporary);  // a refused target leaves nothing behind
         throw;
+    }
+}
+
+}  // namespace
+
+// Where the memory runs out, at any step, there is no file.
+IXFile* Fio_Open(const KTWCHAR* name, int flags) {
+    try {
+        if (kt::IsMemoryName(name))
+            return kt::NewMemoryFile(name);
+        if (Fio_PathIsURL(name))
+            return kt::OpenUrlFile(name, flags);
+        return new kt::CXFile(name, flags);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+IXOutFile* Fio_OpenOut(const KTWCHAR* name, int flags) {
+    try {
+        return OpenOut(name, flags);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
     }
 }

@@ -1,5 +1,6 @@
 #include "files/OutputFile.h"
 
+#include <new>
 #include <string>
 
 #include "files/LockStepAside.h"
@@ -16,22 +17,24 @@ public:
         : target(targetName), temporary(temporaryName) {
         if (!Fio_IsWritableFile(targetName))
             throw CXFileException(XE_ACCESS_DENIED, targetName, XFILEOP_OPEN);
-        if (Fio_IsFileExist(targetName)) {
+        const bool exists = Fio_IsFileExist(targetName) != 0;
+        if (exists) {
             if (flags & FIO_KEEP)
                 Fio_CopyFile(targetName, temporaryName, 0);
             // Holds the target against other writers while the copy is made.
             Fio_LockFile(targetName, false);
-            locked = true;
-            try {
-                inner = Fio_Open(temporaryName, flags);
-            } catch (const CXException&) {
-                Fio_UnlockFile(targetName, false);
-                throw;
-            }
-            inner->Seek(0, flags & FIO_KEEP);
-        } else {
-            inner = Fio_Open(temporaryName, flags & ~FIO_KEEP);
         }
+        try {
+            inner = Fio_Open(temporaryName, exists ? flags : flags & ~FIO_KEEP);
+            if (inner == nullptr)
+                throw std::bad_alloc();  // no memory for the file object
+        } catch (...) {
+            if (exists)
+                Fio_UnlockFile(targetName, false);
+            throw;
+        }
+        locked = exists;
+        inner->Seek(0, flags & FIO_KEEP);  // with FIO_KEEP writing appends
     }
 
     ~CXOutFile() override {

@@ -8,6 +8,8 @@
 namespace kt {
 
 // `temporary` is an empty file on the target's volume, made by the caller.
+// Throws std::bad_alloc when there is no memory for the object or its inner
+// file.
 IXOutFile* NewOutputFile(const KTWCHAR* target, const KTWCHAR* temporary, int flags);
 
 }  // namespace kt

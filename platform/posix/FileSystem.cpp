@@ -11,6 +11,9 @@
 // - The read-only attribute: a file without write permission bits refuses
 //   opens for writing, also to a privileged user.
 // - Failures: errno is translated to the Win32 error of the same situation.
+//
+// Reserved device names (NUL, CON, COM1, ...) answer as on Windows; see
+// DosDevices.h.
 #include "platform/FileSystem.h"
 
 #include <dirent.h>
@@ -31,8 +34,13 @@
 #include <vector>
 
 #include "platform/TextConversion.h"
+#include "platform/posix/DosDevices.h"
 
 namespace kt::sys {
+
+using posix::DosDevice;
+using posix::DosDeviceError;
+using posix::DosDeviceNamed;
 
 const FileHandle kNoFile = -1;
 const MappingHandle kNoMapping = -1;
@@ -161,6 +169,37 @@ bool HeldOpen(const std::string& path) {
 
 bool IsReadOnly(const struct stat& facts) { return (facts.st_mode & 0222) == 0; }
 
+bool Exists(const std::string& path) {
+    struct stat facts;
+    return lstat(path.c_str(), &facts) == 0;
+}
+
+// A failed rename's error: a missing source is the source's, any other
+// failure is the target's (a missing directory, an existing file).
+bool FailRename(const std::string& source, const std::string& target) {
+    const int error = errno;
+    return Fail(ErrorOf(error, error == ENOENT && !Exists(source) ? source : target));
+}
+
+// Devices know no share modes: two opens of NUL that deny all sharing both
+// succeed, as on Windows.
+FileHandle OpenDevice(DosDevice device, bool writes) {
+    if (device != DosDevice::Null)
+        return Fail(DosDeviceError(device)), kNoFile;
+    const int fd = open(posix::kNullDevicePath, O_CLOEXEC | (writes ? O_RDWR : O_RDONLY));
+    return fd >= 0 ? fd : (FailErrno(posix::kNullDevicePath), kNoFile);
+}
+
+// A device is no file to move, and can not take a file's place
+// (ERROR_BAD_DEV_TYPE). 0 when neither end is a device.
+DWORD DeviceMoveError(const std::string& source, const std::string& target) {
+    if (const DosDevice device = DosDeviceNamed(source); device != DosDevice::None)
+        return DosDeviceError(device);
+    return DosDeviceNamed(target) != DosDevice::None ? 66 : 0;
+}
+
+constexpr DWORD kAttributeArchive = 0x20;
+
 // Names of the open files that go with their last handle.
 std::mutex deleteOnCloseLock;
 std::map<int, std::string>& DeleteOnClose() {
@@ -177,6 +216,8 @@ FileHandle CreateFileHandle(const KTWCHAR* name, DWORD access, DWORD share, DWOR
                             DWORD flagsAndAttributes) {
     const std::string path = Utf8(name);
     const bool writes = (access & kGenericWrite) != 0;
+    if (const DosDevice device = DosDeviceNamed(path); device != DosDevice::None)
+        return OpenDevice(device, writes);
     struct stat facts;
     const bool exists = stat(path.c_str(), &facts) == 0;
     if (exists && S_ISDIR(facts.st_mode))
@@ -239,6 +280,8 @@ MappingHandle CreateMapping(FileHandle file, bool writable, DWORD maximumSize) {
     struct stat facts;
     if (fstat(file, &facts) != 0)
         return FailErrno(""), kNoMapping;
+    if (!S_ISREG(facts.st_mode))
+        return Fail(6), kNoMapping;  // ERROR_INVALID_HANDLE: a device has no bytes to map
     if (writable && facts.st_size < static_cast<off_t>(maximumSize) &&
         ftruncate(file, maximumSize) != 0)
         return FailErrno(""), kNoMapping;
@@ -265,6 +308,8 @@ bool FlushView(void* view, DWORD bytes) {
 
 bool RemoveFile(const KTWCHAR* name) {
     const std::string path = Utf8(name);
+    if (const DosDevice device = DosDeviceNamed(path); device != DosDevice::None)
+        return Fail(DosDeviceError(device));
     struct stat facts;
     if (lstat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode))
         return Fail(kErrorAccessDenied);
@@ -275,20 +320,26 @@ bool RemoveFile(const KTWCHAR* name) {
 
 bool MoveFileTo(const KTWCHAR* from, const KTWCHAR* to) {
     const std::string source = Utf8(from), target = Utf8(to);
+    if (const DWORD refused = DeviceMoveError(source, target))
+        return Fail(refused);
     if (HeldOpen(source))
         return Fail(kErrorSharingViolation);
     return renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0 ||
-           FailErrno(errno == EEXIST ? target : source);
+           FailRename(source, target);
 }
 
 bool ReplaceFileWith(const KTWCHAR* from, const KTWCHAR* to) {
     const std::string source = Utf8(from), target = Utf8(to);
+    if (const DWORD refused = DeviceMoveError(source, target))
+        return Fail(refused);
     if (HeldOpen(source) || HeldOpen(target))
         return Fail(kErrorSharingViolation);
-    return rename(source.c_str(), target.c_str()) == 0 || FailErrno(source);
+    return rename(source.c_str(), target.c_str()) == 0 || FailRename(source, target);
 }
 
 bool CopyFileTo(const KTWCHAR* from, const KTWCHAR* to, bool failIfExists) {
+    if (const DosDevice device = DosDeviceNamed(Utf8(from)); device != DosDevice::None)
+        return Fail(DosDeviceError(device));  // no file to copy from; NUL takes a copy
     const int source = CreateFileHandle(from, kGenericRead, kShareRead, kOpenExisting, 0);
     if (source == kNoFile)
         return false;
@@ -341,12 +392,14 @@ bool ChangeCurrentDirectory(const KTWCHAR* name) {
 
 DWORD FileAttributes(const KTWCHAR* name) {
     const std::string path = Utf8(name);
+    if (DosDeviceNamed(path) != DosDevice::None)
+        return kAttributeArchive;
     struct stat facts;
     if (stat(path.c_str(), &facts) != 0)
         return FailErrno(path), kNoAttributes;
     if (S_ISDIR(facts.st_mode))
         return kAttributeDirectory | (IsReadOnly(facts) ? kAttributeReadOnly : 0);
-    return IsReadOnly(facts) ? kAttributeReadOnly : 0x20;  // FILE_ATTRIBUTE_ARCHIVE
+    return IsReadOnly(facts) ? kAttributeReadOnly : kAttributeArchive;
 }
 
 bool SetReadOnly(const KTWCHAR* name, bool readOnly) {
@@ -360,10 +413,18 @@ bool SetReadOnly(const KTWCHAR* name, bool readOnly) {
 
 bool FindFile(const KTWCHAR* name, FoundFile& found) {
     std::string path = Utf8(name);
+    if (path.empty())
+        return Fail(kErrorPathNotFound);
     // A trailing delimiter or a bare root names no file, as for FindFirstFileW.
-    if (path.empty() || path.back() == '/')
+    if (path.back() == '/')
         return Fail(kErrorFileNotFound);
-    if (path.find_first_of("*?") != std::string::npos) {
+    const bool wildcards = path.find_first_of("*?") != std::string::npos;
+    if (!wildcards && DosDeviceNamed(path) != DosDevice::None) {
+        // Every device name is found, with no size and the zero file time.
+        found = {0, 1601, 1, 1, 1, 0, 0, 0};
+        return true;
+    }
+    if (wildcards) {
         glob_t matches;
         const int status = glob(path.c_str(), 0, nullptr, &matches);
         if (status != 0 || matches.gl_pathc == 0) {
@@ -411,12 +472,12 @@ bool TempFileName(const KTWCHAR* directory, const KTWCHAR* prefix, KTWCHAR* name
         char file[16];
         std::snprintf(file, sizeof file, "%X.TMP", unique);
         const std::string path = base + stem + file;
+        const WideString wide = Wide(path);  // before the file exists: nothing is left on a failure
+        if (wide.size() >= 260)
+            return Fail(206);
         const int fd = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
         if (fd >= 0) {
             close(fd);
-            const WideString wide = Wide(path);
-            if (wide.size() >= 260)
-                return unlink(path.c_str()), Fail(206);
             std::char_traits<KTWCHAR>::copy(name, wide.c_str(), wide.size() + 1);
             return true;
         }

@@ -61,7 +61,16 @@ bool FlushView(void* view, DWORD) { return ::FlushViewOfFile(view, 0) != 0; }
 
 bool RemoveFile(const KTWCHAR* name) { return ::DeleteFileW(name) != 0; }
 
-bool MoveFileTo(const KTWCHAR* from, const KTWCHAR* to) { return ::MoveFileW(from, to) != 0; }
+bool MoveFileTo(const KTWCHAR* from, const KTWCHAR* to) {
+    // Wine's MoveFileW refuses an empty target without saying why; the
+    // reason is the one the system gives for an empty name elsewhere.
+    ::SetLastError(ERROR_SUCCESS);
+    if (::MoveFileW(from, to))
+        return true;
+    if (::GetLastError() == ERROR_SUCCESS)
+        ::SetLastError(ERROR_PATH_NOT_FOUND);
+    return false;
+}
 
 bool ReplaceFileWith(const KTWCHAR* from, const KTWCHAR* to) {
     return ::MoveFileExW(from, to, MOVEFILE_REPLACE_EXISTING) != 0;

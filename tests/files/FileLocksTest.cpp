@@ -48,25 +48,19 @@ TEST_F(FileLocks, CountsByKindOneHandleAndTheEntryGoesWithTheLastUnlock) {
     EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0);
 }
 
-TEST_F(FileLocks, NamesCompareWithoutCase) {
+// Another case is the same entry; another spelling of the path is another
+// entry, whose handle the first one's keeps out.
+TEST_F(FileLocks, NamesCompareWithoutCaseAndWithoutNormalisation) {
     WriteContent(name, "x");
+    const WideString upper = scratch / KTW("LOCKED.TXT"), other = scratch / KTW("./locked.txt");
     Fio_LockFile(name.c_str(), false);
-    const WideString upper = scratch / KTW("LOCKED.TXT");
     Fio_LockFile(upper.c_str(), false);
+    Fio_LockFile(other.c_str(), false);
     EXPECT_EQ(Fio_LockCount(name.c_str(), false), 2);
+    EXPECT_EQ(Fio_LockCount(other.c_str(), false), 0);
     Fio_UnlockFile(upper.c_str(), false);
     Fio_UnlockFile(name.c_str(), false);
     EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0);
-}
-
-TEST_F(FileLocks, TwoSpellingsOfOnePathAreTwoEntriesAndTheSecondCanNotHold) {
-    WriteContent(name, "x");
-    const WideString other = scratch / KTW("./locked.txt");
-    Fio_LockFile(name.c_str(), false);
-    Fio_LockFile(other.c_str(), false);
-    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
-    EXPECT_EQ(Fio_LockCount(other.c_str(), false), 0);
-    Fio_UnlockFile(name.c_str(), false);
 }
 
 TEST_F(FileLocks, TheFirstOfTwoReadersToCloseGivesTheLockItsHandleBack) {
@@ -99,10 +93,14 @@ TEST_F(FileLocks, ALockOnAMissingFileTakesItsHandleWhenALocalWriterIsDone) {
     Fio_UnlockFile(name.c_str(), false);
 }
 
-TEST_F(FileLocks, AnExclusiveLockKeepsEvenThisProcessOut) {
+TEST_F(FileLocks, AnExclusiveAndANonExclusiveLockShareOneEntry) {
     WriteContent(name, "x");
-    Fio_LockFile(name.c_str(), true);
     Fio_LockFile(name.c_str(), false);
+    Fio_LockFile(name.c_str(), true);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
+    EXPECT_EQ(Fio_LockCount(name.c_str(), true), 1);
+    EXPECT_TRUE(HeldAgainstWriters(name));
+    // While the exclusive lock stands not even this process gets through.
     const auto failure = FileFailureOf([&] { Fio_Open(name.c_str(), FIO_WRITE | FIO_KEEP); });
     EXPECT_EQ(failure.operation, XFILEOP_LOCK);
     EXPECT_EQ(FileFailureOf([&] { Fio_IsWritableFile(name.c_str()); }).operation, XFILEOP_LOCK);
@@ -117,16 +115,17 @@ TEST_F(FileLocks, AnExclusiveLockKeepsEvenThisProcessOut) {
 }
 
 TEST_F(FileLocks, TheSwitchOnlyConcernsMemoryNames) {
-    EXPECT_EQ(Fio_EnableLocking(0), 1);
-    EXPECT_EQ(Fio_EnableLocking(1), 0);
-    Fio_ChangeNELock(name.c_str(), true);  // no entry: nothing happens
-    Fio_ChangeNELock(name.c_str(), false);
+    struct SwitchedOff {
+        SwitchedOff() { EXPECT_EQ(Fio_EnableLocking(0), 1); }
+        ~SwitchedOff() { EXPECT_EQ(Fio_EnableLocking(1), 0); }
+    } switchedOff;
     WriteContent(name, "x");
-    Fio_EnableLocking(0);
     Fio_LockFile(name.c_str(), false);
     EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
+    EXPECT_TRUE(HeldAgainstWriters(name));
     Fio_UnlockFile(name.c_str(), false);
-    Fio_EnableLocking(1);
+    Fio_LockFile(KTW("fmem::1000,20"), false);
+    EXPECT_EQ(Fio_LockCount(KTW("fmem::1000,20"), false), 0);
 }
 
 TEST_F(FileLocks, AnotherProcessCanNotWriteALockedFile) {

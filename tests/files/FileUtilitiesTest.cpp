@@ -7,7 +7,9 @@
 #include "kticore/files/FileUtilities.h"
 #include "platform/FileSystem.h"
 #include "tests/support/Counted.h"
+#include "tests/files/InDirectory.h"
 #include "tests/support/ScratchDirectory.h"
+#include "tests/support/TestHelper.h"
 
 namespace {
 
@@ -34,16 +36,12 @@ TEST_F(FileUtilities, CreateDirectoryMakesEveryMissingLevel) {
 }
 
 TEST_F(FileUtilities, CreateDirectoryOfABareWordUsesTheCurrentDirectory) {
-    KTWCHAR previous[512];
-    Fio_GetCurrentDirectory(previous, 512);
-    Fio_SetCurrentDirectory(scratch.Path().c_str());
-    Fio_CreateDirectory(KTW("bare"));
-    KTWCHAR current[512];
-    Fio_GetCurrentDirectory(current, 512);
-    Fio_SetCurrentDirectory(previous);
-    EXPECT_EQ(Fio_IsFileExist((scratch / KTW("bare")).c_str()), 1);
-    EXPECT_NE(kt::test::Wide(current).find(scratch.Path().substr(scratch.Path().size() - 8)),
-              WideString::npos);
+    {
+        const kt::test::InDirectory here(scratch.Path());
+        Fio_CreateDirectory(KTW("bare"));
+    }
+    WriteContent(scratch / KTW("bare/inside"), "a directory holds files");
+    EXPECT_EQ(kt::test::ContentOf(scratch / KTW("bare/inside")), "a directory holds files");
 }
 
 TEST_F(FileUtilities, CreateDirectoryFailsWhereALevelCanNotBeMade) {
@@ -164,11 +162,73 @@ TEST_F(FileUtilities, AccessAndOwnerOfAFileOfOurOwn) {
 
 TEST_F(FileUtilities, NullNamesFailCleanly) {
     EXPECT_EQ(Fio_IsFileExist(nullptr), 0);
+    // The code is the system's answer for the name, not an earlier call's.
+    kt::sys::SetLastFileError(kt::sys::kErrorSharingViolation);
+    FioFileInfo info;
+    const auto noInfo = FileFailureOf([&] { Fio_GetFileInfo(nullptr, &info); });
+    EXPECT_EQ(noInfo.code, XE_PATH_NOT_FOUND);
+    EXPECT_EQ(noInfo.operation, XFILEOP_FILE_INFO);
     EXPECT_EQ(FileFailureOf([] { Fio_DeleteFile(nullptr); }).operation, XFILEOP_DELETE);
     EXPECT_EQ(FileFailureOf([] { Fio_OpenOut(nullptr, 0); }).code, XE_PATH_NOT_FOUND);
-    Fio_LockFile(nullptr, false);
-    EXPECT_EQ(Fio_LockCount(nullptr, false), 0);
-    Fio_ChangeNELock(nullptr, true);
+    EXPECT_NO_THROW(Fio_LockFile(nullptr, false));
+    EXPECT_EQ(Fio_LockCount(KTW(""), false), 0);  // no entry under any name
+    EXPECT_NO_THROW(Fio_ChangeNELock(nullptr, true));
+    EXPECT_NO_THROW(Fio_ChangeNELock(nullptr, false));
+}
+
+// Reserved device names go to the system as they are, in every function of
+// the family, and the native build answers what Windows does. NUL is a device
+// on every machine: it opens as an empty file. Whether a console, a printer
+// or a serial port stands behind the other names is up to the machine, so
+// for them only what holds either way is pinned.
+TEST_F(FileUtilities, ReservedDeviceNamesNameDevicesNotFiles) {
+    const struct {
+        const KTWCHAR* leaf;
+        bool isNull;
+    } devices[] = {{KTW("CON"), false}, {KTW("NUL"), true},  {KTW("prn"), false},
+                   {KTW("AUX"), false}, {KTW("com1"), false}, {KTW("LPT1.log"), false},
+                   {KTW("nul.txt"), true}};
+    const WideString plain = scratch / KTW("plain"), copy = scratch / KTW("copy");
+    WriteContent(plain, "data");
+    for (const auto& device : devices) {
+        const WideString name = scratch / device.leaf;
+        SCOPED_TRACE(kt::test::Narrow(name));
+        // Found, with no size and the zero file time.
+        EXPECT_EQ(Fio_IsFileExist(name.c_str()), 1);
+        FioFileInfo info;
+        Fio_GetFileInfo(name.c_str(), &info);
+        EXPECT_EQ(info.size, 0u);
+        EXPECT_EQ(info.year * 10000 + info.month * 100 + info.day, 16010101u);
+        // Nothing to map for writing, no file to copy from or to delete.
+        const auto written = FileFailureOf([&] { Fio_Open(name.c_str(), FIO_WRITE); });
+        EXPECT_EQ(written.operation, XFILEOP_WRITE);
+        const auto copied = FileFailureOf([&] { Fio_CopyFile(name.c_str(), copy.c_str(), 0); });
+        EXPECT_EQ(copied.operation, XFILEOP_COPY);
+        EXPECT_EQ(copied.name, name);
+        EXPECT_EQ(Fio_IsFileExist(copy.c_str()), 0);
+        EXPECT_EQ(FileFailureOf([&] { Fio_DeleteFile(name.c_str()); }).operation, XFILEOP_DELETE);
+        if (!device.isNull)
+            continue;
+        {
+            Ref<IXFile> empty(Fio_Open(name.c_str(), 0));
+            char byte;
+            EXPECT_EQ(empty->GetLength(), 0u);
+            EXPECT_EQ(empty->Read(&byte, 1), 0u);
+        }
+        Fio_CopyFile(plain.c_str(), name.c_str(), 1);  // swallowed
+        Fio_LockFile(name.c_str(), false);
+        EXPECT_EQ(Fio_LockCount(name.c_str(), false), 1);
+        Fio_UnlockFile(name.c_str(), false);
+        // An output file is written beside it, but it can not take its place.
+        EXPECT_EQ(Fio_IsWritableFile(name.c_str()), 1);
+        Ref<IXOutFile> out(Fio_OpenOut(name.c_str(), 0));
+        out->WriteString("lost");
+        const auto commit = FileFailureOf([&] { out->Commit(); });
+        EXPECT_EQ(commit.operation, XFILEOP_DELETE);
+        EXPECT_EQ(commit.code, XE_GENERIC);
+        EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0);
+    }
+    EXPECT_EQ(kt::test::ContentOf(plain), "data");
 }
 
 TEST_F(FileUtilities, UrlsAreRecognisedAndLeaveTheFileLayer) {
@@ -176,13 +236,10 @@ TEST_F(FileUtilities, UrlsAreRecognisedAndLeaveTheFileLayer) {
     EXPECT_EQ(Fio_PathIsURL(KTW("c:\\file.txt")), 0);
     EXPECT_EQ(Fio_PathIsURL(KTW("relative/file.txt")), 0);
     EXPECT_EQ(Fio_PathIsURL(nullptr), 0);
+    // Opened as a URL, not as a file of that name: the failure is the open's.
     const WideString url = KTW("ftp://127.0.0.1:1/none.txt");
-    const auto open = FileFailureOf([&] { Fio_Open(url.c_str(), 0); });
-    EXPECT_EQ(open.operation, XFILEOP_OPEN);
-    EXPECT_EQ(open.name, url);
+    EXPECT_EQ(FileFailureOf([&] { Fio_Open(url.c_str(), 0); }).operation, XFILEOP_OPEN);
     EXPECT_EQ(FileFailureOf([&] { Fio_OpenOut(url.c_str(), 0); }).operation, XFILEOP_OPEN);
-    EXPECT_EQ(Fio_IsFileExist(url.c_str()), 0);
-    Fio_DeleteFile(url.c_str());  // its result is dropped
 }
 
 }  // namespace

@@ -243,9 +243,6 @@ TEST_F(MappedFile, BadNamesFailWithTheirCodes) {
     expect(scratch / WideString(512 - scratch.Path().size() - 1, 'n'), 0, XE_PATH_NOT_FOUND,
            XFILEOP_READ);
     expect(scratch / KTW("missing.bin"), 0, XE_FILE_NOT_FOUND, XFILEOP_READ);
-    expect(KTW("NUL"), 0, XE_PATH_NOT_FOUND, XFILEOP_READ);  // devices are no files
-    expect(scratch / KTW("con.txt"), FIO_WRITE, XE_PATH_NOT_FOUND, XFILEOP_WRITE);
-    expect(scratch / KTW("Com7"), FIO_WRITE, XE_PATH_NOT_FOUND, XFILEOP_WRITE);
     expect(scratch / KTW("no/such/directory.bin"), FIO_WRITE, XE_PATH_NOT_FOUND, XFILEOP_WRITE);
     expect(scratch.Path(), 0, XE_ACCESS_DENIED, XFILEOP_READ);
     WriteContent(name, "read-only");

@@ -49,6 +49,8 @@ TEST_F(MemoryFile, SpellingsOfOneNameReachOneBlock) {
     EXPECT_EQ(Content(Named(KTW("FMEM::"), KTW("."), KTW(""))), expected);
     EXPECT_EQ(Content(Named(KTW("fmem::,"), KTW(",,"), KTW(","))), expected);
     EXPECT_EQ(Content(Named(KTW("Fmem::"), KTW(","), KTW(",99"))), expected);
+    // White space before a number is skipped, all of it, as the runtime does.
+    EXPECT_EQ(Content(Named(KTW("fmem::\n\x3000"), KTW(",\r\v\x00A0+"), KTW(""))), expected);
 }
 
 TEST_F(MemoryFile, ReadsInPlaceAndSeeksWithinTheBlock) {

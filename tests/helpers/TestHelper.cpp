@@ -5,7 +5,8 @@
 //   writable NAME         the exit code is Fio_IsWritableFile(NAME)
 //   hold NAME MS          lock NAME non-exclusively, make NAME.held, wait MS
 //   commit-loop NAME SIZE replace NAME again and again by SIZE bytes of one
-//                         letter, the next letter each time, until killed
+//                         letter, the next letter each time, until killed;
+//                         after the N-th commit make the empty file NAME.N
 //   pass-through IN OUT   read the stored variant in file IN and store it in
 //                         file OUT, in a process that registers no class
 #include <chrono>
@@ -46,6 +47,9 @@ void CommitLoop(const std::basic_string<KTWCHAR>& name, size_t size) {
         out->Write(content.data(), static_cast<DWORD>(size));
         out->Commit();
         out->Release();
+        const std::string count = "." + std::to_string(generation + 1);
+        const std::basic_string<KTWCHAR> marker = name + Wide(count.c_str());
+        Fio_Open(marker.c_str(), FIO_WRITE)->Release();
     }
 }
 
