@@ -84,12 +84,15 @@ void* CHeap::Realloc(void* block, size_t newSize) {
     return moved;
 }
 
-// The size as a signed 32-bit number, as the interface reports sizes.
+// The size as a signed 32-bit number, as the interface reports sizes. The
+// header comes off in 32 bits without a sign, so that the blocks just under
+// 2 GiB wrap as the 32-bit arithmetic of the interface does.
 size_t CHeap::GetBlockSize(void* block) {
     CHeap* owner = OwnerOf(block);
     const auto systemSize =
-        static_cast<std::int32_t>(sys::BlockSize(owner->handle, SystemBlockOf(block)));
-    return static_cast<size_t>(systemSize - static_cast<std::int32_t>(kBlockHeaderSize));
+        static_cast<std::uint32_t>(sys::BlockSize(owner->handle, SystemBlockOf(block)));
+    return static_cast<size_t>(
+        static_cast<std::int32_t>(systemSize - static_cast<std::uint32_t>(kBlockHeaderSize)));
 }
 
 size_t CHeap::GetHeaderSize(size_t) { return kBlockHeaderSize; }
