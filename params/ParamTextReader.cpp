@@ -114,15 +114,16 @@ private:
             ++text;
         current.Reset(root);
         root->AddRef();
-        while (text < end) {
+        if (text == end)
+            return;
+        // Every `\` splits, a last one too: it leaves a part with an empty name.
+        for (bool more = true; more && current;) {
             char* part = text;
             while (text < end && *text != '\\')
                 text = const_cast<char*>(scan.NextChar(text, end));
-            *text = 0;
+            more = text < end;
+            *text++ = 0;
             current.Reset(current->GetSection(part, 1));
-            if (!current)
-                return;
-            ++text;
         }
     }
 
