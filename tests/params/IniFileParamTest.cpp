@@ -160,6 +160,10 @@ TEST_F(IniFileParam, CarriesEveryKindUpToBlobsBetweenMemoryAndTheFile) {
     EXPECT_EQ(Param_Cmp(memory.get(), back.get()), 0);
     EXPECT_EQ(ValueAt(k.get(), "object").vt, kMissing);
     EXPECT_EQ(ValueAt(k.get(), "wide").vt, kMissing);
+    Ref<IParam> kept(memory->GetSection("k", 0));
+    kept->DeleteValue("object");
+    kept->DeleteValue("wide");
+    EXPECT_EQ(Param_Cmp(memory.get(), back.get()), 1);
 
     // A text loses its trailing blanks: the platform trims every value.
     Set(profile.get(), "trailing", CKTVariant("text  "));
