@@ -36,7 +36,7 @@ bool HoldsLineEnd(const std::string& text) { return text.find_first_of("\r\n") !
 bool FitsKeyName(const char* name) {
     const std::string text(name);
     return text.find('=') == std::string::npos && !HoldsLineEnd(text) && text[0] != '[' &&
-           text[0] != ';';
+           text[0] != ';' && text.size() <= sys::kLongestProfileText;
 }
 
 bool FitsSectionName(const std::string& name) {
@@ -123,9 +123,13 @@ std::string CIniFileParam::SectionBelow(const char* path) const {
     return (isRoot ? section : section + '\\') + (path != nullptr ? path : "");
 }
 
+IParam* CIniFileParam::OpenBelow(const char* path) {
+    return new CIniFileParam(file.c_str(), section.c_str(), path != nullptr ? path : "", this);
+}
+
 IParam* CIniFileParam::CreateSection(const char* path) {
     DeleteSection(path);
-    return new CIniFileParam(file.c_str(), section.c_str(), path != nullptr ? path : "", this);
+    return OpenBelow(path);
 }
 
 IParam* CIniFileParam::GetSection(const char* path, int create) {
@@ -133,12 +137,17 @@ IParam* CIniFileParam::GetSection(const char* path, int create) {
     std::vector<char> keys(kReadBuffer);
     if (!FitsSectionName(name) ||
         sys::ReadProfileKeyNames(name.c_str(), keys.data(), kReadBuffer, file.c_str()) == 0)
-        return create != 0 ? CreateSection(path) : nullptr;
-    return new CIniFileParam(file.c_str(), section.c_str(), path != nullptr ? path : "", this);
+        return create != 0 ? OpenBelow(path) : nullptr;  // sections below it stay
+    return OpenBelow(path);
 }
 
+// A section that has only sections below it in the file, and no keys of its
+// own, is still listed as a child: it is opened for its removal, so that
+// nothing below a deleted or cleared section stays behind.
 void CIniFileParam::DeleteSection(const char* path) {
     Held<IParam> found(GetSection(path, 0));
+    if (!found && HasSectionsBelow(SectionBelow(path)))
+        found.Reset(OpenBelow(path));
     if (found)
         found->Clear();
 }
@@ -148,6 +157,20 @@ void CIniFileParam::DeleteAllSections() {
     const char* name = nullptr;
     while (names->Next(1, &name, nullptr))
         DeleteSection(name);
+}
+
+std::string CIniFileParam::AllSectionNames() const {
+    std::vector<char> buffer(kReadBuffer);
+    return ListedNames(buffer, sys::ReadProfileSectionNames(buffer.data(), kReadBuffer, file.c_str()));
+}
+
+bool CIniFileParam::HasSectionsBelow(const std::string& name) const {
+    const std::string all = AllSectionNames();
+    for (const char* listed = all.data(); *listed != 0; listed += std::strlen(listed) + 1)
+        if (std::strlen(listed) > name.size() && listed[name.size()] == '\\' &&
+            CompareNoCase(std::string(listed, name.size()).c_str(), name.c_str()) == 0)
+            return true;
+    return false;
 }
 
 int CIniFileParam::GetValue(const char* path, tagKTVARIANT* value) {
@@ -212,22 +235,12 @@ CTEnum<const char*>* CIniFileParam::EnumValues() {
 }
 
 void CIniFileParam::Clear() {
-    {
-        Held<CTEnum<const char*>> names(EnumSections());
-        const char* name = nullptr;
-        while (names->Next(1, &name, nullptr)) {
-            Held<IParam> child(GetSection(name, 0));
-            if (child)
-                child->Clear();
-        }
-    }
+    DeleteAllSections();
     sys::DeleteProfileSection(section.c_str(), file.c_str());
 }
 
 CTEnum<const char*>* CIniFileParam::EnumSectionsImpl() {
-    std::vector<char> buffer(kReadBuffer);
-    const std::string all =
-        ListedNames(buffer, sys::ReadProfileSectionNames(buffer.data(), kReadBuffer, file.c_str()));
+    const std::string all = AllSectionNames();
     std::string children;
     std::vector<std::string> seen;
     for (const char* name = all.data(); *name != 0; name += std::strlen(name) + 1) {

@@ -46,8 +46,16 @@ public:
     virtual IParam* GetParent();
 
 private:
+    // A new object on the section `path` below this one, which it writes
+    // when the file lacks it.
+    IParam* OpenBelow(const char* path);
     // The full name of the section `path` below this one.
     std::string SectionBelow(const char* path) const;
+    // Every section name of the file, as a block of zero-terminated names
+    // that ends with an empty one.
+    std::string AllSectionNames() const;
+    // Whether the file has a section deeper below the full name `name`.
+    bool HasSectionsBelow(const std::string& name) const;
 
     CRegisteredInterfaces registered;
     ULONG refCount = 1;

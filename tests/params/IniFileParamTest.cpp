@@ -95,6 +95,18 @@ TEST_F(IniFileParam, DeletingValuesKeepsTheMarkerAndClearingRemovesTheSection) {
     EXPECT_TRUE(SectionNames(root.get()).empty());
 }
 
+// "x" is listed for "[\x\y]" alone, and deleting or clearing it takes that
+// away too.
+TEST_F(IniFileParam, DeletingASectionTakesDeeperSectionsWithoutKeysBetween) {
+    auto root = Open();
+    Set(root.get(), "x\\y\\v", CKTVariant(1));
+    Set(root.get(), "p\\q\\w", CKTVariant(2));
+    root->DeleteSection("x");
+    EXPECT_EQ(SectionNames(root.get()), Names{"p"});
+    root->Clear();
+    EXPECT_EQ(Content(), "");
+}
+
 TEST_F(IniFileParam, ListsDirectChildrenOfDeeperSectionsOnce) {
     WriteContent(file,
                  "[\\]\r\n@=e\r\n[\\a\\b]\r\nk=i1\r\n[\\a\\c\\d]\r\n@=e\r\n[\\A\\B]\r\nk=i2\r\n"
