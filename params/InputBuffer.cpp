@@ -1,5 +1,7 @@
 #include "params/InputBuffer.h"
 
+#include <cstring>
+
 #include "platform/MultiByte.h"
 
 namespace kt::params {
@@ -45,6 +47,31 @@ void CInputBuffer::TrimEnd() {
     end = last;
 }
 
+// Copies up to the next `|` or the end of the physical line, without the
+// zero bytes, and moves `cur` there.
+int CInputBuffer::CopyPiece(char* line, int maxChars) {
+    const char* stop = end + 1;
+    if (!scan.HasLeadBytes()) {
+        const void* bar = std::memchr(cur, '|', static_cast<size_t>(stop - cur));
+        if (bar != nullptr)
+            stop = static_cast<const char*>(bar);
+        const auto size = static_cast<size_t>(stop - cur);
+        if (size <= static_cast<size_t>(maxChars) && std::memchr(cur, 0, size) == nullptr) {
+            std::memcpy(line, cur, size);
+            cur += size;
+            return static_cast<int>(size);
+        }
+    }
+    int length = 0;
+    while (cur <= end && *cur != '|') {
+        const char* next = scan.NextChar(cur, end + 1);
+        for (; cur < next; ++cur)
+            if (*cur != 0 && length < maxChars)
+                line[length++] = *cur;
+    }
+    return length;
+}
+
 int CInputBuffer::ReadLine(char* line, int maxChars) {
     for (;;) {
         if (cur > end && !FetchPhysicalLine())
@@ -57,13 +84,7 @@ int CInputBuffer::ReadLine(char* line, int maxChars) {
             cur = end + 1;
             continue;
         }
-        int length = 0;
-        while (cur <= end && *cur != '|') {
-            const char* next = scan.NextChar(cur, end + 1);
-            for (; cur < next; ++cur)
-                if (*cur != 0 && length < maxChars)
-                    line[length++] = *cur;
-        }
+        const int length = CopyPiece(line, maxChars);
         line[length] = 0;
         if (length != 0)
             return length;

@@ -58,6 +58,7 @@ public:
 private:
     bool IsSkipped(char byte) const;
     bool FetchPhysicalLine();
+    int CopyPiece(char* line, int maxChars);
     // Moves `end` back over blanks and `|` that end the physical line.
     void TrimEnd();
 

@@ -80,6 +80,17 @@ bool ReadReals(const char* text, double (&numbers)[N]) {
     return true;
 }
 
+// The value of a hexadecimal digit in either case, or -1.
+int HexDigitValue(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    return -1;
+}
+
 // Digits, a byte's high half first; other characters are skipped but still
 // count in the size, and leave zero bytes at the end.
 KTBlob ReadBlob(const char* text) {
@@ -87,12 +98,10 @@ KTBlob ReadBlob(const char* text) {
     KTBlob blob(static_cast<unsigned long>((length + 1) / 2));
     size_t digits = 0;
     for (; *text != 0; ++text) {
-        const char upper = *text >= 'a' && *text <= 'z' ? static_cast<char>(*text - 'a' + 'A') : *text;
-        const char* digit = std::strchr(kHexDigits, upper);
-        if (upper == 0 || digit == nullptr)
+        const int half = HexDigitValue(*text);
+        if (half < 0)
             continue;
-        const auto half = static_cast<unsigned char>(digit - kHexDigits);
-        blob.data[digits / 2] |= digits % 2 == 0 ? static_cast<unsigned char>(half << 4) : half;
+        blob.data[digits / 2] |= static_cast<unsigned char>(digits % 2 == 0 ? half << 4 : half);
         ++digits;
     }
     return blob;
@@ -113,17 +122,11 @@ bool ReadBoolean(const char* text, ULONG& value) {
 }
 
 bool ReadByte(const char* text, unsigned char& value) {
-    if (text[0] == 0 || text[1] == 0)
+    const int high = HexDigitValue(text[0]);
+    const int low = high < 0 ? -1 : HexDigitValue(text[1]);
+    if (low < 0)
         return false;
-    unsigned number = 0;
-    for (int i = 0; i < 2; ++i) {
-        const char upper = text[i] >= 'a' && text[i] <= 'f' ? static_cast<char>(text[i] - 32) : text[i];
-        const char* digit = std::strchr(kHexDigits, upper);
-        if (digit == nullptr)
-            return false;
-        number = number * 16 + static_cast<unsigned>(digit - kHexDigits);
-    }
-    value = static_cast<unsigned char>(number);
+    value = static_cast<unsigned char>(high << 4 | low);
     return true;
 }
 

@@ -173,10 +173,13 @@ void CMemParam::SetValue(const char* path, const tagKTVARIANT* value) {
         return;
     }
     const char* name = ValueName(kRules, path);
-    const CKTVariant stored(value != nullptr ? CKTVariant(value) : CKTVariant());
     if (values.Find(name) == nullptr)
         valueNames.Append(name);
-    values.Set(name, stored);
+    // The entry takes the new spelling of the name, then one copy of the value.
+    values.Set(name, CKTVariant());
+    CKTVariant& stored = *values.Find(name);
+    if (value != nullptr)
+        stored = value;
 }
 
 void CMemParam::DeleteValue(const char* name) {
