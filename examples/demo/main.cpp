@@ -311,6 +311,36 @@ void Files() {
     memory->Release();
 }
 
+// Settings kept in a private profile file: a tree made in memory goes to the
+// file, comes back into memory and compares equal.
+void ProfileFile() {
+    Step("Settings in a private profile file");
+    const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
+    const std::basic_string<KTWCHAR> name = temporary + KTW(".ini");
+    IParam* settings = new_MemParam();
+    const CKTVariant width(640), title("kticore demo"), on(1, KTVT_BOOL);
+    settings->SetValue("Width", &width);
+    settings->SetValue("Window\\Title", &title);
+    settings->SetValue("Window\\Maximised", &on);
+
+    IParam* file = new_IParamIniFile(name.c_str());
+    Param_CopyTo(settings, file);
+    IXFile* text = Fio_Open(name.c_str(), 0);
+    char line[128];
+    while (text->ReadLine(line, 126) > 0)
+        std::printf("   %s", line);
+    text->Release();
+
+    IParam* back = new_MemParam();
+    Param_CopyTo(file, back);
+    std::printf("   read back into memory, the same settings: %d\n", Param_Cmp(settings, back));
+    back->Release();
+    file->Release();
+    settings->Release();
+    Fio_DeleteFile(name.c_str());
+    Fio_DeleteFile(temporary.c_str());
+}
+
 }  // namespace
 
 // The factory of the demo's class, found by the registry among the
@@ -333,6 +363,7 @@ int main() {
     Values();
     StoredObjects();
     Files();
+    ProfileFile();
     std::printf("\ndone\n");
     return 0;
 }

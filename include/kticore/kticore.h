@@ -18,5 +18,8 @@
 #include "kticore/files/FileUtilities.h"
 #include "kticore/objects/Persist.h"
 #include "kticore/objects/Registry.h"
+#include "kticore/params/IniFileParam.h"
+#include "kticore/params/Param.h"
+#include "kticore/params/ParamTools.h"
 #include "kticore/streams/Stream.h"
 #include "kticore/values/Variant.h"

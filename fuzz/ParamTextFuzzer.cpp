@@ -1,0 +1,133 @@
+// The text reader on arbitrary bytes. The input holds up to four files, each
+// behind a line "FILE"; a token "@0" to "@3" in a file becomes the memory name
+// of that file, so includes (a file including itself among them) resolve to
+// memory names. Whatever tree comes out must survive a trip through the
+// stream form byte for byte.
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "kticore/core/Exception.h"
+#include "kticore/files/File.h"
+#include "kticore/params/ParamTools.h"
+#include "tests/support/LowBlock.h"
+
+namespace {
+
+constexpr size_t kFiles = 4;
+constexpr size_t kBlockSize = 4u << 20;
+const std::string kFileSeparator = "\nFILE\n";
+
+void Check(bool condition) {
+    if (!condition)
+        std::abort();
+}
+
+// Where the files lie: memory names carry 32-bit addresses.
+kt::test::LowBlock& Block() {
+    static kt::test::LowBlock block(kBlockSize);
+    Check(block.data != nullptr);
+    return block;
+}
+
+std::string MemoryName(size_t offset, size_t size) {
+    return "fmem::" + std::to_string(reinterpret_cast<std::uintptr_t>(Block().data) + offset) + "," +
+           std::to_string(size);
+}
+
+std::vector<std::string> SplitFiles(const std::uint8_t* data, size_t size) {
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    std::vector<std::string> files;
+    size_t at = 0;
+    while (files.size() + 1 < kFiles) {
+        const size_t cut = input.find(kFileSeparator, at);
+        if (cut == std::string::npos)
+            break;
+        files.push_back(input.substr(at, cut - at));
+        at = cut + kFileSeparator.size();
+    }
+    files.push_back(input.substr(at));
+    return files;
+}
+
+// Lays the files out in the block, the tokens replaced by memory names of a
+// fixed width, so that the final sizes are known before the text is made.
+std::vector<std::string> LayOut(std::vector<std::string> files) {
+    constexpr size_t kNameWidth = 32;
+    const auto token = [](size_t i) { return "@" + std::to_string(i); };
+    std::vector<size_t> sizes(files.size());
+    for (size_t i = 0; i < files.size(); ++i) {
+        size_t tokens = 0;
+        for (size_t j = 0; j < files.size(); ++j)
+            for (size_t at = files[i].find(token(j)); at != std::string::npos; at = files[i].find(token(j), at + 2))
+                ++tokens;
+        sizes[i] = files[i].size() + tokens * (kNameWidth - 2);
+    }
+    std::vector<size_t> offsets(files.size());
+    for (size_t i = 1; i < files.size(); ++i)
+        offsets[i] = offsets[i - 1] + sizes[i - 1];
+    std::vector<std::string> names;
+    for (size_t i = 0; i < files.size(); ++i) {
+        std::string name = MemoryName(offsets[i], sizes[i]);
+        name.resize(kNameWidth, ' ');
+        names.push_back(name);
+    }
+    for (std::string& file : files)
+        for (size_t j = 0; j < names.size(); ++j)
+            for (size_t at = file.find(token(j)); at != std::string::npos; at = file.find(token(j), at + kNameWidth))
+                file.replace(at, 2, names[j]);
+    return files;
+}
+
+std::vector<std::uint8_t> Saved(IParam* tree) {
+    IXStream* stream = new_StreamOnMemory();
+    std::vector<std::uint8_t> bytes;
+    try {
+        Check(SaveParamToXStream(stream, tree) == 1);
+        bytes.resize(stream->GetLength());
+        stream->Seek(0, 0);
+        if (!bytes.empty())
+            stream->Read(bytes.data(), static_cast<unsigned>(bytes.size()));
+    } catch (const CXException& failure) {
+        Check(failure.code == XE_BAD_ARGUMENT);  // a tree the stream form cannot carry
+        bytes.clear();
+    }
+    stream->Release();
+    return bytes;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
+    const std::vector<std::string> files = LayOut(SplitFiles(data, size));
+    size_t total = 0;
+    for (const std::string& file : files) {
+        if (total + file.size() > kBlockSize)
+            return 0;
+        std::copy(file.begin(), file.end(), Block().data + total);
+        total += file.size();
+    }
+    const std::string top = MemoryName(0, files[0].size());
+    const std::basic_string<KTWCHAR> name(top.begin(), top.end());
+    IParam* tree = new_MemParam();
+    try {
+        Check(Param_IniFile2Param(name.c_str(), tree) == 1);
+    } catch (const CXFileException&) {
+        // An included local file that failed while it was read.
+    }
+
+    const std::vector<std::uint8_t> first = Saved(tree);
+    if (!first.empty()) {
+        IXStream* stream = new_StreamOnMemory();
+        stream->Write(first.data(), static_cast<unsigned>(first.size()));
+        stream->Seek(0, 0);
+        IParam* loaded = new_MemParam();
+        Check(LoadParamFromXStream(stream, loaded) == 1);
+        Check(Saved(loaded) == first);
+        loaded->Release();
+        stream->Release();
+    }
+    tree->Release();
+    return 0;
+}

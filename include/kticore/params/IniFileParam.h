@@ -1,0 +1,12 @@
+// A parameter tree kept in a private profile file. Nothing is held in memory:
+// each call goes to the file, so two trees on one file see each other's
+// changes at once. Sections are flattened onto the file's sections by their
+// full path ("[\]" for the root, "[\a\b]" below it), and values are keys
+// whose text is the marked value text. Objects and wide text are not stored.
+#pragma once
+
+#include "kticore/params/Param.h"
+
+// The root of the tree in `file`, one reference for the caller. Opening a
+// section that the file lacks writes it, with its directory and the file.
+KTCORE_API IParam* new_IParamIniFile(const KTWCHAR* file);

@@ -1,0 +1,111 @@
+// The stream form of a tree: for each sub-section its name and its own form,
+// an empty name; for each value its name and the stored variant, an empty
+// name. No header, no lengths.
+#include <cstring>
+#include <memory>
+
+#include "kticore/core/Exception.h"
+#include "kticore/params/ParamTools.h"
+#include "params/Held.h"
+
+namespace {
+
+using kt::params::Held;
+using NameEnum = CTEnum<const char*>;
+
+// A name is read back with this limit, terminator included, and ends at a
+// zero byte or a line feed.
+constexpr int kNameLimit = 1024;
+// A memory stream's ReadLine writes up to two bytes behind the limit.
+constexpr int kNameBufferSize = kNameLimit + 2;
+
+// Sections nest no deeper than this in the stream form, on the way out and
+// on the way in, so that neither walks the stack out.
+constexpr int kNestingLimit = 1000;
+
+// A form nested deeper than the limit: the whole load fails.
+struct TooDeep {};
+
+// Whether a name comes back whole from the stream form.
+bool Storable(const char* name) {
+    return std::strlen(name) < kNameLimit - 1 && std::strchr(name, '\n') == nullptr;
+}
+
+void WriteName(IXStream* stream, const char* name) {
+    if (!Storable(name))
+        throw CXException(XE_BAD_ARGUMENT);
+    stream->WriteString(name);
+}
+
+int SaveLevel(IXStream* stream, IParam* param, int depth) {
+    if (depth > kNestingLimit)
+        throw CXException(XE_BAD_ARGUMENT);
+    Held<NameEnum> sections(param != nullptr ? param->EnumSections() : nullptr);
+    Held<NameEnum> values(param != nullptr ? param->EnumValues() : nullptr);
+    try {
+        const char* name = nullptr;
+        while (sections && sections->Next(1, &name, nullptr)) {
+            if (name == nullptr || *name == 0)
+                continue;
+            WriteName(stream, name);
+            Held<IParam> section(param->GetSection(name, 0));
+            SaveLevel(stream, section.get(), depth + 1);
+        }
+        stream->WriteString("");
+        while (values && values->Next(1, &name, nullptr)) {
+            WriteName(stream, name);
+            CKTVariant value;
+            param->GetValue(name, &value);
+            stream->WriteVariant(&value);
+        }
+        stream->WriteString("");
+        return 1;
+    } catch (const CXFileException&) {
+        return 0;
+    }
+}
+
+void Empty(IParam* param) {
+    param->DeleteAllSections();
+    param->DeleteAllValues();
+}
+
+int LoadLevel(IXStream* stream, IParam* param, char* name, int depth) {
+    Empty(param);
+    try {
+        const unsigned length = stream->GetLength();
+        if (length == 0)
+            return 1;
+        while (stream->GetPosition() < length && stream->ReadLine(name, kNameLimit) >= 2) {
+            if (depth >= kNestingLimit)
+                throw TooDeep();
+            Held<IParam> section(param->CreateSection(name));
+            LoadLevel(stream, section.get(), name, depth + 1);
+        }
+        while (stream->GetPosition() < length && stream->ReadLine(name, kNameLimit) >= 2) {
+            CKTVariant value;
+            stream->ReadVariant(&value);
+            param->SetValue(name, &value);
+        }
+    } catch (const CXEofException&) {
+        // A cut stream: what has been read stays.
+    } catch (const CXFileException&) {
+        Empty(param);
+        return 0;
+    }
+    return 1;
+}
+
+}  // namespace
+
+int SaveParamToXStream(IXStream* stream, IParam* param) { return SaveLevel(stream, param, 0); }
+
+int LoadParamFromXStream(IXStream* stream, IParam* param) {
+    const auto name = std::make_unique<char[]>(kNameBufferSize);
+    try {
+        return LoadLevel(stream, param, name.get(), 0);
+    } catch (const TooDeep&) {
+        Empty(param);
+        return 0;
+    }
+}

@@ -1,0 +1,69 @@
+// The Win32 implementation of the profile-file seam: the platform's own
+// functions, behind two guards that Wine needs.
+#include "platform/ProfileFile.h"
+
+#include <cstring>
+
+namespace kt::sys {
+
+namespace {
+
+// A name or text that is there and that the platform's functions take.
+bool Fits(const char* text) { return text != nullptr && std::strlen(text) <= kLongestProfileText; }
+
+// Nothing is read: the answer of a missing key or an empty list.
+DWORD Nothing(char* buffer, DWORD size) {
+    if (size > 0)
+        buffer[0] = 0;
+    return 0;
+}
+
+// Windows refuses to write a read-only file to everybody; Wine, run by a
+// privileged user, would write it.
+bool IsReadOnlyFile(const char* file) {
+    const DWORD attributes = ::GetFileAttributesA(file);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) &&
+           !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+// A null key or text asks for a removal.
+bool Write(const char* section, const char* key, const char* text, const char* file) {
+    if (!Fits(section) || (key != nullptr && !Fits(key)) || (text != nullptr && !Fits(text)) ||
+        IsReadOnlyFile(file))
+        return false;
+    return ::WritePrivateProfileStringA(section, key, text, file) != 0;
+}
+
+}  // namespace
+
+DWORD ReadProfileString(const char* section, const char* key, char* buffer, DWORD size,
+                        const char* file) {
+    if (!Fits(section) || !Fits(key))
+        return Nothing(buffer, size);
+    return ::GetPrivateProfileStringA(section, key, "", buffer, size, file);
+}
+
+DWORD ReadProfileKeyNames(const char* section, char* buffer, DWORD size, const char* file) {
+    if (!Fits(section))
+        return Nothing(buffer, size);
+    return ::GetPrivateProfileStringA(section, nullptr, "", buffer, size, file);
+}
+
+DWORD ReadProfileSectionNames(char* buffer, DWORD size, const char* file) {
+    return ::GetPrivateProfileStringA(nullptr, nullptr, "", buffer, size, file);
+}
+
+bool WriteProfileString(const char* section, const char* key, const char* text,
+                        const char* file) {
+    return key != nullptr && text != nullptr && Write(section, key, text, file);
+}
+
+bool DeleteProfileKey(const char* section, const char* key, const char* file) {
+    return key != nullptr && Write(section, key, nullptr, file);
+}
+
+bool DeleteProfileSection(const char* section, const char* file) {
+    return Write(section, nullptr, nullptr, file);
+}
+
+}  // namespace kt::sys

@@ -1,0 +1,234 @@
+// The tree in a private profile file: how it lies in the file, what it reads
+// back, what it cannot hold, and trees that cross to memory and back.
+#include <functional>
+#include <string>
+
+#include "kticore/core/Exception.h"
+#include "kticore/params/IniFileParam.h"
+#include "kticore/params/ParamTools.h"
+#include "platform/FileSystem.h"
+#include "tests/params/ParamTestSupport.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+using kt::test::ContentOf;
+using kt::test::Names;
+using kt::test::NewTree;
+using kt::test::Ref;
+using kt::test::ScratchDirectory;
+using kt::test::SectionNames;
+using kt::test::Set;
+using kt::test::ValueAt;
+using kt::test::ValueNames;
+using kt::test::WideString;
+using kt::test::WriteContent;
+
+constexpr unsigned short kMissing = 0xFFFF;  // the kind ValueAt gives a missing value
+
+CKTVariant Blob(unsigned long size) {
+    KTBlob blob(size);
+    for (unsigned long i = 0; i < size; ++i)
+        blob.data[i] = static_cast<unsigned char>(i * 7);
+    return CKTVariant(blob);
+}
+
+DWORD FailureOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const CXException& failure) {
+        return failure.code;
+    }
+    return XE_NONE;
+}
+
+class IniFileParam : public ::testing::Test {
+protected:
+    Ref<IParam> Open() { return Ref<IParam>(new_IParamIniFile(file.c_str())); }
+    std::string Content() { return ContentOf(file); }
+
+    ScratchDirectory directory;
+    WideString file = directory / KTW("tree.ini");
+};
+
+TEST_F(IniFileParam, OpeningMakesTheDirectoryTheFileAndTheRootsMarker) {
+    const WideString nested = directory / KTW("new/deeper/tree.ini");
+    Ref<IParam> root(new_IParamIniFile(nested.c_str()));
+    EXPECT_EQ(ContentOf(nested), "[\\]\r\n@=e\r\n");
+    EXPECT_EQ(ValueNames(root.get()), Names{"@"});
+    const CKTVariant marker = ValueAt(root.get(), "@");
+    EXPECT_EQ(marker.vt, KTVT_EMPTY);
+    EXPECT_EQ(root->QueryInterface(typeid(IRegisterIface), nullptr), 1);
+    EXPECT_EQ(root->QueryInterface(typeid(IParam), nullptr), 0);
+}
+
+TEST_F(IniFileParam, SectionsLieInTheFileByTheirFullPath) {
+    auto root = Open();
+    Set(root.get(), "Width", CKTVariant(640));
+    Set(root.get(), "Sub\\On", CKTVariant(1, KTVT_BOOL));
+    Set(root.get(), "x\\y\\Name", CKTVariant("sam"));
+    // The section of a value is made at its whole path: no "[\x]" here.
+    EXPECT_EQ(Content(),
+              "[\\]\r\n@=e\r\nWidth=i640\r\n[\\Sub]\r\n@=e\r\nOn=f1\r\n"
+              "[\\x\\y]\r\n@=e\r\nName=ssam\r\n");
+    EXPECT_EQ(SectionNames(root.get()), (Names{"Sub", "x"}));
+    EXPECT_EQ(root->GetSection("x", 0), nullptr);
+    Ref<IParam> y(root->GetSection("X\\Y", 0));
+    ASSERT_NE(y, nullptr);
+    EXPECT_TRUE(ValueAt(y.get(), "name") == CKTVariant("sam"));
+}
+
+TEST_F(IniFileParam, DeletingValuesKeepsTheMarkerAndClearingRemovesTheSection) {
+    auto root = Open();
+    Set(root.get(), "a\\v", CKTVariant(1));
+    Set(root.get(), "a\\b\\w", CKTVariant(2));
+    Ref<IParam> a(root->GetSection("a", 0));
+    a->DeleteAllValues();
+    EXPECT_EQ(ValueNames(a.get()), Names{"@"});
+    EXPECT_EQ(ValueAt(root.get(), "a\\b\\w").vt, KTVT_INT);
+
+    a->Clear();
+    EXPECT_EQ(Content(), "[\\]\r\n@=e\r\n");
+    Set(a.get(), "again", CKTVariant(3));  // the object stays usable
+    EXPECT_EQ(SectionNames(root.get()), Names{"a"});
+    root->DeleteSection("a");
+    EXPECT_TRUE(SectionNames(root.get()).empty());
+}
+
+// "x" is listed for "[\x\y]" alone, and deleting or clearing it takes that
+// away too.
+TEST_F(IniFileParam, DeletingASectionTakesDeeperSectionsWithoutKeysBetween) {
+    auto root = Open();
+    Set(root.get(), "x\\y\\v", CKTVariant(1));
+    Set(root.get(), "p\\q\\w", CKTVariant(2));
+    root->DeleteSection("x");
+    EXPECT_EQ(SectionNames(root.get()), Names{"p"});
+    root->Clear();
+    EXPECT_EQ(Content(), "");
+}
+
+TEST_F(IniFileParam, ListsDirectChildrenOfDeeperSectionsOnce) {
+    WriteContent(file,
+                 "[\\]\r\n@=e\r\n[\\a\\b]\r\nk=i1\r\n[\\a\\c\\d]\r\n@=e\r\n[\\A\\B]\r\nk=i2\r\n"
+                 "[\\q]\r\n@=e\r\n[foreign]\r\nk=1\r\n[\\abc]\r\n@=e\r\n");
+    auto root = Open();
+    // Names are told apart exactly here, though the file finds them either way.
+    EXPECT_EQ(SectionNames(root.get()), (Names{"a", "A", "q", "abc"}));
+    Ref<IParam> a(root->GetSection("a", 1));  // no "[\a]" yet: made with its marker
+    EXPECT_EQ(SectionNames(a.get()), (Names{"b", "c", "B"}));
+    EXPECT_EQ(static_cast<int>(ValueAt(root.get(), "a\\B\\k")), 1);  // the first section of the name
+}
+
+TEST_F(IniFileParam, ReadsOnlyMarkedTextAndClearsTheVariantOfAMissingValue) {
+    WriteContent(file, "[\\]\r\n@=e\r\nPort=8080\r\nName=sam\r\n");
+    auto root = Open();
+    EXPECT_EQ(ValueAt(root.get(), "Port").vt, kMissing);
+    EXPECT_TRUE(ValueAt(root.get(), "Name") == CKTVariant("am"));
+
+    CKTVariant kept(5);
+    EXPECT_EQ(root->GetValue("nosection\\v", &kept), 0);
+    EXPECT_EQ(static_cast<int>(kept), 5);
+    EXPECT_EQ(root->GetValue("novalue", &kept), 0);
+    EXPECT_EQ(kept.vt, KTVT_EMPTY);
+}
+
+TEST_F(IniFileParam, TwoTreesOnOneFileSeeEachOtherAtOnce) {
+    auto first = Open();
+    auto second = Open();
+    Set(first.get(), "s\\v", CKTVariant(1));
+    EXPECT_EQ(static_cast<int>(ValueAt(second.get(), "s\\v")), 1);
+    second->DeleteSection("s");
+    EXPECT_EQ(ValueAt(first.get(), "s\\v").vt, kMissing);
+}
+
+// The row of the profile file in the table of back ends: kinds 0 to 17 are
+// kept, objects and wide text are dropped without a word.
+TEST_F(IniFileParam, CarriesEveryKindUpToBlobsBetweenMemoryAndTheFile) {
+    kt::test::CCounted object;
+    auto memory = NewTree();
+    const tagRECT rect{1, 2, 30, 40};
+    const tagRRECT realRect{1, 2, 3, 4.25};
+    const CKTVariant values[] = {
+        CKTVariant(), CKTVariant(1, KTVT_BOOL), CKTVariant(static_cast<unsigned char>(0xA5)),
+        CKTVariant(static_cast<unsigned short>(65535)), CKTVariant(4294967295ul), CKTVariant(-5),
+        CKTVariant(7u), CKTVariant(-7l, KTVT_LONG), CKTVariant(1.5), CKTVariant(0.25f),
+        CKTVariant("  \"quoted\" text"), CKTVariant(tagSIZE{1, -2}), CKTVariant(tagRSIZE{1.5, 2}),
+        CKTVariant(tagPOINT{3, 4}), CKTVariant(tagRPOINT{0.5, -0.5}), CKTVariant(rect),
+        CKTVariant(realRect), Blob(1000)};
+    for (const CKTVariant& value : values)
+        Set(memory.get(), ("k\\kind" + std::to_string(value.vt)).c_str(), value);
+    Set(memory.get(), "k\\object", CKTVariant(static_cast<IKTUnknown*>(&object)));
+    Set(memory.get(), "k\\wide", CKTVariant(KTW("wide")));
+
+    auto profile = Open();
+    Param_CopyTo(memory.get(), profile.get());
+    auto back = NewTree();
+    Param_CopyTo(profile.get(), back.get());
+    back->DeleteValue("@");  // the root's marker
+    Ref<IParam> k(back->GetSection("k", 0));
+    k->DeleteValue("@");
+
+    EXPECT_EQ(Param_Cmp(back.get(), memory.get()), 1);
+    EXPECT_EQ(Param_Cmp(memory.get(), back.get()), 0);
+    EXPECT_EQ(ValueAt(k.get(), "object").vt, kMissing);
+    EXPECT_EQ(ValueAt(k.get(), "wide").vt, kMissing);
+    Ref<IParam> kept(memory->GetSection("k", 0));
+    kept->DeleteValue("object");
+    kept->DeleteValue("wide");
+    EXPECT_EQ(Param_Cmp(memory.get(), back.get()), 1);
+
+    // A text loses its trailing blanks: the platform trims every value.
+    Set(profile.get(), "trailing", CKTVariant("text  "));
+    EXPECT_TRUE(ValueAt(profile.get(), "trailing") == CKTVariant("text"));
+}
+
+TEST_F(IniFileParam, RefusesWhatTheFileCannotHoldAndLosesNothing) {
+    auto root = Open();
+    Set(root.get(), "keep", CKTVariant(1));
+    Set(root.get(), "big", Blob(16000));  // 32001 bytes of marked text
+    const std::string before = Content();
+
+    const std::string longPath(600, 'p');
+    const std::function<void()> refused[] = {
+        [&] { Set(root.get(), "line", CKTVariant("a\r\nkeep=i2")); },
+        [&] { Set(root.get(), "keep=x", CKTVariant(2)); },
+        [&] { Set(root.get(), "[x]", CKTVariant(2)); },
+        [&] { Set(root.get(), "big", Blob(16384)); },   // over the platform's longest text
+        [&] { Set(root.get(), "big", Blob(40000)); },   // past what the text form writes
+        [&] { Set(root.get(), (longPath + "\\v").c_str(), CKTVariant(2)); },
+        [&] { Ref<IParam>(root->CreateSection(longPath.c_str())); },
+        [&] { Ref<IParam>(root->GetSection("a\r\n[b]", 1)); },
+    };
+    for (const auto& action : refused)
+        EXPECT_EQ(FailureOf(action), static_cast<DWORD>(XE_BAD_ARGUMENT));
+    EXPECT_EQ(Content(), before);
+    EXPECT_EQ(root->GetSection(longPath.c_str(), 0), nullptr);
+    EXPECT_EQ(ValueAt(root.get(), (longPath + "\\v").c_str()).vt, kMissing);
+    EXPECT_TRUE(ValueAt(root.get(), "big") == Blob(16000));
+}
+
+TEST_F(IniFileParam, AReadOnlyFileKeepsItsValues) {
+    auto root = Open();
+    Set(root.get(), "v", CKTVariant(1));
+    ASSERT_TRUE(kt::sys::SetReadOnly(file.c_str(), true));
+    Set(root.get(), "v", CKTVariant(2));
+    Ref<IParam> added(root->CreateSection("added"));
+    EXPECT_EQ(static_cast<int>(ValueAt(root.get(), "v")), 1);
+    EXPECT_TRUE(SectionNames(root.get()).empty());
+    EXPECT_TRUE(kt::sys::SetReadOnly(file.c_str(), false));
+}
+
+TEST_F(IniFileParam, ListingsOverTheBufferGiveWholeNamesOnly) {
+    std::string text = "[\\]\r\n@=e\r\n";
+    for (int i = 0; i < 3000; ++i)
+        text += "[\\child" + std::to_string(10000 + i) + "_padded_to_a_good_length]\r\nk=i1\r\n";
+    WriteContent(file, text);
+    auto root = Open();
+    const Names children = SectionNames(root.get());
+    ASSERT_GT(children.size(), 1000u);
+    EXPECT_LT(children.size(), 3000u);
+    for (const std::string& name : children)
+        EXPECT_EQ(name.size(), std::string("child10000_padded_to_a_good_length").size()) << name;
+}
+
+}  // namespace

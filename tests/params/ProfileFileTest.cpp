@@ -1,0 +1,221 @@
+// The private profile functions as the profile-file parameters use them. The
+// same cases run on the Windows build against the platform's own functions
+// (Wine's) and natively against ours: passing on both is what shows that
+// ours behave alike.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "platform/FileSystem.h"
+#include "platform/ProfileFile.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+using kt::test::ContentOf;
+using kt::test::ScratchDirectory;
+using kt::test::WideString;
+using kt::test::WriteContent;
+
+// The listings and values are read into a buffer of this size, as the
+// parameters read them.
+constexpr DWORD kListing = 64000;
+constexpr char kUntouched = '#';
+
+std::vector<std::string> Names(const std::string& list) {
+    std::vector<std::string> names;
+    for (size_t start = 0; start < list.size();) {
+        const size_t end = std::min(list.find('\0', start), list.size());
+        names.push_back(list.substr(start, end - start));
+        start = end + 1;
+    }
+    return names;
+}
+
+class ProfileFile : public ::testing::Test {
+protected:
+    std::string Narrow(const WideString& name) { return std::string(name.begin(), name.end()); }
+
+    std::string Value(const char* section, const char* key, DWORD size = kListing) {
+        buffer.assign(size + 1, kUntouched);
+        const DWORD result = kt::sys::ReadProfileString(section, key, buffer.data(), size, file.c_str());
+        EXPECT_EQ(buffer[result], 0);
+        return buffer.substr(0, result);
+    }
+    std::vector<std::string> Keys(const char* section) {
+        buffer.assign(kListing, kUntouched);
+        return Names(buffer.substr(0, kt::sys::ReadProfileKeyNames(section, buffer.data(), kListing, file.c_str())));
+    }
+    std::vector<std::string> Sections() {
+        buffer.assign(kListing, kUntouched);
+        return Names(buffer.substr(0, kt::sys::ReadProfileSectionNames(buffer.data(), kListing, file.c_str())));
+    }
+    bool Write(const char* section, const char* key, const char* text) {
+        return kt::sys::WriteProfileString(section, key, text, file.c_str());
+    }
+    std::string Content() { return ContentOf(wideFile); }
+    void SetContent(const std::string& text) { WriteContent(wideFile, text); }
+
+    ScratchDirectory directory;
+    WideString wideFile = directory / KTW("settings.ini");
+    std::string file = Narrow(wideFile);
+    std::string buffer;
+};
+
+TEST_F(ProfileFile, MissingFileReadsEmptyAndIsNotMadeByReadsOrRemovals) {
+    EXPECT_EQ(Value("\\", "@"), "");
+    EXPECT_TRUE(Keys("\\").empty());
+    EXPECT_TRUE(Sections().empty());
+    EXPECT_EQ(buffer[0], 0);
+    EXPECT_TRUE(kt::sys::DeleteProfileKey("\\", "@", file.c_str()));
+    EXPECT_TRUE(kt::sys::DeleteProfileSection("\\", file.c_str()));
+    EXPECT_EQ(kt::sys::FileAttributes(wideFile.c_str()), kt::sys::kNoAttributes);
+}
+
+TEST_F(ProfileFile, FirstWriteMakesTheFileButNotItsDirectory) {
+    ASSERT_TRUE(Write("\\", "@", "e"));
+    EXPECT_EQ(Content(), "[\\]\r\n@=e\r\n");
+
+    const std::string nested = Narrow(directory / KTW("missing/settings.ini"));
+    EXPECT_FALSE(kt::sys::WriteProfileString("\\", "@", "e", nested.c_str()));
+    EXPECT_EQ(kt::sys::FileAttributes((directory / KTW("missing")).c_str()), kt::sys::kNoAttributes);
+}
+
+TEST_F(ProfileFile, ListsInFileOrderAndFindsNamesWithoutRegardToCase) {
+    ASSERT_TRUE(Write("\\", "@", "e"));
+    ASSERT_TRUE(Write("\\a", "Key", "v1"));
+    ASSERT_TRUE(Write("\\b", "zeta", "1"));
+    ASSERT_TRUE(Write("\\b", "alpha", "2"));
+    ASSERT_TRUE(Write("\\A", "KEY", "v2"));  // the existing key, in its place and spelling
+
+    EXPECT_EQ(Sections(), (std::vector<std::string>{"\\", "\\a", "\\b"}));
+    EXPECT_EQ(Keys("\\B"), (std::vector<std::string>{"zeta", "alpha"}));
+    EXPECT_EQ(Value("\\a", "key"), "v2");
+    EXPECT_EQ(Content(), "[\\]\r\n@=e\r\n[\\a]\r\nKey=v2\r\n[\\b]\r\nzeta=1\r\nalpha=2\r\n");
+}
+
+TEST_F(ProfileFile, ValuesComeBackAsThePlatformKeepsThem) {
+    struct Case {
+        const char* written;
+        const char* read;
+    };
+    const Case cases[] = {
+        {"=y=z", "=y=z"},                     // only the first "=" ends the name
+        {"   blanks \t ", "blanks"},          // blanks at both ends are lost
+        {"\"q v\"", "q v"},                   // enclosing quotes are taken off
+        {"'s'", "s"},
+        {"\"half", "\"half"},
+        {"s\"marked\"", "s\"marked\""},       // a marker in front protects quotes
+        {"s  lead", "s  lead"},               // ... and leading blanks
+        {"", ""},
+        {"\xe9\x81\x9d\xff", "\xe9\x81\x9d\xff"},  // bytes above 127 unchanged
+    };
+    for (const Case& c : cases) {
+        ASSERT_TRUE(Write("\\", "v", c.written)) << c.written;
+        EXPECT_EQ(Value("\\", "v"), c.read) << c.written;
+    }
+    ASSERT_TRUE(Write("\\", "  spaced  ", "sp"));
+    EXPECT_EQ(Keys("\\"), (std::vector<std::string>{"v", "spaced"}));
+    EXPECT_EQ(Value("\\", "spaced"), "sp");
+}
+
+TEST_F(ProfileFile, ReadsAForeignFileAndKeepsWhatItDoesNotUnderstand) {
+    SetContent(
+        "  [ \\x ]  \r\n ; comment line\r\n# hash line\r\nbare\r\n  spaced key  =  val  \r\n"
+        "k=first\r\nK=second\r\n[\\x]\r\nlater=1\r\n[nobackslash]\na=b\n[\\y]\nunix=1\n[\\z");
+
+    EXPECT_EQ(Sections(), (std::vector<std::string>{"\\x", "\\x", "nobackslash", "\\y"}));
+    EXPECT_EQ(Keys("\\x"), (std::vector<std::string>{"spaced key", "k", "K"}));
+    EXPECT_EQ(Value("\\x", "k"), "first");          // the first key of the name
+    EXPECT_EQ(Value("\\x", "later"), "");           // in the second section of the name
+    EXPECT_EQ(Value("\\x", "bare"), "");
+    EXPECT_EQ(Value("\\y", "unix"), "1");
+
+    ASSERT_TRUE(Write("\\x", "new", "n"));
+    EXPECT_EQ(Content(),
+              "[\\x]\r\n; comment line\r\n# hash line\r\nbare\r\nspaced key=val\r\nk=first\r\n"
+              "K=second\r\nnew=n\r\n[\\x]\r\nlater=1\r\n[nobackslash]\r\na=b\r\n[\\y]\r\nunix=1\r\n"
+              "[\\z\r\n");
+}
+
+TEST_F(ProfileFile, RemovesAKeyAndTheFirstSectionOfAName) {
+    SetContent("[\\a]\r\nk=1\r\n[\\b]\r\nj=2\r\n[\\A]\r\nk=3\r\nm=4\r\n");
+
+    ASSERT_TRUE(kt::sys::DeleteProfileSection("\\a", file.c_str()));
+    EXPECT_EQ(Value("\\a", "k"), "3");  // the second section of the name is found now
+    ASSERT_TRUE(kt::sys::DeleteProfileKey("\\a", "K", file.c_str()));
+    ASSERT_TRUE(kt::sys::DeleteProfileKey("\\a", "m", file.c_str()));
+    ASSERT_TRUE(kt::sys::DeleteProfileKey("\\a", "nosuch", file.c_str()));
+    EXPECT_TRUE(Keys("\\a").empty());
+    EXPECT_EQ(Sections(), (std::vector<std::string>{"\\b", "\\A"}));  // listed without keys
+
+    ASSERT_TRUE(kt::sys::DeleteProfileSection("\\a", file.c_str()));
+    ASSERT_TRUE(kt::sys::DeleteProfileSection("\\b", file.c_str()));
+    EXPECT_EQ(Content(), "");
+}
+
+TEST_F(ProfileFile, ShortBuffersAreCutInBounds) {
+    ASSERT_TRUE(Write("\\a", "k1", "v1"));
+    ASSERT_TRUE(Write("\\a", "k2", "v2"));
+    struct Case {
+        DWORD size;
+        DWORD result;
+        std::string bytes;  // the buffer up to and with buffer[result]
+    };
+    const Case lists[] = {
+        {1, 0, std::string("\0", 1)},        {2, 0, std::string("\0", 1)},
+        {3, 1, std::string("k\0", 2)},       {4, 2, std::string("k1\0", 3)},
+        {5, 3, std::string("k1\0\0", 4)},    {6, 4, std::string("k1\0k\0", 5)},
+        {7, 5, std::string("k1\0k2\0", 6)},  {8, 6, std::string("k1\0k2\0\0", 7)},
+    };
+    for (const Case& c : lists) {
+        buffer.assign(c.size + 1, kUntouched);
+        const DWORD result = kt::sys::ReadProfileKeyNames("\\a", buffer.data(), c.size, file.c_str());
+        EXPECT_EQ(result, c.result) << c.size;
+        EXPECT_EQ(buffer.substr(0, result + 1), c.bytes) << c.size;
+    }
+    buffer.assign(4, kUntouched);
+    EXPECT_EQ(kt::sys::ReadProfileKeyNames("\\a", buffer.data(), 0, file.c_str()), 0u);
+    EXPECT_EQ(kt::sys::ReadProfileString("\\a", "k1", buffer.data(), 0, file.c_str()), 0u);
+    EXPECT_EQ(buffer, std::string(4, kUntouched));
+    EXPECT_EQ(Value("\\a", "k1", 1), "");
+    EXPECT_EQ(Value("\\a", "k1", 2), "v");
+}
+
+TEST_F(ProfileFile, LongValuesAndListingsStayInBounds) {
+    const std::string longest(kt::sys::kLongestProfileText, 'L');
+    ASSERT_TRUE(Write("\\", "v", longest.c_str()));
+    EXPECT_EQ(Value("\\", "v"), longest);
+    const std::string tooLong = longest + "L";
+    EXPECT_FALSE(Write("\\", "v", tooLong.c_str()));
+    EXPECT_FALSE(Write("\\", tooLong.c_str(), "x"));
+    EXPECT_FALSE(Write(tooLong.c_str(), "k", "x"));
+    EXPECT_EQ(Value("\\", tooLong.c_str()), "");
+    EXPECT_EQ(Value("\\", "v"), longest);
+
+    // Another program's file may hold more than the buffer.
+    std::string text = "[\\long]\r\nv=" + std::string(70000, 'M') + "\r\n[\\many]\r\n";
+    for (int i = 0; i < 3000; ++i)
+        text += "[\\section" + std::to_string(10000 + i) + "_padded_to_a_good_length]\r\nk=" +
+                std::to_string(i) + "\r\n";
+    SetContent(text);
+    EXPECT_EQ(Value("\\long", "v"), std::string(kListing - 1, 'M'));
+    buffer.assign(kListing, kUntouched);
+    EXPECT_EQ(kt::sys::ReadProfileSectionNames(buffer.data(), kListing, file.c_str()), kListing - 2);
+    EXPECT_EQ(buffer[kListing - 2], 0);
+    EXPECT_EQ(Names(buffer.substr(0, 20)).front(), "\\long");
+}
+
+TEST_F(ProfileFile, AReadOnlyFileIsNotWritten) {
+    ASSERT_TRUE(Write("\\", "k", "old"));
+    ASSERT_TRUE(kt::sys::SetReadOnly(wideFile.c_str(), true));
+    EXPECT_FALSE(Write("\\", "k", "new"));
+    EXPECT_FALSE(kt::sys::DeleteProfileKey("\\", "k", file.c_str()));
+    EXPECT_FALSE(kt::sys::DeleteProfileSection("\\", file.c_str()));
+    EXPECT_EQ(Value("\\", "k"), "old");
+    EXPECT_TRUE(kt::sys::SetReadOnly(wideFile.c_str(), false));
+}
+
+}  // namespace

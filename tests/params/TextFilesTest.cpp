@@ -1,0 +1,135 @@
+// The text form in files: includes and their two base directories, physical
+// lines at and beyond the limit, bytes that are not text, and a write that
+// fails leaving the old file whole.
+#include <string>
+
+#include "kticore/core/Exception.h"
+#include "kticore/params/ParamTools.h"
+#include "tests/params/ParamTestSupport.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+using kt::test::ContentOf;
+using kt::test::Names;
+using kt::test::NewTree;
+using kt::test::Ref;
+using kt::test::SectionNames;
+using kt::test::Set;
+using kt::test::ValueAt;
+using kt::test::ValueNames;
+using kt::test::WideString;
+using kt::test::WriteContent;
+
+constexpr unsigned short kMissing = 0xFFFF;
+constexpr size_t kPhysicalLine = 65536;
+
+class TextFiles : public ::testing::Test {
+protected:
+    Ref<IParam> ReadFile(const WideString& name) {
+        auto tree = NewTree();
+        EXPECT_EQ(Param_IniFile2Param(name.c_str(), tree.get()), 1);
+        return tree;
+    }
+    Ref<IParam> ReadContent(const std::string& content) {
+        WriteContent(directory / KTW("top.ini"), content);
+        return ReadFile(directory / KTW("top.ini"));
+    }
+    int IntAt(IParam* tree, const char* path) { return static_cast<int>(ValueAt(tree, path)); }
+
+    kt::test::ScratchDirectory directory;
+};
+
+// An included file adds to the section in hand, and the section in hand at
+// its end stays current in the file that included it.
+TEST_F(TextFiles, AnIncludeReadsOnInTheSectionInHand) {
+    WriteContent(directory / KTW("inc.ini"), "x=i1\n[\\b]\n");
+    auto tree = ReadContent("[\\a]\n#include ./inc.ini\nafter=i2\n#  INCLUDE \"./inc.ini\"\n");
+    EXPECT_EQ(IntAt(tree.get(), "a\\x"), 1);
+    EXPECT_EQ(IntAt(tree.get(), "b\\after"), 2);
+    EXPECT_EQ(IntAt(tree.get(), "b\\x"), 1);
+}
+
+// A dotted path is relative to the file being read; another one is tried as
+// it stands and then in the top file's directory.
+TEST_F(TextFiles, IncludesFindTheirFilesFromBothBaseDirectories) {
+    Fio_CreateDirectory((directory / KTW("sub")).c_str());
+    WriteContent(directory / KTW("sub/inc.ini"), "from=i1\n#include ./beside.ini\n#include top2.ini\n");
+    WriteContent(directory / KTW("sub/beside.ini"), "beside=i2\n");
+    WriteContent(directory / KTW("top2.ini"), "base=i3\n");
+    auto tree = ReadContent("[\\]\n#include sub/inc.ini\n#include missing.ini\nlast=i4\n");
+    EXPECT_EQ(ValueNames(tree.get()), (Names{"from", "beside", "base", "last"}));
+}
+
+TEST_F(TextFiles, AFileThatIncludesItselfStopsAtTheDepthLimit) {
+    auto tree = ReadContent("[\\]\n#include ./top.ini\ncount\n");
+    EXPECT_EQ(ValueNames(tree.get()), Names{"count"});
+}
+
+// A physical line of exactly the limit leaves its line feed for the next
+// read, which finds an empty line: the end of the input.
+TEST_F(TextFiles, ALineOfTheLimitEndsTheInput) {
+    const std::string line = "v=s" + std::string(kPhysicalLine - 3, 'a');
+    auto tree = ReadContent("[\\]\n" + line + "\nw=i1\n");
+    EXPECT_EQ(std::string(static_cast<char*>(ValueAt(tree.get(), "v"))), line.substr(3));
+    EXPECT_EQ(ValueAt(tree.get(), "w").vt, kMissing);
+}
+
+// One byte more and the line arrives in two pieces, each a line.
+TEST_F(TextFiles, ALongerLineArrivesInPieces) {
+    const std::string line = "v=s" + std::string(kPhysicalLine - 3, 'a') + "|u=i5";
+    auto tree = ReadContent("[\\]\n" + line + "\nw=i1\n");
+    EXPECT_EQ(std::string(static_cast<char*>(ValueAt(tree.get(), "v"))), line.substr(3, kPhysicalLine - 3));
+    EXPECT_EQ(IntAt(tree.get(), "u"), 5);
+    EXPECT_EQ(IntAt(tree.get(), "w"), 1);
+}
+
+// Zero bytes are dropped from the lines, so 16-bit text reads as its
+// narrow twin, and other bytes read as whatever lines they make.
+TEST_F(TextFiles, BytesThatAreNotTextReadWithoutHarm) {
+    const std::string narrow = "[\\a]\r\nv=i5\r\n";
+    std::string wide;
+    for (const char c : narrow)
+        wide += std::string(1, c) + '\0';
+    auto tree = ReadContent(wide);
+    EXPECT_EQ(IntAt(tree.get(), "a\\v"), 5);
+
+    std::string garbage;
+    for (unsigned i = 0; i < 70000; ++i)
+        garbage += static_cast<char>((i * 2654435761u) >> 24);
+    auto other = ReadContent("[\\]\n" + garbage);
+    EXPECT_FALSE(ValueNames(other.get()).empty());
+}
+
+TEST_F(TextFiles, AFailedWriteLeavesTheOldFileWhole) {
+    const WideString name = directory / KTW("tree.ini");
+    auto tree = NewTree();
+    Set(tree.get(), "v", CKTVariant(1));
+    Param_Param2IniFile(tree.get(), name.c_str());
+    const std::string before = ContentOf(name);
+
+    // "\t| ", the name, "=", the marked text and a terminator must fit 65536 bytes.
+    Set(tree.get(), "w", CKTVariant(("s" + std::string(65530 - 2, 'b')).c_str()));
+    Param_Param2IniFile(tree.get(), name.c_str());
+    const std::string fits = ContentOf(name);
+    EXPECT_NE(fits, before);
+
+    Set(tree.get(), "w", CKTVariant(std::string(65530, 'b').c_str()));
+    try {
+        Param_Param2IniFile(tree.get(), name.c_str());
+        FAIL() << "an entry beyond its buffer was written";
+    } catch (const CXException& failure) {
+        EXPECT_EQ(failure.code, static_cast<DWORD>(XE_BAD_ARGUMENT));
+    }
+    EXPECT_EQ(ContentOf(name), fits);
+    EXPECT_EQ(directory.Entries().size(), 1u);  // no temporary file left behind
+}
+
+TEST_F(TextFiles, AMissingFileThrowsTheFileLayersFailure) {
+    auto tree = NewTree();
+    const WideString name = directory / KTW("missing.ini");
+    const auto failure = kt::test::FileFailureOf([&] { Param_IniFile2Param(name.c_str(), tree.get()); });
+    EXPECT_EQ(failure.code, static_cast<DWORD>(XE_FILE_NOT_FOUND));
+}
+
+}  // namespace

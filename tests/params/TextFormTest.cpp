@@ -1,0 +1,259 @@
+// The text form: the marked value of every kind in both directions, the
+// logical lines and the grammar as the reader takes them, the writer's exact
+// bytes, and the limits of the form's buffers.
+#include <clocale>
+#include <cmath>
+#include <string>
+
+#include "kticore/core/Exception.h"
+#include "kticore/params/ParamTools.h"
+#include "tests/params/ParamTestSupport.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+using kt::test::Names;
+using kt::test::NewTree;
+using kt::test::Ref;
+using kt::test::SectionNames;
+using kt::test::Set;
+using kt::test::ValueAt;
+using kt::test::ValueNames;
+
+constexpr unsigned short kMissing = 0xFFFF;
+
+Ref<IParam> ReadText(const std::string& text) {
+    auto tree = NewTree();
+    CXString string(text.c_str());
+    EXPECT_EQ(Param_String2Param(string, tree.get()), 1);
+    return tree;
+}
+
+std::string OneLine(IParam* tree) {
+    CXString text;
+    EXPECT_EQ(Param_Param2String(tree, text), 1);
+    return static_cast<const char*>(text);
+}
+
+KTBlob BlobOf(std::initializer_list<unsigned char> bytes) {
+    KTBlob blob(static_cast<unsigned long>(bytes.size()));
+    std::copy(bytes.begin(), bytes.end(), blob.data);
+    return blob;
+}
+
+// Names the cases of a table by their `name` field.
+struct CaseName {
+    template <class Case>
+    std::string operator()(const ::testing::TestParamInfo<Case>& test) const {
+        return test.param.name;
+    }
+};
+
+CKTVariant OfKind(const CKTVariant& value, unsigned short kind) {
+    CKTVariant typed(value);
+    typed.vt = kind;
+    return typed;
+}
+
+// One row of the marker table: a value and its marked text.
+struct MarkedCase {
+    const char* name;
+    CKTVariant value;
+    const char* text;
+};
+
+class MarkedValue : public ::testing::TestWithParam<MarkedCase> {};
+
+TEST_P(MarkedValue, IsWrittenAsItsMarkedTextAndReadBack) {
+    auto tree = NewTree();
+    Set(tree.get(), "v", GetParam().value);
+    EXPECT_EQ(OneLine(tree.get()), std::string("[\\]\t\t|v=") + GetParam().text + "|");
+    auto back = ReadText(std::string("[\\]|v=") + GetParam().text);
+    const CKTVariant read = ValueAt(back.get(), "v");
+    EXPECT_EQ(read.vt, GetParam().value.vt);
+    EXPECT_TRUE(read == GetParam().value);
+}
+
+const tagRECT kRect{1, 2, 30, 40};
+const tagRRECT kRealRect{1, 2, 3, 4.25};
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryRow, MarkedValue,
+    ::testing::Values(
+        MarkedCase{"Empty", CKTVariant(), "e"},
+        MarkedCase{"True", CKTVariant(1, KTVT_BOOL), "f1"},
+        MarkedCase{"False", CKTVariant(0, KTVT_BOOL), "f0"},
+        MarkedCase{"Byte", CKTVariant(static_cast<unsigned char>(0xA5)), "bA5"},
+        MarkedCase{"Word", CKTVariant(static_cast<unsigned short>(65535)), "w65535"},
+        MarkedCase{"UnsignedLong", CKTVariant(4294967295ul), "W4294967295"},
+        MarkedCase{"Int", CKTVariant(-5), "i-5"},
+        MarkedCase{"UnsignedInt", CKTVariant(7u), "u7"},
+        MarkedCase{"Long", OfKind(CKTVariant(-2147483647 - 1), KTVT_LONG), "l-2147483648"},
+        MarkedCase{"Double", CKTVariant(1.5), "R1.5"},
+        MarkedCase{"LargeDouble", CKTVariant(1e20), "R1e+20"},
+        MarkedCase{"SmallDouble", CKTVariant(-2.5e-7), "R-2.5e-07"},
+        MarkedCase{"Float", CKTVariant(0.25f), "r0.25"},
+        MarkedCase{"Text", CKTVariant("a b"), "sa b"},
+        MarkedCase{"Size", CKTVariant(tagSIZE{1, -2}), "z1,-2"},
+        MarkedCase{"RealSize", CKTVariant(tagRSIZE{1.5, 2}), "Z1.5,2"},
+        MarkedCase{"Point", CKTVariant(tagPOINT{3, 4}), "p3,4"},
+        MarkedCase{"RealPoint", CKTVariant(tagRPOINT{0.5, -0.5}), "P0.5,-0.5"},
+        MarkedCase{"Rect", CKTVariant(kRect), "t1,2,30,40"},
+        MarkedCase{"RealRect", CKTVariant(kRealRect), "T1,2,3,4.25"},
+        MarkedCase{"Blob", CKTVariant(BlobOf({0x0A, 0xFF, 0x00})), "x0AFF00"}),
+    CaseName());
+
+TEST(MarkedValueWriting, WideTextGoesAsNarrowTextAndObjectsNotAtAll) {
+    kt::test::CCounted object;
+    auto tree = NewTree();
+    Set(tree.get(), "w", CKTVariant(KTW("wide")));
+    Set(tree.get(), "o", CKTVariant(static_cast<IKTUnknown*>(&object)));
+    EXPECT_EQ(OneLine(tree.get()), "[\\]\t\t|w=swide|");
+    auto back = ReadText(OneLine(tree.get()));
+    EXPECT_TRUE(ValueAt(back.get(), "w") == CKTVariant("wide"));
+}
+
+TEST(MarkedValueWriting, RealsKeepFourteenSignificantDigits) {
+    auto tree = NewTree();
+    Set(tree.get(), "v", CKTVariant(1.0 / 3));
+    EXPECT_EQ(OneLine(tree.get()), "[\\]\t\t|v=R0.33333333333333|");
+}
+
+// A blob whose digits would not fit the entry buffer of the form is written
+// with none, and reads back empty.
+TEST(MarkedValueWriting, ABlobOf32768BytesIsWrittenWithoutDigits) {
+    auto tree = NewTree();
+    Set(tree.get(), "v", CKTVariant(KTBlob(32768)));
+    EXPECT_EQ(OneLine(tree.get()), "[\\]\t\t|v=x|");
+    const CKTVariant back = ValueAt(ReadText("[\\]|v=x").get(), "v");
+    EXPECT_EQ(back.vt, KTVT_BLOB);
+    EXPECT_EQ(back.blobVal.size, 0u);
+}
+
+// What a text reads as: the value at `path`, or kMissing.
+struct ReadCase {
+    const char* name;
+    const char* text;
+    const char* path;
+    CKTVariant expected;
+};
+
+class TextReading : public ::testing::TestWithParam<ReadCase> {};
+
+TEST_P(TextReading, GivesTheValueTheGrammarSays) {
+    auto tree = ReadText(GetParam().text);
+    const CKTVariant read = ValueAt(tree.get(), GetParam().path);
+    ASSERT_EQ(read.vt, GetParam().expected.vt);
+    if (read.vt != kMissing) {
+        EXPECT_TRUE(read == GetParam().expected);
+    }
+}
+
+CKTVariant Missing() {
+    CKTVariant missing;
+    missing.vt = kMissing;
+    return missing;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Grammar, TextReading,
+    ::testing::Values(
+        ReadCase{"PipeEndsATextValue", "[\\]|Title=sa|b=i1", "Title", CKTVariant("a")},
+        ReadCase{"PipeStartsTheNextValue", "[\\]|Title=sa|b=i1", "b", CKTVariant(1)},
+        ReadCase{"BlanksAfterTheMarkerStay", "[\\]|name=s  text", "name", CKTVariant("  text")},
+        ReadCase{"BlanksAroundTheEqualsGo", "[\\]|name \t=  i3", "name", CKTVariant(3)},
+        ReadCase{"NoValueStoresNothing", "[\\]|name=", "name", Missing()},
+        ReadCase{"MarkerEIsEmpty", "[\\]|name=e anything", "name", CKTVariant()},
+        ReadCase{"ABareNameIsTheIntegerZero", "[\\]|name", "name", CKTVariant(0)},
+        ReadCase{"AOneLetterLineIsIgnored", "[\\]|a", "a", Missing()},
+        ReadCase{"ATwoLetterLineIsAValue", "[\\]|ab", "ab", CKTVariant(0)},
+        ReadCase{"UnknownMarker", "[\\]|v=q1", "v", Missing()},
+        ReadCase{"ValueBeforeAnySection", "v=i1|[\\]", "v", Missing()},
+        ReadCase{"TheCharacterAfterTheBracketIsSkipped", "[abc]|v=i1", "bc\\v", CKTVariant(1)},
+        ReadCase{"ASectionLineNamesAPath", "[\\a\\b]|v=i2", "a\\b\\v", CKTVariant(2)},
+        ReadCase{"TextBehindTheBracketIsPartOfTheName", "[\\a] x|v=i2", "a] x\\v", CKTVariant(2)},
+        ReadCase{"BackToTheRoot", "[\\a]|[\\]|v=i4", "v", CKTVariant(4)},
+        ReadCase{"CommentSwallowsTheRestOfTheLine", "[\\]|a=i1|;x|b=i2", "b", Missing()},
+        ReadCase{"CommentLeavesWhatCameBefore", "[\\]|a=i1|;x|b=i2", "a", CKTVariant(1)},
+        ReadCase{"AOneLetterNameIsNoDirective", "[\\]|#a", "#a", CKTVariant(0)},
+        ReadCase{"OtherDirectivesAreIgnored", "[\\]|#define x|v=i1", "#define x", Missing()},
+        ReadCase{"BooleanYes", "[\\]|v=fy", "v", CKTVariant(1, KTVT_BOOL)},
+        ReadCase{"BooleanNo", "[\\]|v=fN", "v", CKTVariant(0, KTVT_BOOL)},
+        ReadCase{"BooleanTwoFails", "[\\]|v=f2", "v", Missing()},
+        ReadCase{"ByteNeedsTwoDigits", "[\\]|v=bA", "v", Missing()},
+        ReadCase{"WordOfSeventyThousandFails", "[\\]|v=w70000", "v", Missing()},
+        ReadCase{"UnsignedLongOfSeventyThousand", "[\\]|v=W70000", "v", CKTVariant(70000ul)},
+        ReadCase{"HexadecimalWithPrefix", "[\\]|v=i0x10", "v", CKTVariant(16)},
+        ReadCase{"AnXAnywhereMeansBase16", "[\\]|v=i12x", "v", CKTVariant(18)},
+        ReadCase{"NoDigitBeforeTheX", "[\\]|v=ix10", "v", Missing()},
+        ReadCase{"SignedHeldAtItsLimit", "[\\]|v=i99999999999", "v", CKTVariant(2147483647)},
+        ReadCase{"UnsignedMinusWraps", "[\\]|v=u-1", "v", CKTVariant(4294967295u)},
+        ReadCase{"ListBase16ForAll", "[\\]|v=z10,0x20", "v", CKTVariant(tagSIZE{16, 32})},
+        ReadCase{"ListSkipsToTheComma", "[\\]|v=z1;2,3", "v", CKTVariant(tagSIZE{1, 3})},
+        ReadCase{"ListTooShort", "[\\]|v=t1,2,3", "v", Missing()},
+        ReadCase{"RealListTooShort", "[\\]|v=Z1.5", "v", Missing()},
+        ReadCase{"RealWithoutDigits", "[\\]|v=Rabc", "v", Missing()},
+        ReadCase{"RealTooLarge", "[\\]|v=R-1e400", "v", CKTVariant(-HUGE_VAL)},
+        ReadCase{"BlobOneByte", "[\\]|v=x0A", "v", CKTVariant(BlobOf({10}))},
+        ReadCase{"BlobSkipsAndHalves", "[\\]|v=x0a 1", "v", CKTVariant(BlobOf({10, 16}))},
+        ReadCase{"BlobKeepsSizeForSkippedCharacters", "[\\]|v=x0A--", "v", CKTVariant(BlobOf({10, 0}))},
+        ReadCase{"ALineFeedAloneEndsTheInput", "\n[\\]\r\nv=i1", "v", Missing()},
+        ReadCase{"CarriageReturnAndLineFeed", "[\\]\r\nv=i1\r\n", "v", CKTVariant(1)}),
+    CaseName());
+
+// The text of the form's example: values on the line of their section's
+// header, values before sub-sections, nothing behind the last value.
+TEST(TextWriting, TheFileFormIsExact) {
+    kt::test::ScratchDirectory directory;
+    auto tree = NewTree();
+    Set(tree.get(), "Title", CKTVariant("abc"));
+    Set(tree.get(), "Sub\\On", CKTVariant(1, KTVT_BOOL));
+    const auto file = directory / KTW("tree.ini");
+    EXPECT_EQ(Param_Param2IniFile(tree.get(), file.c_str()), 1);
+    EXPECT_EQ(kt::test::ContentOf(file), "\r\n[\\]\t\t| Title=sabc\r\n[\\Sub]\t\t| On=f1");
+
+    auto back = NewTree();
+    EXPECT_EQ(Param_IniFile2Param(file.c_str(), back.get()), 1);
+    EXPECT_EQ(Param_Cmp(tree.get(), back.get()), 1);
+    EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
+}
+
+TEST(TextWriting, TheOneLineFormIsExact) {
+    auto tree = NewTree();
+    EXPECT_EQ(OneLine(tree.get()), "[\\]\t|");
+    Set(tree.get(), "Width", CKTVariant(640));
+    EXPECT_EQ(OneLine(tree.get()), "[\\]\t\t|Width=i640|");
+    Ref<IParam> sub(tree->CreateSection("Sub"));
+    // The last header keeps its tab: the scratch file's zero bytes stand behind it.
+    EXPECT_EQ(OneLine(tree.get()), "[\\]\t\t|Width=i640|[\\Sub]\t|");
+    CXString text;
+    EXPECT_EQ(Param_Param2String(nullptr, text), 0);
+    EXPECT_EQ(Param_String2Param(text, nullptr), 0);
+}
+
+TEST(TextReadingLocale, RealsIgnoreADecimalComma) {
+    const std::string saved = std::setlocale(LC_ALL, nullptr);
+    if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr && std::setlocale(LC_ALL, "German") == nullptr)
+        GTEST_SKIP() << "no locale with a decimal comma";
+    auto tree = NewTree();
+    Set(tree.get(), "v", CKTVariant(2.75));
+    const std::string line = OneLine(tree.get());
+    auto back = ReadText("[\\]|v=R1.5");
+    std::setlocale(LC_ALL, saved.c_str());
+    EXPECT_EQ(line, "[\\]\t\t|v=R2.75|");
+    EXPECT_EQ(static_cast<double>(ValueAt(back.get(), "v")), 1.5);
+}
+
+// Reading sections of many levels and paths with empty parts.
+TEST(TextReadingPaths, ThreeHundredLevelsAndEmptyParts) {
+    std::string path;
+    for (int level = 0; level < 300; ++level)
+        path += "\\a";
+    auto tree = ReadText("[" + path + "]|v=i1|[\\x\\\\y\\]|w=i2");
+    Ref<IParam> deepest(tree->GetSection(path.substr(1).c_str(), 0));
+    ASSERT_NE(deepest, nullptr);
+    EXPECT_EQ(static_cast<int>(ValueAt(deepest.get(), "v")), 1);
+    EXPECT_EQ(static_cast<int>(ValueAt(tree.get(), "x\\\\y\\\\w")), 2);
+}
+
+}  // namespace
