@@ -6,10 +6,15 @@
 
 #include "files/NameRules.h"
 #include "kticore/files/FileLocks.h"
+#include "platform/GuardedCopy.h"
 
 namespace kt {
 
 namespace {
+
+// Lines are copied out of the view in pieces of this size: most lines end in
+// the first piece.
+constexpr DWORD kLinePiece = 128;
 
 // CreateFileW's attributes and flags for each way of opening.
 DWORD CreationFlags(int flags) {
@@ -117,13 +122,12 @@ void CXFile::MoveView() {
 }
 
 void CXFile::Copy(void* to, const void* from, DWORD size) {
-    switch (size) {  // typed values are single moves
-    case 1: *static_cast<std::uint8_t*>(to) = *static_cast<const std::uint8_t*>(from); break;
-    case 2: std::memcpy(to, from, 2); break;
-    case 4: std::memcpy(to, from, 4); break;
-    case 8: std::memcpy(to, from, 8); break;
-    default: std::memcpy(to, from, size); break;
-    }
+    if (!sys::CopyGuarded(to, from, size))
+        FailCopy();
+}
+
+__attribute__((noinline, cold)) void CXFile::FailCopy() {
+    throw CXFileException(XE_IO_FAULT, name, access);
 }
 
 DWORD CXFile::Read(void* buffer, DWORD size) {
@@ -149,6 +153,8 @@ DWORD CXFile::Read(void* buffer, DWORD size) {
 void CXFile::Write(const void* buffer, DWORD size) {
     if (size == 0)
         return;
+    if (access == XFILEOP_READ)
+        FailCopy();  // the view may not be written: refused before it faults
     if (view == nullptr || position < viewOffset || position - viewOffset >= viewSize)
         MoveView();
     const auto* in = static_cast<const unsigned char*>(buffer);
@@ -187,7 +193,7 @@ DWORD CXFile::ReadDWord() {
     DWORD value;
     if (BytesInView() < sizeof value)
         return ReadDWordAtEdge();
-    std::memcpy(&value, view + (position - viewOffset), sizeof value);
+    Copy(&value, view + (position - viewOffset), sizeof value);
     position += sizeof value;
     return value;
 }
@@ -196,13 +202,20 @@ int CXFile::ReadLine(char* buffer, int maxChars) {
     const DWORD available = BytesInView();
     if (maxChars <= 0 || available == 0)
         return CTypedFile::ReadLine(buffer, maxChars);
-    const auto* start = reinterpret_cast<const char*>(view + (position - viewOffset));
+    // The view is only read through the guarded copy: the line comes over in
+    // short pieces and is searched for its line feed where it has landed.
+    const auto* start = view + (position - viewOffset);
     const DWORD scan = std::min(available, static_cast<DWORD>(maxChars));
-    const auto* feed = static_cast<const char*>(std::memchr(start, '\n', scan));
+    const char* feed = nullptr;
+    for (DWORD copied = 0; copied < scan && feed == nullptr;) {
+        const DWORD piece = std::min(kLinePiece, scan - copied);
+        Copy(buffer + copied, start + copied, piece);
+        feed = static_cast<const char*>(std::memchr(buffer + copied, '\n', piece));
+        copied += piece;
+    }
     if (feed == nullptr && scan < static_cast<DWORD>(maxChars))
         return CTypedFile::ReadLine(buffer, maxChars);  // the line goes on past the view
-    const int count = feed != nullptr ? static_cast<int>(feed - start) : maxChars;
-    std::memcpy(buffer, start, static_cast<size_t>(count) + (feed != nullptr));
+    const int count = feed != nullptr ? static_cast<int>(feed - buffer) : maxChars;
     position += static_cast<DWORD>(count) + (feed != nullptr);
     buffer[feed != nullptr && count < maxChars - 1 ? count + 1 : count] = 0;
     return count;

@@ -8,8 +8,13 @@
 //                         letter, the next letter each time, until killed
 //   pass-through IN OUT   read the stored variant in file IN and store it in
 //                         file OUT, in a process that registers no class
+//   cut NAME SIZE         cut NAME to SIZE bytes by the system's call; the
+//                         exit code is 0, or 3 when the system refused
+//   cut-beneath NAME SIZE the same from beneath the system's rules: under
+//                         Wine by a Unix process (4 elsewhere on Windows)
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
@@ -18,6 +23,7 @@
 #include "kticore/files/FileLocks.h"
 #include "kticore/files/FileUtilities.h"
 #include "kticore/streams/Stream.h"
+#include "tests/support/ChildProcess.h"
 
 namespace {
 
@@ -72,6 +78,33 @@ void PassThrough(const std::basic_string<KTWCHAR>& in, const std::basic_string<K
     stream->Release();
 }
 
+int Cut(const char* name, const char* size) {
+    std::error_code error;
+    std::filesystem::resize_file(name, std::strtoull(size, nullptr, 10), error);
+    return error ? 3 : 0;
+}
+
+#if defined(_WIN32)
+// Windows keeps a mapped file whole; under Wine a Unix process can still cut
+// it, as a file server can cut a file beneath its Windows clients.
+int CutBeneath(const char* name, const char* size) {
+    using UnixFileName = char*(CDECL*)(const WCHAR*);
+    const auto unixFileName = reinterpret_cast<UnixFileName>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("kernel32"), "wine_get_unix_file_name")));
+    if (unixFileName == nullptr)
+        return 4;
+    const std::basic_string<KTWCHAR> wide = Wide(name);
+    char* unixName = unixFileName(reinterpret_cast<const WCHAR*>(wide.c_str()));
+    if (unixName == nullptr)
+        return 3;
+    kt::test::ChildProcess truncate("Z:\\usr\\bin\\truncate", {"-s", size, unixName});
+    HeapFree(GetProcessHeap(), 0, unixName);
+    return truncate.Started() && truncate.Wait() == 0 ? 0 : 3;
+}
+#else
+int CutBeneath(const char* name, const char* size) { return Cut(name, size); }
+#endif
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -96,6 +129,10 @@ int main(int argc, char** argv) {
         PassThrough(name, Wide(argv[3]));
         return 0;
     }
+    if (what == "cut" && argc == 4)
+        return Cut(argv[2], argv[3]);
+    if (what == "cut-beneath" && argc == 4)
+        return CutBeneath(argv[2], argv[3]);
     if (what == "commit-loop" && argc == 4) {
         CommitLoop(name, static_cast<size_t>(std::atol(argv[3])));
         return 0;
