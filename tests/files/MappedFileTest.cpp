@@ -272,12 +272,12 @@ TEST_F(MappedFile, AFileCutShortUnderAReaderIsAnIoFault) {
     const std::string bytes = Pattern(3 * kView);
     WriteContent(name, bytes);
     Ref<IXFile> file(Fio_Open(name.c_str(), 0));
-    EXPECT_EQ(file->ReadByte(), bytes[0]);
+    EXPECT_EQ(file->ReadByte(), static_cast<BYTE>(bytes[0]));
     int cut = kt::test::RunTestHelper("cut", name, KTW("10"));
     if (cut == kRefused) {
         // Windows keeps a mapped file whole: the reader reads on.
         file->Seek(100000, 0);
-        EXPECT_EQ(file->ReadByte(), bytes[100000]);
+        EXPECT_EQ(file->ReadByte(), static_cast<BYTE>(bytes[100000]));
         cut = kt::test::RunTestHelper("cut-beneath", name, KTW("10"));
         if (cut == kNotUnderWine)
             GTEST_SKIP() << "only Wine lets a process cut a mapped file";
