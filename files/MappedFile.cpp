@@ -1,7 +1,6 @@
 #include "files/MappedFile.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstring>
 
 #include "files/NameRules.h"
