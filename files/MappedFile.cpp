@@ -1,7 +1,6 @@
 #include "files/MappedFile.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "files/NameRules.h"
 #include "kticore/files/FileLocks.h"
@@ -10,10 +9,6 @@
 namespace kt {
 
 namespace {
-
-// Lines are copied out of the view in pieces of this size: most lines end in
-// the first piece.
-constexpr DWORD kLinePiece = 128;
 
 // CreateFileW's attributes and flags for each way of opening.
 DWORD CreationFlags(int flags) {
@@ -192,7 +187,8 @@ DWORD CXFile::ReadDWord() {
     DWORD value;
     if (BytesInView() < sizeof value)
         return ReadDWordAtEdge();
-    Copy(&value, view + (position - viewOffset), sizeof value);
+    if (!sys::LoadGuarded(view + (position - viewOffset), value))
+        FailCopy();
     position += sizeof value;
     return value;
 }
@@ -201,22 +197,17 @@ int CXFile::ReadLine(char* buffer, int maxChars) {
     const DWORD available = BytesInView();
     if (maxChars <= 0 || available == 0)
         return CTypedFile::ReadLine(buffer, maxChars);
-    // The view is only read through the guarded copy: the line comes over in
-    // short pieces and is searched for its line feed where it has landed.
-    const auto* start = view + (position - viewOffset);
     const DWORD scan = std::min(available, static_cast<DWORD>(maxChars));
-    const char* feed = nullptr;
-    for (DWORD copied = 0; copied < scan && feed == nullptr;) {
-        const DWORD piece = std::min(kLinePiece, scan - copied);
-        Copy(buffer + copied, start + copied, piece);
-        feed = static_cast<const char*>(std::memchr(buffer + copied, '\n', piece));
-        copied += piece;
-    }
-    if (feed == nullptr && scan < static_cast<DWORD>(maxChars))
+    const size_t copied =
+        sys::CopyUntilGuarded(buffer, view + (position - viewOffset), scan, '\n');
+    if (copied == sys::kCopyFaulted)
+        FailCopy();
+    const bool lineFeed = copied > 0 && buffer[copied - 1] == '\n';
+    if (!lineFeed && scan < static_cast<DWORD>(maxChars))
         return CTypedFile::ReadLine(buffer, maxChars);  // the line goes on past the view
-    const int count = feed != nullptr ? static_cast<int>(feed - buffer) : maxChars;
-    position += static_cast<DWORD>(count) + (feed != nullptr);
-    buffer[feed != nullptr && count < maxChars - 1 ? count + 1 : count] = 0;
+    const int count = static_cast<int>(copied) - lineFeed;
+    position += static_cast<DWORD>(copied);
+    buffer[lineFeed && count < maxChars - 1 ? count + 1 : count] = 0;
     return count;
 }
 

@@ -1,24 +1,116 @@
-// One copy for memory that may fault under it: a host's block named by its
-// address, a mapped view of a file that another process has cut short, a view
-// that may not be written. The copy is a small routine with a known recovery
-// point; a fault whose instruction lies inside it resumes there, and the copy
-// answers false (the way kernels copy from user memory). Every other fault
-// goes on to whatever handled it before.
+// Copies from and to memory that may fault under them: a host's block named
+// by its address, a mapped view of a file that another process has cut
+// short, a view that may not be written. As kernels copy from user memory,
+// each instruction that may fault is guarded: a marker in front of it names
+// a fixup, and the fault handler of the seam (GuardedFault.h) resumes a fault
+// at a guarded instruction there; the copy then answers false. Every other
+// fault goes on to whatever handled it before. Inline and without a call, so
+// that a typed read of a mapped file stays one move.
 #pragma once
 
+#include <emmintrin.h>
+
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace kt::sys {
 
-#pragma GCC visibility push(hidden)
-// The routine itself (GuardedCopyRoutine.h): true when all `size` bytes were
-// copied; false after a fault, with `to` partly written.
-extern "C" bool ktGuardedCopy(void* to, const void* from, size_t size);
-#pragma GCC visibility pop
+// The marker: "jmp" over the fixup and the marker, then the magic word and
+// the distance from the guarded instruction back to its fixup, which sets
+// the operand `faulted` and goes on behind the instruction.
+#define KT_GUARDED(instruction)     \
+    "    jmp 8f\n"                  \
+    "7:  movb $1, %[faulted]\n"     \
+    "    jmp 9f\n"                  \
+    "    .long 0x4b544746\n"        \
+    "    .long 7b - 8f\n"           \
+    "8:  " instruction "\n"         \
+    "9:\n"
 
+constexpr std::uint32_t kGuardMagic = 0x4b544746;
+
+// One value of 1, 2, 4 or 8 bytes (or 16 in an SSE register) in one move.
+template <class T>
+inline bool LoadGuarded(const void* from, T& value) {
+    using Aliased [[gnu::may_alias]] = T;
+    bool faulted = false;
+    asm volatile(KT_GUARDED("mov %[from], %[value]")
+                 : [value] "=r"(value), [faulted] "+r"(faulted)
+                 : [from] "m"(*static_cast<const Aliased*>(from)));
+    return !faulted;
+}
+
+template <>
+inline bool LoadGuarded(const void* from, __m128i& value) {
+    bool faulted = false;
+    asm volatile(KT_GUARDED("movdqu %[from], %[value]")
+                 : [value] "=x"(value), [faulted] "+r"(faulted)
+                 : [from] "m"(*static_cast<const __m128i_u*>(from)));
+    return !faulted;
+}
+
+template <class T>
+inline bool StoreGuarded(void* to, T value) {
+    using Aliased [[gnu::may_alias]] = T;
+    bool faulted = false;
+    asm volatile(KT_GUARDED("mov %[value], %[to]")
+                 : [to] "=m"(*static_cast<Aliased*>(to)), [faulted] "+r"(faulted)
+                 : [value] "r"(value));
+    return !faulted;
+}
+
+// Any number of bytes, in one string move.
+inline bool MoveGuarded(void* to, const void* from, size_t size) {
+    bool faulted = false;
+    asm volatile(KT_GUARDED("rep movsb")
+                 : "+D"(to), "+S"(from), "+c"(size), [faulted] "+r"(faulted)
+                 :
+                 : "memory");
+    return !faulted;
+}
+
+template <class T>
+inline bool CopyValueGuarded(void* to, const void* from) {
+    T value;
+    return LoadGuarded(from, value) && StoreGuarded(to, value);
+}
+
+// Copies `size` bytes; false after a fault, with `to` partly written.
 // Copies of 1, 2, 4 or 8 bytes are single moves.
 inline bool CopyGuarded(void* to, const void* from, size_t size) {
-    return ktGuardedCopy(to, from, size);
+    switch (size) {
+    case 1: return CopyValueGuarded<std::uint8_t>(to, from);
+    case 2: return CopyValueGuarded<std::uint16_t>(to, from);
+    case 4: return CopyValueGuarded<std::uint32_t>(to, from);
+    case 8: return CopyValueGuarded<std::uint64_t>(to, from);
+    default: return MoveGuarded(to, from, size);
+    }
+}
+
+constexpr size_t kCopyFaulted = ~size_t{0};
+
+// Copies up to `size` bytes from memory that may fault to memory that will
+// not, and stops behind the first `stop` byte: the number of bytes up to and
+// including it, or `size` when there is none; kCopyFaulted after a fault.
+// Up to 15 bytes behind the stop may be written too, never beyond `size`.
+inline size_t CopyUntilGuarded(char* to, const void* from, size_t size, char stop) {
+    const auto* source = static_cast<const char*>(from);
+    const __m128i stops = _mm_set1_epi8(stop);
+    size_t done = 0;
+    for (; size - done >= sizeof(__m128i); done += sizeof(__m128i)) {
+        __m128i piece;
+        if (!LoadGuarded(source + done, piece))
+            return kCopyFaulted;
+        _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to + done), piece);
+        const unsigned hits = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(piece, stops)));
+        if (hits != 0)
+            return done + static_cast<size_t>(__builtin_ctz(hits)) + 1;
+    }
+    if (!MoveGuarded(to + done, source + done, size - done))
+        return kCopyFaulted;
+    const void* found = std::memchr(to + done, stop, size - done);
+    return found != nullptr ? static_cast<size_t>(static_cast<const char*>(found) - to) + 1 : size;
 }
 
 }  // namespace kt::sys

@@ -1,40 +1,51 @@
+// The POSIX half of the guarded copy: a SIGSEGV and SIGBUS handler that
+// resumes a fault at a guarded instruction of this object at its fixup, and
+// hands every other fault to the handler that was there before.
+#include <link.h>
 #include <signal.h>
 #include <ucontext.h>
 
-#include "platform/GuardedCopyRoutine.h"
-
-// The System V convention passes the arguments in rdi, rsi and rdx.
-asm(".text\n"
-    ".globl ktGuardedCopy\n"
-    ".hidden ktGuardedCopy\n"
-    ".type ktGuardedCopy, @function\n"
-    ".globl ktGuardedCopyFault\n"
-    ".hidden ktGuardedCopyFault\n"
-    ".p2align 4\n"
-    "ktGuardedCopy:\n"
-    "    mov %rdx, %rcx\n"
-    KT_GUARDED_COPY_MOVES
-    "    mov $1, %eax\n"
-    "    ret\n"
-    "ktGuardedCopyFault:\n"
-    "    xor %eax, %eax\n"
-    "    ret\n"
-    ".size ktGuardedCopy, . - ktGuardedCopy\n");
+#include "platform/GuardedFault.h"
 
 namespace kt::sys {
 namespace {
 
+void ResumeGuardedFault(int signal, siginfo_t* info, void* context);
+
+// The executable segment of the loaded object that holds this code.
+CodeRange ThisCode() {
+    CodeRange code;
+    dl_iterate_phdr(
+        [](dl_phdr_info* object, size_t, void* found) {
+            const auto here = reinterpret_cast<std::uintptr_t>(&ResumeGuardedFault);
+            for (ElfW(Half) i = 0; i < object->dlpi_phnum; ++i) {
+                const ElfW(Phdr)& segment = object->dlpi_phdr[i];
+                const std::uintptr_t start = object->dlpi_addr + segment.p_vaddr;
+                if (segment.p_type == PT_LOAD && (segment.p_flags & PF_X) && here >= start &&
+                    here < start + segment.p_memsz) {
+                    *static_cast<CodeRange*>(found) = {start, start + segment.p_memsz};
+                    return 1;
+                }
+            }
+            return 0;
+        },
+        &code);
+    return code;
+}
+
+const CodeRange thisCode = ThisCode();
 struct sigaction previousOnSegv;
 struct sigaction previousOnBus;
 
-// A fault inside the copy resumes at its recovery point. Any other goes to
-// the handler that was there before (the sanitizers' among them); where that
-// was the default, the default comes back and the fault, met again when the
-// instruction runs again, ends the process as it would have.
-void ResumeFaultedCopy(int signal, siginfo_t* info, void* context) {
+// Where the previous handler was the default, the default comes back, and
+// the fault, met again when the instruction runs again, ends the process as
+// it would have.
+void ResumeGuardedFault(int signal, siginfo_t* info, void* context) {
     auto& instruction = static_cast<ucontext_t*>(context)->uc_mcontext.gregs[REG_RIP];
-    if (IsInGuardedCopy(static_cast<unsigned long long>(instruction))) {
-        instruction = static_cast<greg_t>(GuardedCopyRecovery());
+    const std::uintptr_t fixup =
+        GuardedFixup(static_cast<std::uintptr_t>(instruction), thisCode);
+    if (fixup != 0) {
+        instruction = static_cast<greg_t>(fixup);
         return;
     }
     const struct sigaction& previous = signal == SIGBUS ? previousOnBus : previousOnSegv;
@@ -51,13 +62,13 @@ void ResumeFaultedCopy(int signal, siginfo_t* info, void* context) {
     }
 }
 
-// Installed while the library is loaded; put back at unloading only where
+// Installed while the object is loaded; put back at unloading only where
 // nobody has come in behind it.
 class FaultHandler {
 public:
     FaultHandler() {
         struct sigaction handler = {};
-        handler.sa_sigaction = ResumeFaultedCopy;
+        handler.sa_sigaction = ResumeGuardedFault;
         handler.sa_flags = SA_SIGINFO | SA_ONSTACK;
         sigemptyset(&handler.sa_mask);
         sigaction(SIGSEGV, &handler, &previousOnSegv);
@@ -74,7 +85,7 @@ private:
     static void Restore(int signal, const struct sigaction& previous) {
         struct sigaction current = {};
         sigaction(signal, nullptr, &current);
-        if ((current.sa_flags & SA_SIGINFO) && current.sa_sigaction == ResumeFaultedCopy)
+        if ((current.sa_flags & SA_SIGINFO) && current.sa_sigaction == ResumeGuardedFault)
             sigaction(signal, &previous, nullptr);
     }
 };

@@ -1,51 +1,50 @@
+// The Win32 half of the guarded copy: a vectored exception handler that
+// resumes a fault at a guarded instruction of this module at its fixup.
 #include <windows.h>
 
-#include "platform/GuardedCopyRoutine.h"
+#include "platform/GuardedFault.h"
 
-// Windows x64 passes the arguments in rcx, rdx and r8 and keeps rdi and rsi
-// for its caller: they wait in r9 and r10, which the caller gives up. The
-// routine touches no stack, so it needs no unwinding data.
-asm(".text\n"
-    ".globl ktGuardedCopy\n"
-    ".globl ktGuardedCopyFault\n"
-    ".p2align 4\n"
-    "ktGuardedCopy:\n"
-    "    mov %rdi, %r9\n"
-    "    mov %rsi, %r10\n"
-    "    mov %rcx, %rdi\n"
-    "    mov %rdx, %rsi\n"
-    "    mov %r8, %rcx\n"
-    KT_GUARDED_COPY_MOVES
-    "    mov %r9, %rdi\n"
-    "    mov %r10, %rsi\n"
-    "    mov $1, %eax\n"
-    "    ret\n"
-    "ktGuardedCopyFault:\n"
-    "    mov %r9, %rdi\n"
-    "    mov %r10, %rsi\n"
-    "    xor %eax, %eax\n"
-    "    ret\n");
+extern "C" IMAGE_DOS_HEADER __ImageBase;  // this module, as the linker places it
 
 namespace kt::sys {
 namespace {
 
-// An access violation, an in-page error of a mapped file or a guard page
-// met inside the copy resumes at its recovery point; every other exception
-// goes on to the handlers behind this one.
-LONG CALLBACK ResumeFaultedCopy(EXCEPTION_POINTERS* exception) {
+// The section of this module that holds this code.
+CodeRange ThisCode() {
+    const auto base = reinterpret_cast<std::uintptr_t>(&__ImageBase);
+    const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + __ImageBase.e_lfanew);
+    const auto here = reinterpret_cast<std::uintptr_t>(&ThisCode);
+    const IMAGE_SECTION_HEADER* section = IMAGE_FIRST_SECTION(headers);
+    for (WORD i = 0; i < headers->FileHeader.NumberOfSections; ++i, ++section) {
+        const std::uintptr_t start = base + section->VirtualAddress;
+        const std::uintptr_t end = start + section->Misc.VirtualSize;
+        if (here >= start && here < end)
+            return {start, end};
+    }
+    return {};
+}
+
+const CodeRange thisCode = ThisCode();
+
+// An access violation, an in-page error of a mapped file (Wine reports one
+// as an access violation) or a guard page met at a guarded instruction
+// resumes at its fixup; every other exception goes on to the handlers behind.
+LONG CALLBACK ResumeGuardedFault(EXCEPTION_POINTERS* exception) {
     const DWORD code = exception->ExceptionRecord->ExceptionCode;
-    const bool fault = code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_IN_PAGE_ERROR ||
-                       code == STATUS_GUARD_PAGE_VIOLATION;
-    if (!fault || !IsInGuardedCopy(exception->ContextRecord->Rip))
+    if (code != EXCEPTION_ACCESS_VIOLATION && code != EXCEPTION_IN_PAGE_ERROR &&
+        code != STATUS_GUARD_PAGE_VIOLATION)
         return EXCEPTION_CONTINUE_SEARCH;
-    exception->ContextRecord->Rip = GuardedCopyRecovery();
+    const std::uintptr_t fixup = GuardedFixup(exception->ContextRecord->Rip, thisCode);
+    if (fixup == 0)
+        return EXCEPTION_CONTINUE_SEARCH;
+    exception->ContextRecord->Rip = fixup;
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
-// Installed first in line while the library is loaded.
+// First in line while the module is loaded.
 class FaultHandler {
 public:
-    FaultHandler() : handle(AddVectoredExceptionHandler(1, ResumeFaultedCopy)) {}
+    FaultHandler() : handle(AddVectoredExceptionHandler(1, ResumeGuardedFault)) {}
     ~FaultHandler() { RemoveVectoredExceptionHandler(handle); }
     FaultHandler(const FaultHandler&) = delete;
     FaultHandler& operator=(const FaultHandler&) = delete;
