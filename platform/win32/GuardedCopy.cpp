@@ -14,7 +14,10 @@ CodeRange ThisCode() {
     const auto base = reinterpret_cast<std::uintptr_t>(&__ImageBase);
     const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + __ImageBase.e_lfanew);
     const auto here = reinterpret_cast<std::uintptr_t>(&ThisCode);
-    const IMAGE_SECTION_HEADER* section = IMAGE_FIRST_SECTION(headers);
+    // The section table follows the optional header.
+    const auto* section = reinterpret_cast<const IMAGE_SECTION_HEADER*>(
+        reinterpret_cast<const char*>(&headers->OptionalHeader) +
+        headers->FileHeader.SizeOfOptionalHeader);
     for (WORD i = 0; i < headers->FileHeader.NumberOfSections; ++i, ++section) {
         const std::uintptr_t start = base + section->VirtualAddress;
         const std::uintptr_t end = start + section->Misc.VirtualSize;
