@@ -103,7 +103,7 @@ inline size_t CopyUntilGuarded(char* to, const void* from, size_t size, char sto
         if (!LoadGuarded(source + done, piece))
             return kCopyFaulted;
         _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to + done), piece);
-        const unsigned hits = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(piece, stops)));
+        const auto hits = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(piece, stops)));
         if (hits != 0)
             return done + static_cast<size_t>(__builtin_ctz(hits)) + 1;
     }

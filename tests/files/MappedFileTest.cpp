@@ -197,6 +197,32 @@ TEST_F(MappedFile, LinesKeepTheirLineFeedWhereThereIsRoom) {
     EXPECT_STREQ(line, "xyz\r\n");
 }
 
+TEST_F(MappedFile, LinesOfEveryLengthAroundTheSixteenByteStepComeBackWhole) {
+    constexpr int kLongest = 40;
+    const auto lineOf = [](int length) {
+        return std::string(length, static_cast<char>('a' + length % 26));
+    };
+    std::string text;
+    for (int length = 0; length <= kLongest; ++length)
+        text += lineOf(length) + "\n";
+    WriteContent(name, text + "tail");
+    Ref<IXFile> file(Fio_Open(name.c_str(), 0));
+    char line[4097];
+    for (int length = 0; length <= kLongest; ++length) {
+        ASSERT_EQ(file->ReadLine(line, 4096), length);
+        EXPECT_EQ(std::string(line), lineOf(length) + "\n");
+    }
+    EXPECT_EQ(file->ReadLine(line, 4096), 4);
+    EXPECT_STREQ(line, "tail");
+    // Cut at maxChars, inside and at the end of a 16-byte step.
+    for (const int maxChars : {15, 16, 17}) {
+        file->Seek(static_cast<LONG>(text.find(lineOf(kLongest))), 0);
+        ASSERT_EQ(file->ReadLine(line, maxChars), maxChars);
+        EXPECT_EQ(std::string(line), lineOf(kLongest).substr(0, maxChars));
+        EXPECT_EQ(file->ReadLine(line, 4096), kLongest - maxChars);
+    }
+}
+
 TEST_F(MappedFile, WideLinesFollowTheSameRule) {
     IXFile* file = Fio_Open(name.c_str(), FIO_WRITE);
     file->Write(KTW("ab\ncd\n"), 6 * sizeof(KTWCHAR));
