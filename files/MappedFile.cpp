@@ -185,10 +185,9 @@ __attribute__((noinline)) DWORD CXFile::ReadDWordAtEdge() { return ReadValue<DWO
 
 DWORD CXFile::ReadDWord() {
     DWORD value;
-    if (BytesInView() < sizeof value)
+    // A fault takes the general way too, which meets it again and reports it.
+    if (BytesInView() < sizeof value || !sys::LoadGuarded(view + (position - viewOffset), value))
         return ReadDWordAtEdge();
-    if (!sys::LoadGuarded(view + (position - viewOffset), value))
-        FailCopy();
     position += sizeof value;
     return value;
 }

@@ -17,16 +17,15 @@
 namespace kt::sys {
 
 // The marker: "jmp" over the fixup and the marker, then the magic word and
-// the distance from the guarded instruction back to its fixup, which sets
-// the operand `faulted` and goes on behind the instruction.
+// the distance from the guarded instruction back to its fixup, which goes to
+// the label `faulted` of the "asm goto". The fast path pays one jump. The
+// "asm goto"s say "volatile": GCC 12 deletes one whose outputs go unused.
 #define KT_GUARDED(instruction)     \
     "    jmp 8f\n"                  \
-    "7:  movb $1, %[faulted]\n"     \
-    "    jmp 9f\n"                  \
+    "7:  jmp %l[faulted]\n"         \
     "    .long 0x4b544746\n"        \
     "    .long 7b - 8f\n"           \
-    "8:  " instruction "\n"         \
-    "9:\n"
+    "8:  " instruction "\n"
 
 constexpr std::uint32_t kGuardMagic = 0x4b544746;
 
@@ -34,40 +33,51 @@ constexpr std::uint32_t kGuardMagic = 0x4b544746;
 template <class T>
 inline bool LoadGuarded(const void* from, T& value) {
     using Aliased [[gnu::may_alias]] = T;
-    bool faulted = false;
-    asm volatile(KT_GUARDED("mov %[from], %[value]")
-                 : [value] "=r"(value), [faulted] "+r"(faulted)
-                 : [from] "m"(*static_cast<const Aliased*>(from)));
-    return !faulted;
+    asm volatile goto(KT_GUARDED("mov %[from], %[value]")
+             : [value] "=r"(value)
+             : [from] "m"(*static_cast<const Aliased*>(from))
+             :
+             : faulted);
+    return true;
+faulted:
+    return false;
 }
 
 template <>
 inline bool LoadGuarded(const void* from, __m128i& value) {
-    bool faulted = false;
-    asm volatile(KT_GUARDED("movdqu %[from], %[value]")
-                 : [value] "=x"(value), [faulted] "+r"(faulted)
-                 : [from] "m"(*static_cast<const __m128i_u*>(from)));
-    return !faulted;
+    asm volatile goto(KT_GUARDED("movdqu %[from], %[value]")
+             : [value] "=x"(value)
+             : [from] "m"(*static_cast<const __m128i_u*>(from))
+             :
+             : faulted);
+    return true;
+faulted:
+    return false;
 }
 
 template <class T>
 inline bool StoreGuarded(void* to, T value) {
     using Aliased [[gnu::may_alias]] = T;
-    bool faulted = false;
-    asm volatile(KT_GUARDED("mov %[value], %[to]")
-                 : [to] "=m"(*static_cast<Aliased*>(to)), [faulted] "+r"(faulted)
-                 : [value] "r"(value));
-    return !faulted;
+    asm volatile goto(KT_GUARDED("mov %[value], %[to]")
+             : [to] "=m"(*static_cast<Aliased*>(to))
+             : [value] "r"(value)
+             :
+             : faulted);
+    return true;
+faulted:
+    return false;
 }
 
 // Any number of bytes, in one string move.
 inline bool MoveGuarded(void* to, const void* from, size_t size) {
-    bool faulted = false;
-    asm volatile(KT_GUARDED("rep movsb")
-                 : "+D"(to), "+S"(from), "+c"(size), [faulted] "+r"(faulted)
-                 :
-                 : "memory");
-    return !faulted;
+    asm volatile goto(KT_GUARDED("rep movsb")
+             : "+D"(to), "+S"(from), "+c"(size)
+             :
+             : "memory"
+             : faulted);
+    return true;
+faulted:
+    return false;
 }
 
 template <class T>
