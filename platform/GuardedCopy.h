@@ -20,24 +20,25 @@ namespace kt::sys {
 // the distance from the guarded instruction back to its fixup, which goes to
 // the label `faulted` of the "asm goto". The fast path pays one jump. The
 // "asm goto"s say "volatile": GCC 12 deletes one whose outputs go unused.
-#define KT_GUARDED(instruction)     \
-    "    jmp 8f\n"                  \
-    "7:  jmp %l[faulted]\n"         \
-    "    .long 0x4b544746\n"        \
-    "    .long 7b - 8f\n"           \
+#define KT_GUARD_MAGIC "0x4b544746"
+#define KT_GUARDED(instruction)         \
+    "    jmp 8f\n"                      \
+    "7:  jmp %l[faulted]\n"             \
+    "    .long " KT_GUARD_MAGIC "\n"    \
+    "    .long 7b - 8f\n"               \
     "8:  " instruction "\n"
 
-constexpr std::uint32_t kGuardMagic = 0x4b544746;
+constexpr std::uint32_t kGuardMagic = 0x4b544746;  // the number of KT_GUARD_MAGIC
 
 // One value of 1, 2, 4 or 8 bytes (or 16 in an SSE register) in one move.
 template <class T>
 inline bool LoadGuarded(const void* from, T& value) {
     using Aliased [[gnu::may_alias]] = T;
     asm volatile goto(KT_GUARDED("mov %[from], %[value]")
-             : [value] "=r"(value)
-             : [from] "m"(*static_cast<const Aliased*>(from))
-             :
-             : faulted);
+                      : [value] "=r"(value)
+                      : [from] "m"(*static_cast<const Aliased*>(from))
+                      :
+                      : faulted);
     return true;
 faulted:
     return false;
@@ -46,10 +47,10 @@ faulted:
 template <>
 inline bool LoadGuarded(const void* from, __m128i& value) {
     asm volatile goto(KT_GUARDED("movdqu %[from], %[value]")
-             : [value] "=x"(value)
-             : [from] "m"(*static_cast<const __m128i_u*>(from))
-             :
-             : faulted);
+                      : [value] "=x"(value)
+                      : [from] "m"(*static_cast<const __m128i_u*>(from))
+                      :
+                      : faulted);
     return true;
 faulted:
     return false;
@@ -59,10 +60,10 @@ template <class T>
 inline bool StoreGuarded(void* to, T value) {
     using Aliased [[gnu::may_alias]] = T;
     asm volatile goto(KT_GUARDED("mov %[value], %[to]")
-             : [to] "=m"(*static_cast<Aliased*>(to))
-             : [value] "r"(value)
-             :
-             : faulted);
+                      : [to] "=m"(*static_cast<Aliased*>(to))
+                      : [value] "r"(value)
+                      :
+                      : faulted);
     return true;
 faulted:
     return false;
@@ -71,10 +72,10 @@ faulted:
 // Any number of bytes, in one string move.
 inline bool MoveGuarded(void* to, const void* from, size_t size) {
     asm volatile goto(KT_GUARDED("rep movsb")
-             : "+D"(to), "+S"(from), "+c"(size)
-             :
-             : "memory"
-             : faulted);
+                      : "+D"(to), "+S"(from), "+c"(size)
+                      :
+                      : "memory"
+                      : faulted);
     return true;
 faulted:
     return false;
