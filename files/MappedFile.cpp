@@ -1,11 +1,10 @@
 #include "files/MappedFile.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
 
 #include "files/NameRules.h"
 #include "kticore/files/FileLocks.h"
+#include "platform/GuardedCopy.h"
 
 namespace kt {
 
@@ -117,13 +116,12 @@ void CXFile::MoveView() {
 }
 
 void CXFile::Copy(void* to, const void* from, DWORD size) {
-    switch (size) {  // typed values are single moves
-    case 1: *static_cast<std::uint8_t*>(to) = *static_cast<const std::uint8_t*>(from); break;
-    case 2: std::memcpy(to, from, 2); break;
-    case 4: std::memcpy(to, from, 4); break;
-    case 8: std::memcpy(to, from, 8); break;
-    default: std::memcpy(to, from, size); break;
-    }
+    if (!sys::CopyGuarded(to, from, size))
+        FailCopy();
+}
+
+__attribute__((noinline, cold)) void CXFile::FailCopy() {
+    throw CXFileException(XE_IO_FAULT, name, access);
 }
 
 DWORD CXFile::Read(void* buffer, DWORD size) {
@@ -149,6 +147,8 @@ DWORD CXFile::Read(void* buffer, DWORD size) {
 void CXFile::Write(const void* buffer, DWORD size) {
     if (size == 0)
         return;
+    if (access == XFILEOP_READ)
+        FailCopy();  // the view may not be written: refused before it faults
     if (view == nullptr || position < viewOffset || position - viewOffset >= viewSize)
         MoveView();
     const auto* in = static_cast<const unsigned char*>(buffer);
@@ -185,9 +185,9 @@ __attribute__((noinline)) DWORD CXFile::ReadDWordAtEdge() { return ReadValue<DWO
 
 DWORD CXFile::ReadDWord() {
     DWORD value;
-    if (BytesInView() < sizeof value)
+    // A fault takes the general way too, which meets it again and reports it.
+    if (BytesInView() < sizeof value || !sys::LoadGuarded(view + (position - viewOffset), value))
         return ReadDWordAtEdge();
-    std::memcpy(&value, view + (position - viewOffset), sizeof value);
     position += sizeof value;
     return value;
 }
@@ -196,15 +196,17 @@ int CXFile::ReadLine(char* buffer, int maxChars) {
     const DWORD available = BytesInView();
     if (maxChars <= 0 || available == 0)
         return CTypedFile::ReadLine(buffer, maxChars);
-    const auto* start = reinterpret_cast<const char*>(view + (position - viewOffset));
     const DWORD scan = std::min(available, static_cast<DWORD>(maxChars));
-    const auto* feed = static_cast<const char*>(std::memchr(start, '\n', scan));
-    if (feed == nullptr && scan < static_cast<DWORD>(maxChars))
+    const size_t copied =
+        sys::CopyUntilGuarded(buffer, view + (position - viewOffset), scan, '\n');
+    if (copied == sys::kCopyFaulted)
+        FailCopy();
+    const bool lineFeed = copied > 0 && buffer[copied - 1] == '\n';
+    if (!lineFeed && scan < static_cast<DWORD>(maxChars))
         return CTypedFile::ReadLine(buffer, maxChars);  // the line goes on past the view
-    const int count = feed != nullptr ? static_cast<int>(feed - start) : maxChars;
-    std::memcpy(buffer, start, static_cast<size_t>(count) + (feed != nullptr));
-    position += static_cast<DWORD>(count) + (feed != nullptr);
-    buffer[feed != nullptr && count < maxChars - 1 ? count + 1 : count] = 0;
+    const int count = static_cast<int>(copied) - lineFeed;
+    position += static_cast<DWORD>(copied);
+    buffer[lineFeed && count < maxChars - 1 ? count + 1 : count] = 0;
     return count;
 }
 

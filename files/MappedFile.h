@@ -38,8 +38,11 @@ private:
     DWORD BytesInView() const;
     DWORD ReadDWordAtEdge();
     [[noreturn]] void FailOpen(DWORD win32Error);
-    // Copies between the view and the caller: typed values in one move.
-    static void Copy(void* to, const void* from, DWORD size);
+    // Copies between the view and the caller: typed values in one move. A
+    // fault in the view (a file cut short by another process, a view that
+    // may not be written) throws XE_IO_FAULT.
+    void Copy(void* to, const void* from, DWORD size);
+    [[noreturn]] void FailCopy();
 
     sys::FileHandle file = sys::kNoFile;
     sys::MappingHandle mapping = sys::kNoMapping;

@@ -3,12 +3,16 @@
 // the failures of bad names. The same tests run on both builds.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "kticore/files/File.h"
 #include "platform/FileSystem.h"
 #include "tests/support/Counted.h"
 #include "tests/support/ScratchDirectory.h"
+#include "tests/support/TestHelper.h"
 
 namespace {
 
@@ -19,6 +23,9 @@ using kt::test::WideString;
 using kt::test::WriteContent;
 
 constexpr DWORD kView = 131072;  // twice the allocation granularity
+// Exit codes of the test helper's cuts.
+constexpr int kRefused = 3;
+constexpr int kNotUnderWine = 4;
 
 std::string Pattern(size_t size) {
     std::string bytes(size, '\0');
@@ -86,11 +93,14 @@ TEST_F(MappedFile, OneReadSpansSeveralViews) {
     EXPECT_EQ(file->Read(part.data(), 250000), 250000u);
     EXPECT_EQ(part, bytes.substr(100000, 250000));
     EXPECT_EQ(file->GetPosition(), 350000u);
-    // Exactly at the end of the view: the next view comes in.
-    file->Seek(static_cast<LONG>(kView), 0);
+    // A read that begins exactly at the end of the view just read to its
+    // end: the next view comes in.
+    file->Seek(0, 0);
+    EXPECT_EQ(file->Read(part.data(), kView), kView);
     char ten[10];
     EXPECT_EQ(file->Read(ten, 10), 10u);
     EXPECT_EQ(std::string(ten, 10), bytes.substr(kView, 10));
+    EXPECT_EQ(file->GetPosition(), kView + 10);
     // A value across the boundary of two views.
     file->Seek(static_cast<LONG>(kView - 2), 0);
     const DWORD straddling = file->ReadDWord();
@@ -187,6 +197,32 @@ TEST_F(MappedFile, LinesKeepTheirLineFeedWhereThereIsRoom) {
     EXPECT_STREQ(line, "xyz\r\n");
 }
 
+TEST_F(MappedFile, LinesOfEveryLengthAroundTheSixteenByteStepComeBackWhole) {
+    constexpr int kLongest = 40;
+    const auto lineOf = [](int length) {
+        return std::string(length, static_cast<char>('a' + length % 26));
+    };
+    std::string text;
+    for (int length = 0; length <= kLongest; ++length)
+        text += lineOf(length) + "\n";
+    WriteContent(name, text + "tail");
+    Ref<IXFile> file(Fio_Open(name.c_str(), 0));
+    char line[4097];
+    for (int length = 0; length <= kLongest; ++length) {
+        ASSERT_EQ(file->ReadLine(line, 4096), length);
+        EXPECT_EQ(std::string(line), lineOf(length) + "\n");
+    }
+    EXPECT_EQ(file->ReadLine(line, 4096), 4);
+    EXPECT_STREQ(line, "tail");
+    // Cut at maxChars, inside and at the end of a 16-byte step.
+    for (const int maxChars : {15, 16, 17}) {
+        file->Seek(static_cast<LONG>(text.find(lineOf(kLongest))), 0);
+        ASSERT_EQ(file->ReadLine(line, maxChars), maxChars);
+        EXPECT_EQ(std::string(line), lineOf(kLongest).substr(0, maxChars));
+        EXPECT_EQ(file->ReadLine(line, 4096), kLongest - maxChars);
+    }
+}
+
 TEST_F(MappedFile, WideLinesFollowTheSameRule) {
     IXFile* file = Fio_Open(name.c_str(), FIO_WRITE);
     file->Write(KTW("ab\ncd\n"), 6 * sizeof(KTWCHAR));
@@ -229,6 +265,66 @@ TEST_F(MappedFile, AWriterExcludesEveryOtherOpenAndReadersShare) {
     const auto reader = FileFailureOf([&] { Fio_Open(name.c_str(), 0); });
     EXPECT_EQ(reader.code, XE_SHARING);
     EXPECT_EQ(reader.operation, XFILEOP_READ);
+}
+
+// A fault in the view is caught at the copy and thrown on with the file's
+// access as the operation.
+void ExpectIoFault(IXFile* file, const std::function<void()>& access, DWORD operation,
+                   const char* what) {
+    const DWORD position = file->GetPosition();
+    const auto failure = FileFailureOf(access);
+    EXPECT_EQ(failure.code, XE_IO_FAULT) << what;
+    EXPECT_EQ(failure.operation, operation) << what;
+    EXPECT_EQ(failure.name, kt::test::Wide(file->GetName())) << what;
+    EXPECT_EQ(file->GetPosition(), position) << what;
+}
+
+TEST_F(MappedFile, WritingIntoAFileOpenForReadingIsAnIoFault) {
+    WriteContent(name, "read only");
+    {
+        Ref<IXFile> file(Fio_Open(name.c_str(), 0));
+        ExpectIoFault(file.get(), [&] { file->WriteByte('x'); }, XFILEOP_READ, "WriteByte");
+        ExpectIoFault(file.get(), [&] { file->Write("xyz", 3); }, XFILEOP_READ, "Write");
+        file->Write("", 0);  // nothing to write is no failure
+        EXPECT_EQ(file->ReadByte(), 'r');
+    }
+    EXPECT_EQ(ContentOf(name), "read only");
+    WriteContent(name, "");  // nothing mapped at all
+    Ref<IXFile> empty(Fio_Open(name.c_str(), 0));
+    ExpectIoFault(empty.get(), [&] { empty->WriteDWord(1); }, XFILEOP_READ, "into an empty file");
+}
+
+TEST_F(MappedFile, AFileCutShortUnderAReaderIsAnIoFault) {
+    const std::string bytes = Pattern(3 * kView);
+    WriteContent(name, bytes);
+    Ref<IXFile> file(Fio_Open(name.c_str(), 0));
+    EXPECT_EQ(file->ReadByte(), static_cast<BYTE>(bytes[0]));
+    int cut = kt::test::RunTestHelper("cut", name, KTW("10"));
+    if (cut == kRefused) {
+        // Windows keeps a mapped file whole: the reader reads on.
+        file->Seek(100000, 0);
+        EXPECT_EQ(file->ReadByte(), static_cast<BYTE>(bytes[100000]));
+        cut = kt::test::RunTestHelper("cut-beneath", name, KTW("10"));
+        if (cut == kNotUnderWine)
+            GTEST_SKIP() << "only Wine lets a process cut a mapped file";
+    }
+    ASSERT_EQ(cut, 0);
+    char piece[1000];
+    const std::vector<std::pair<const char*, std::function<void()>>> reads = {
+        {"ReadByte", [&] { file->ReadByte(); }},
+        {"ReadWord", [&] { file->ReadWord(); }},
+        {"ReadDWord", [&] { file->ReadDWord(); }},
+        {"ReadDouble", [&] { file->ReadDouble(); }},
+        {"Read", [&] { file->Read(piece, sizeof piece); }},
+        {"ReadLine", [&] { file->ReadLine(piece, 900); }},
+        {"ReadLineW", [&] { file->ReadLineW(reinterpret_cast<KTWCHAR*>(piece), 400); }},
+    };
+    for (const DWORD at : {DWORD{100000}, 2 * kView + 8}) {  // in the view, then in another
+        for (const auto& [what, read] : reads) {
+            file->Seek(static_cast<LONG>(at), 0);
+            ExpectIoFault(file.get(), read, XFILEOP_READ, what);
+        }
+    }
 }
 
 TEST_F(MappedFile, BadNamesFailWithTheirCodes) {

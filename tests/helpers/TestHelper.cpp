@@ -9,8 +9,13 @@
 //                         after the N-th commit make the empty file NAME.N
 //   pass-through IN OUT   read the stored variant in file IN and store it in
 //                         file OUT, in a process that registers no class
+//   cut NAME SIZE         cut NAME to SIZE bytes by the system's call; the
+//                         exit code is 0, or 3 when the system refused
+//   cut-beneath NAME SIZE the same from beneath the system's rules: under
+//                         Wine by a Unix process (4 elsewhere on Windows)
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,6 +24,9 @@
 #include "kticore/files/FileLocks.h"
 #include "kticore/files/FileUtilities.h"
 #include "kticore/streams/Stream.h"
+#if defined(_WIN32)
+#    include <windows.h>
+#endif
 
 namespace {
 
@@ -76,6 +84,64 @@ void PassThrough(const std::basic_string<KTWCHAR>& in, const std::basic_string<K
     stream->Release();
 }
 
+// Exit codes of the cuts.
+constexpr int kCut = 0;
+constexpr int kRefused = 3;
+constexpr int kNotUnderWine = 4;
+
+int Cut(const char* name, const char* size) {
+    std::error_code error;
+    std::filesystem::resize_file(name, std::strtoull(size, nullptr, 10), error);
+    return error ? kRefused : kCut;
+}
+
+#if defined(_WIN32)
+// Windows keeps a mapped file whole; under Wine a Unix process can still cut
+// it, as a file server can cut a file beneath its Windows clients.
+int CutBeneath(const char* name, const char* size) {
+    using UnixFileName = char*(CDECL*)(const WCHAR*);
+    const auto unixFileName = reinterpret_cast<UnixFileName>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("kernel32"), "wine_get_unix_file_name")));
+    if (unixFileName == nullptr)
+        return kNotUnderWine;
+    const std::basic_string<KTWCHAR> wide = Wide(name);
+    char* unixName = unixFileName(reinterpret_cast<const WCHAR*>(wide.c_str()));
+    if (unixName == nullptr)
+        return kRefused;
+    // Wine hands a Unix process the standard handles as Unix files, and a
+    // handle that has none behind it fails the start: it gets the null device.
+    // Wine neither waits for a Unix process nor passes its exit code on: the
+    // size tells, once it has come.
+    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+    const HANDLE nothing = CreateFileA("NUL", GENERIC_READ | GENERIC_WRITE, 3, &inherited,
+                                       OPEN_EXISTING, 0, nullptr);
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = startup.hStdOutput = startup.hStdError = nothing;
+    std::string line = std::string("Z:\\usr\\bin\\truncate -s ") + size + " \"" + unixName + "\"";
+    HeapFree(GetProcessHeap(), 0, unixName);
+    PROCESS_INFORMATION process = {};
+    const bool started = CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                        nullptr, &startup, &process);
+    CloseHandle(nothing);
+    if (!started)
+        return kRefused;
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    const std::uintmax_t wanted = std::strtoull(size, nullptr, 10);
+    for (int i = 0; i < 500; ++i) {
+        std::error_code error;
+        if (std::filesystem::file_size(name, error) == wanted)
+            return kCut;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return kRefused;
+}
+#else
+int CutBeneath(const char* name, const char* size) { return Cut(name, size); }
+#endif
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -100,6 +166,10 @@ int main(int argc, char** argv) {
         PassThrough(name, Wide(argv[3]));
         return 0;
     }
+    if (what == "cut" && argc == 4)
+        return Cut(argv[2], argv[3]);
+    if (what == "cut-beneath" && argc == 4)
+        return CutBeneath(argv[2], argv[3]);
     if (what == "commit-loop" && argc == 4) {
         CommitLoop(name, static_cast<size_t>(std::atol(argv[3])));
         return 0;
