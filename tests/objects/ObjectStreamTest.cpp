@@ -173,7 +173,8 @@ TEST(Proxy, AnUnknownClassIsKeptAndWrittenBackByteForByte) {
 
 TEST(Proxy, ALengthBeyondTheStreamIsShortData) {
     const Bytes exact = {'X', 0, 3, 0, 0, 0, 7, 8, 9};
-    EXPECT_NE(ReadBack(MemoryHolding(exact).get()), nullptr);
+    Ref<IPersistXStream> proxy = ReadBack(MemoryHolding(exact).get());
+    ASSERT_NE(proxy, nullptr);
     Bytes longer = exact;
     longer[2] = 4;
     Ref<IXStream> stream = MemoryHolding(longer);
@@ -186,6 +187,10 @@ TEST(Proxy, ALengthBeyondTheStreamIsShortData) {
     }
     EXPECT_EQ(read, nullptr);
     EXPECT_EQ(stream->GetPosition(), 6u);  // behind the length word
+    // A proxy whose second Load is short keeps what it held.
+    Ref<IXStream> two = MemoryHolding({1, 2});
+    EXPECT_THROW(proxy->Load(two.get()), CXException);
+    EXPECT_EQ(Stored(proxy.get()), exact);
 }
 
 TEST(Proxy, ClassNamesUpTo259CharactersPassThrough) {
