@@ -67,6 +67,7 @@ protected:
     void TearDown() override {
         UnregisterObject(KT_TEST_SHAPE_CLASS);
         UnregisterObject(KT_TEST_EMPTY_CLASS);
+        UnregisterObject(KT_TEST_REFUSING_CLASS);
     }
 
     static Ref<ITestShape> NewShape(ULONG id, const char* label) {
@@ -158,17 +159,21 @@ TEST(ObjectForm, TruncatedFormsAreEndOfFileWithNoObject) {
     EXPECT_EQ(read, nullptr);
 }
 
-TEST(Proxy, AnUnknownClassIsKeptAndWrittenBackByteForByte) {
-    CFixedPayload unknown("CLSID_NobodyKnows", {5, 4, 3, 2, 1});
-    const Bytes bytes = Stored(&unknown);
-    Ref<IXStream> stream = MemoryHolding(bytes);
-    Ref<IPersistXStream> proxy = ReadBack(stream.get());
-    ASSERT_NE(proxy, nullptr);
-    EXPECT_STREQ(proxy->GetClassName(), "CLSID_NobodyKnows");
-    EXPECT_EQ(proxy->GetSize(), 5u);
-    EXPECT_EQ(proxy->QueryInterface(typeid(IPersistX), nullptr), 1);
-    EXPECT_EQ(stream->GetPosition(), bytes.size());
-    EXPECT_EQ(Stored(proxy.get()), bytes);
+TEST_F(ObjectStreaming, AnUnknownClassOrARefusingFactoryGivesAProxyThatWritesTheSameBytes) {
+    ASSERT_EQ(RegisterObject(KT_TEST_REFUSING_CLASS, KT_TEST_CLASSES_FILE), 1);
+    for (const char* name : {"CLSID_NobodyKnows", KT_TEST_REFUSING_CLASS}) {
+        SCOPED_TRACE(name);
+        CFixedPayload unknown(name, {5, 4, 3, 2, 1});
+        const Bytes bytes = Stored(&unknown);
+        Ref<IXStream> stream = MemoryHolding(bytes);
+        Ref<IPersistXStream> proxy = ReadBack(stream.get());
+        ASSERT_NE(proxy, nullptr);
+        EXPECT_STREQ(proxy->GetClassName(), name);
+        EXPECT_EQ(proxy->GetSize(), 5u);
+        EXPECT_EQ(proxy->QueryInterface(typeid(IPersistX), nullptr), 1);
+        EXPECT_EQ(stream->GetPosition(), bytes.size());
+        EXPECT_EQ(Stored(proxy.get()), bytes);
+    }
 }
 
 TEST(Proxy, ALengthBeyondTheStreamIsShortData) {
