@@ -1,5 +1,7 @@
 #include "objects/Proxy.h"
 
+#include <memory>
+
 #include "kticore/core/Exception.h"
 
 namespace kt {
@@ -14,16 +16,18 @@ int CXProxy::InternalQueryInterface(const type_info& wanted, void** out) {
     return 1;
 }
 
+// The held payload is replaced only when the new one has been read whole,
+// so a failed Load leaves a proxy that still writes what it held.
 void CXProxy::Load(IXStream* stream) {
-    delete[] data;
-    data = nullptr;
     const unsigned position = stream->Seek(0, 1);
     const unsigned end = stream->Seek(0, 2);
     stream->Seek(static_cast<LONG>(position), 0);
     if (position > end || size > end - position)
         throw CXException(XE_SHORT_DATA);
-    data = new unsigned char[size];
-    stream->Read(data, size);
+    std::unique_ptr<unsigned char[]> loaded(new unsigned char[size]);
+    stream->Read(loaded.get(), size);
+    delete[] data;
+    data = loaded.release();
 }
 
 void CXProxy::Save(IXStream* stream) { stream->Write(data, size); }

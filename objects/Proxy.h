@@ -17,7 +17,7 @@ public:
     const char* GetClassName() override { return className; }
     ULONG GetSize() override { return size; }
     // Throws XE_SHORT_DATA, before reading anything, when the stream holds
-    // fewer bytes than the stored length.
+    // fewer bytes than the stored length; the proxy keeps what it held.
     void Load(IXStream* stream) override;
     void Save(IXStream* stream) override;
 

@@ -67,19 +67,19 @@ std::unique_ptr<Unit[]> ReadInChunks(IXStream& stream, ULONG byteCount, ULONG& b
 }
 
 // Reads up to `byteCount` bytes into an array-new buffer of Units with a zero
-// unit behind the bytes read; `bytesRead` tells how many came. A damaged count
-// never makes the reader allocate more than the stream holds: where the
-// stream can tell what it holds, one Read takes what there is of the count
-// (as many questions to a progress sink as the count's one Read), else the
-// buffer grows with what arrives.
+// unit behind the bytes read; `bytesRead` tells how many came. Where the
+// stream says it holds the whole count, one Read takes it (as many questions
+// to a progress sink as the count's one Read). Else the stream's figures are
+// not trusted (it can not seek, or its 32-bit length and position are wrong,
+// as past 4 GiB): the buffer grows with what arrives, so a damaged count never
+// makes the reader allocate more than the stream holds.
 template <class Unit>
 Unit* ReadCounted(IXStream& stream, ULONG byteCount, ULONG& bytesRead) {
     const std::optional<ULONG> remaining = Remaining(stream);
     std::unique_ptr<Unit[]> buffer;
-    if (remaining) {
-        const ULONG wanted = std::min(byteCount, *remaining);
-        buffer.reset(new Unit[UnitsFor<Unit>(wanted)]);
-        bytesRead = stream.Read(buffer.get(), wanted);
+    if (remaining && *remaining >= byteCount) {
+        buffer.reset(new Unit[UnitsFor<Unit>(byteCount)]);
+        bytesRead = stream.Read(buffer.get(), byteCount);
     } else {
         buffer = ReadInChunks<Unit>(stream, byteCount, bytesRead);
     }

@@ -60,6 +60,21 @@ Ref<IPersistXStream> ReadBack(IXStream* stream) {
     return Ref<IPersistXStream>(persist);
 }
 
+// The code that reading an object from `stream` fails with; no object is
+// handed out.
+DWORD ReadFailure(IXStream* stream) {
+    IKTUnknown* read = reinterpret_cast<IKTUnknown*>(&read);
+    DWORD code = XE_NONE;
+    try {
+        ReadObjectFromXStream(stream, &read);
+        ADD_FAILURE() << "an object was read";
+    } catch (const CXException& failure) {
+        code = failure.code;
+    }
+    EXPECT_EQ(read, nullptr);
+    return code;
+}
+
 // The shape class of the tests' module, registered for each test.
 class ObjectStreaming : public ::testing::Test {
 protected:
@@ -67,6 +82,7 @@ protected:
     void TearDown() override {
         UnregisterObject(KT_TEST_SHAPE_CLASS);
         UnregisterObject(KT_TEST_EMPTY_CLASS);
+        UnregisterObject(KT_TEST_REFUSING_CLASS);
     }
 
     static Ref<ITestShape> NewShape(ULONG id, const char* label) {
@@ -103,10 +119,19 @@ TEST(ObjectForm, NoObjectIsOneZeroByte) {
     EXPECT_EQ(stream->GetPosition(), 1u);
 }
 
-TEST(ObjectForm, NameTerminatorLengthAndPayload) {
+TEST(ObjectForm, NameTerminatorMeasuredLengthAndPayloadAtAnyPosition) {
     CFixedPayload abc("Abc", {1, 2});
-    EXPECT_EQ(Stored(&abc), (Bytes{0x41, 0x62, 0x63, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01, 0x02}));
     EXPECT_EQ(SizeOfObject(&abc), 10u);
+    Ref<IXStream> stream(new_StreamOnMemory());
+    stream->WriteDWord(0xFFFFFFFF);
+    EXPECT_EQ(WriteObjectToXStream(stream.get(), &abc), 1);
+    stream->WriteByte(9);
+    EXPECT_EQ(AllBytes(stream.get()),
+              (Bytes{0xFF, 0xFF, 0xFF, 0xFF, 0x41, 0x62, 0x63, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01, 0x02, 9}));
+    // Skipping steps over the object and answers where it began.
+    stream->Seek(4, 0);
+    EXPECT_EQ(SkipObjectToXStream(stream.get()), 4u);
+    EXPECT_EQ(stream->ReadByte(), 9);
 }
 
 TEST(ObjectForm, WhatSaveThrowsPassesThroughAndTheLengthStaysZero) {
@@ -121,71 +146,43 @@ TEST(ObjectForm, WhatSaveThrowsPassesThroughAndTheLengthStaysZero) {
     EXPECT_EQ(AllBytes(stream.get()), (Bytes{'A', 'b', 'c', 0, 0, 0, 0, 0, 1, 2}));
 }
 
-TEST(ObjectForm, TheLengthIsMeasuredAtAnyPosition) {
-    Ref<IXStream> stream(new_StreamOnMemory());
-    stream->WriteDWord(0xFFFFFFFF);
-    CFixedPayload abc("Abc", {1, 2, 3});
-    WriteObjectToXStream(stream.get(), &abc);
-    stream->WriteByte(9);
-    EXPECT_EQ(AllBytes(stream.get()), (Bytes{0xFF, 0xFF, 0xFF, 0xFF, 'A', 'b', 'c', 0, 3, 0, 0, 0, 1, 2, 3, 9}));
-}
-
-TEST(ObjectForm, SkipStepsOverOneObject) {
-    CFixedPayload abc("Abc", {1, 2, 3});
-    Bytes bytes = Stored(&abc);
-    bytes.push_back(0x77);
-    Ref<IXStream> stream = MemoryHolding(bytes);
-    EXPECT_EQ(SkipObjectToXStream(stream.get()), 0u);
-    EXPECT_EQ(stream->ReadByte(), 0x77);
-}
-
-TEST(ObjectForm, TruncatedFormsAreEndOfFileWithNoObject) {
-    for (const Bytes& bytes : {Bytes{'A', 'b'}, Bytes{'A', 'b', 0}}) {
-        Ref<IXStream> stream = MemoryHolding(bytes);
-        IKTUnknown* read = reinterpret_cast<IKTUnknown*>(&read);
-        EXPECT_THROW(ReadObjectFromXStream(stream.get(), &read), CXEofException);
-        EXPECT_EQ(read, nullptr);
-    }
+TEST(ObjectForm, TruncatedFormsGiveNoObject) {
+    EXPECT_EQ(ReadFailure(MemoryHolding({'A', 'b'}).get()), XE_END_OF_FILE);
+    EXPECT_EQ(ReadFailure(MemoryHolding({'A', 'b', 0}).get()), XE_END_OF_FILE);
     // A part of the length word is read as a length: then the payload is short.
-    Ref<IXStream> stream = MemoryHolding({'A', 'b', 0, 1});
-    IKTUnknown* read = nullptr;
-    try {
-        ReadObjectFromXStream(stream.get(), &read);
-        ADD_FAILURE() << "a one-byte length word was taken as a whole object";
-    } catch (const CXException& failure) {
-        EXPECT_EQ(failure.code, XE_SHORT_DATA);
-    }
-    EXPECT_EQ(read, nullptr);
+    EXPECT_EQ(ReadFailure(MemoryHolding({'A', 'b', 0, 1}).get()), XE_SHORT_DATA);
 }
 
-TEST(Proxy, AnUnknownClassIsKeptAndWrittenBackByteForByte) {
-    CFixedPayload unknown("CLSID_NobodyKnows", {5, 4, 3, 2, 1});
-    const Bytes bytes = Stored(&unknown);
-    Ref<IXStream> stream = MemoryHolding(bytes);
-    Ref<IPersistXStream> proxy = ReadBack(stream.get());
-    ASSERT_NE(proxy, nullptr);
-    EXPECT_STREQ(proxy->GetClassName(), "CLSID_NobodyKnows");
-    EXPECT_EQ(proxy->GetSize(), 5u);
-    EXPECT_EQ(proxy->QueryInterface(typeid(IPersistX), nullptr), 1);
-    EXPECT_EQ(stream->GetPosition(), bytes.size());
-    EXPECT_EQ(Stored(proxy.get()), bytes);
+TEST_F(ObjectStreaming, AnUnknownClassOrARefusingFactoryGivesAProxyThatWritesTheSameBytes) {
+    ASSERT_EQ(RegisterObject(KT_TEST_REFUSING_CLASS, KT_TEST_CLASSES_FILE), 1);
+    for (const char* name : {"CLSID_NobodyKnows", KT_TEST_REFUSING_CLASS}) {
+        SCOPED_TRACE(name);
+        CFixedPayload unknown(name, {5, 4, 3, 2, 1});
+        const Bytes bytes = Stored(&unknown);
+        Ref<IXStream> stream = MemoryHolding(bytes);
+        Ref<IPersistXStream> proxy = ReadBack(stream.get());
+        ASSERT_NE(proxy, nullptr);
+        EXPECT_STREQ(proxy->GetClassName(), name);
+        EXPECT_EQ(proxy->GetSize(), 5u);
+        EXPECT_EQ(proxy->QueryInterface(typeid(IPersistX), nullptr), 1);
+        EXPECT_EQ(stream->GetPosition(), bytes.size());
+        EXPECT_EQ(Stored(proxy.get()), bytes);
+    }
 }
 
 TEST(Proxy, ALengthBeyondTheStreamIsShortData) {
     const Bytes exact = {'X', 0, 3, 0, 0, 0, 7, 8, 9};
-    EXPECT_NE(ReadBack(MemoryHolding(exact).get()), nullptr);
+    Ref<IPersistXStream> proxy = ReadBack(MemoryHolding(exact).get());
+    ASSERT_NE(proxy, nullptr);
     Bytes longer = exact;
     longer[2] = 4;
     Ref<IXStream> stream = MemoryHolding(longer);
-    IKTUnknown* read = reinterpret_cast<IKTUnknown*>(&read);
-    try {
-        ReadObjectFromXStream(stream.get(), &read);
-        ADD_FAILURE() << "a proxy read past the end";
-    } catch (const CXException& failure) {
-        EXPECT_EQ(failure.code, XE_SHORT_DATA);
-    }
-    EXPECT_EQ(read, nullptr);
+    EXPECT_EQ(ReadFailure(stream.get()), XE_SHORT_DATA);
     EXPECT_EQ(stream->GetPosition(), 6u);  // behind the length word
+    // A proxy whose second Load is short keeps what it held.
+    Ref<IXStream> two = MemoryHolding({1, 2});
+    EXPECT_THROW(proxy->Load(two.get()), CXException);
+    EXPECT_EQ(Stored(proxy.get()), exact);
 }
 
 TEST(Proxy, ClassNamesUpTo259CharactersPassThrough) {
@@ -202,14 +199,7 @@ TEST(Proxy, ClassNamesUpTo259CharactersPassThrough) {
     // than the four bytes left.
     CFixedPayload tooLong(std::string(260, 'L'), {1, 2, 3});
     Ref<IXStream> stream = MemoryHolding(Stored(&tooLong));
-    IKTUnknown* read = reinterpret_cast<IKTUnknown*>(&read);
-    try {
-        ReadObjectFromXStream(stream.get(), &read);
-        ADD_FAILURE() << "a name of 260 characters was read back";
-    } catch (const CXException& failure) {
-        EXPECT_EQ(failure.code, XE_SHORT_DATA);
-    }
-    EXPECT_EQ(read, nullptr);
+    EXPECT_EQ(ReadFailure(stream.get()), XE_SHORT_DATA);
     EXPECT_EQ(stream->GetPosition(), 264u);
 }
 
@@ -258,38 +248,7 @@ TEST_F(ObjectStreaming, AnEmptyPayloadIsStoredAsALengthOfZeroAndStillLoaded) {
     EXPECT_EQ(stream->ReadByte(), 0x77);
 }
 
-TEST_F(ObjectStreaming, AnObjectVariantPassesThroughAProcessThatLacksItsClass) {
-    Ref<ITestShape> outer = NestedShapes();
-    ASSERT_NE(outer, nullptr);
-    const CKTVariant value(static_cast<IKTUnknown*>(outer.get()));
-    Ref<IXStream> written(new_StreamOnMemory());
-    written->WriteVariant(&value);
-    written->WriteDWord(0xC0FFEE);
-    const Bytes bytes = AllBytes(written.get());
-
-    // A reader without the class gets proxies, and writes the same bytes.
-    UnregisterObject(KT_TEST_SHAPE_CLASS);
-    Ref<IXStream> reader = MemoryHolding(bytes);
-    CKTVariant read;
-    ASSERT_EQ(reader->ReadVariant(&read), 1);
-    ASSERT_EQ(read.vt, KTVT_OBJECT);
-    ASSERT_NE(read.punkVal, nullptr);
-    EXPECT_EQ(read.punkVal->QueryInterface(typeid(ITestShape), nullptr), 0);
-    EXPECT_EQ(reader->ReadDWord(), 0xC0FFEEu);
-
-    Ref<IXStream> rewritten(new_StreamOnMemory());
-    rewritten->WriteVariant(&read);
-    rewritten->WriteDWord(0xC0FFEE);
-    EXPECT_EQ(AllBytes(rewritten.get()), bytes);
-
-    // And a reader with the class gets the shapes back from those bytes.
-    ASSERT_EQ(RegisterObject(KT_TEST_SHAPE_CLASS, KT_TEST_CLASSES_FILE), 1);
-    Ref<IXStream> again = MemoryHolding(AllBytes(rewritten.get()));
-    ASSERT_EQ(again->ReadVariant(&read), 1);
-    EXPECT_EQ(read.punkVal->QueryInterface(typeid(ITestShape), nullptr), 1);
-}
-
-TEST_F(ObjectStreaming, AnotherProcessThatNeverHeardOfTheClassPassesTheBytesThrough) {
+TEST_F(ObjectStreaming, AnObjectVariantPassesThroughAProcessThatNeverHeardOfItsClass) {
     Ref<ITestShape> outer = NestedShapes();
     ASSERT_NE(outer, nullptr);
     const CKTVariant value(static_cast<IKTUnknown*>(outer.get()));

@@ -66,7 +66,8 @@ TEST(Registry, ALoadedModuleMustExportTheName) {
 TEST(Registry, TheFirstRegistrationStandsAlsoWhenItsModuleLacksTheFactory) {
     // The twin shares the shape class's hash, so both names are one key, and
     // the module lacks the twin's export: only the twin's entry can not create.
-    Registration twin("CLSID_Tesjx8wrb", KT_TEST_CLASSES_FILE);
+    ASSERT_FALSE(kt::test::IsModuleLoaded(KT_TEST_LACKING_CLASSES_PATH));
+    Registration twin("CLSID_Tesjx8wrb", KT_TEST_LACKING_CLASSES_FILE);
     Registration shape(KT_TEST_SHAPE_CLASS, KT_TEST_CLASSES_FILE);
     EXPECT_EQ(twin.result, 1);
     EXPECT_EQ(shape.result, 1);
@@ -76,7 +77,7 @@ TEST(Registry, TheFirstRegistrationStandsAlsoWhenItsModuleLacksTheFactory) {
         EXPECT_EQ(made, nullptr);
     }
     // The module stays loaded and the entry stays registered.
-    EXPECT_TRUE(kt::test::IsModuleLoaded(KT_TEST_CLASSES_PATH));
+    EXPECT_TRUE(kt::test::IsModuleLoaded(KT_TEST_LACKING_CLASSES_PATH));
     EXPECT_EQ(IsRegisterObject(KT_TEST_SHAPE_CLASS), 1);
 }
 

@@ -235,6 +235,9 @@ TEST(EmptyStream, SwallowsWritesAndReadsZerosWithoutEnd) {
     char line[4] = "abc";
     EXPECT_EQ(stream->ReadLine(line, 4), 1);
     EXPECT_STREQ(line, "");
+    KTWCHAR units[4] = {'a', 'b', 'c', 0};
+    EXPECT_EQ(stream->ReadLineW(units, 4), 1);
+    EXPECT_EQ(units[0], 0);
     CKTVariant read("before");
     EXPECT_EQ(stream->ReadVariant(&read), 1);
     EXPECT_EQ(read.vt, KTVT_EMPTY);

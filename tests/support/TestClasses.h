@@ -1,8 +1,9 @@
 // Where the tests' own class module lies, and whether the process has loaded
 // it. The build names it by KT_TEST_CLASSES_FILE (the file name, found on the
 // module search path beside the test) and KT_TEST_CLASSES_PATH (what loads
-// it directly); KT_TEST_LATE_CLASSES_... name a copy that only the test of
-// late loading touches.
+// it directly); KT_TEST_LATE_CLASSES_... and KT_TEST_LACKING_CLASSES_... name
+// copies that only the test of late loading, and that of a module lacking a
+// factory, touch.
 #pragma once
 
 #include "kticore/platform/Platform.h"
