@@ -155,7 +155,7 @@ private:
         constexpr int kLongest = 200;
         s.Delete(kLongest, static_cast<int>(s.GetLength()));
         const Unit* own = s.GetData(input.Below(s.GetLength() + 1));
-        switch (input.Below(8)) {
+        switch (input.Below(7)) {
             case 0:
                 s.FindReplace(own, SomeText().c_str());
                 break;
@@ -172,10 +172,7 @@ private:
                 s.ChangeFileExt(own);
                 break;
             case 5:
-                s.Format(Text{'<', '%', 's', '>'}.c_str(), own);
-                break;
-            case 6:
-                FormatByOwnFormat();
+                FormatOwnText();
                 break;
             default:
                 s = own;
@@ -183,10 +180,10 @@ private:
         }
     }
 
-    // The string's own text as the format, of text conversions only so that
-    // each finds an argument; some arguments lie in the buffer too. It must
-    // print what copies of the format and of that text print.
-    void FormatByOwnFormat() {
+    // A format of text conversions only, so that each finds an argument. It
+    // and some of the arguments lie in the string's own buffer, the format
+    // not always; the text must be what copies of them print.
+    void FormatOwnText() {
         static const char* kPieces[] = {"%s", "%-6s", "%.2s", "%5s", "%%", "ab"};
         constexpr unsigned kMostPieces = 5;  // no more conversions than arguments below
         Text format;
@@ -201,9 +198,10 @@ private:
         String expected;
         expected.Format(format.c_str(), other.c_str(), ownCopy.c_str(), other.c_str(),
                         ownCopy.c_str(), other.c_str());
-        s.Format(s, other.c_str(), own, other.c_str(), own, other.c_str());
+        s.Format(input.Below(2) ? static_cast<const Unit*>(s) : format.c_str(), other.c_str(), own,
+                 other.c_str(), own, other.c_str());
         Require(Text(static_cast<const Unit*>(s)) == static_cast<const Unit*>(expected),
-                "a format in the string's own buffer printed otherwise");
+                "a format of the string's own text printed otherwise");
     }
 
     void Search() {

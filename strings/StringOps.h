@@ -483,11 +483,14 @@ struct StringOps {
             Adopt(s, target);
     }
 
+    // The buffer is locked while the system writes into it, and unlocked
+    // afterwards, also where it was locked before.
     static int Load(String& s, void* module, unsigned id) {
         for (unsigned capacity = 255;; capacity += 256) {
-            ReallocBuffer(s, capacity + 2);
-            const int loaded = sys::LoadStringResource(static_cast<HMODULE>(module), id, s.data,
+            Unit* buffer = GetBuffer(s, static_cast<int>(capacity + 1));  // room for capacity + 2
+            const int loaded = sys::LoadStringResource(static_cast<HMODULE>(module), id, buffer,
                                                        static_cast<int>(capacity + 1));
+            ReleaseBuffer(s);
             if (loaded <= 0)
                 return 0;
             if (static_cast<unsigned>(loaded) < capacity)
