@@ -1,7 +1,7 @@
 // Drives both string classes through arbitrary sequences of edits, searches,
 // path operations and formats, in a single-byte or a double-byte code page
 // with arbitrary bytes as text (cut-off double-byte characters included), also
-// with text taken from the string's own buffer.
+// with text, or a format, taken from the string's own buffer.
 // After every step it checks that the text is terminated where its size says,
 // that whole characters add up to that size, and that no copy taken earlier
 // has changed. Each format is checked against its estimate. The sanitizers
@@ -172,12 +172,36 @@ private:
                 s.ChangeFileExt(own);
                 break;
             case 5:
-                s.Format(Text{'<', '%', 's', '>'}.c_str(), own);
+                FormatOwnText();
                 break;
             default:
                 s = own;
                 break;
         }
+    }
+
+    // A format of text conversions only, so that each finds an argument. It
+    // and some of the arguments lie in the string's own buffer, the format
+    // not always; the text must be what copies of them print.
+    void FormatOwnText() {
+        static const char* kPieces[] = {"%s", "%-6s", "%.2s", "%5s", "%%", "ab"};
+        constexpr unsigned kMostPieces = 5;  // no more conversions than arguments below
+        Text format;
+        for (unsigned n = input.Below(kMostPieces + 1); n > 0; --n) {
+            const std::string piece = kPieces[input.Below(6)];
+            format.append(piece.begin(), piece.end());
+        }
+        s = format.c_str();
+        s.GetBuffer(static_cast<int>(input.Below(100))), s.ReleaseBuffer();  // room to spare
+        const Unit* own = s.GetData(input.Below(s.GetLength() + 1));
+        const Text ownCopy = own, other = SomeText();
+        String expected;
+        expected.Format(format.c_str(), other.c_str(), ownCopy.c_str(), other.c_str(),
+                        ownCopy.c_str(), other.c_str());
+        s.Format(input.Below(2) ? static_cast<const Unit*>(s) : format.c_str(), other.c_str(), own,
+                 other.c_str(), own, other.c_str());
+        Require(Text(static_cast<const Unit*>(s)) == static_cast<const Unit*>(expected),
+                "a format of the string's own text printed otherwise");
     }
 
     void Search() {

@@ -8,6 +8,7 @@
 
 #include <cstdarg>
 #include <cstddef>
+#include <functional>
 
 namespace kt::format {
 
@@ -18,6 +19,10 @@ struct Region {
     const void* begin;
     const void* end;
     bool holdsArgument = false;
+
+    bool Holds(const void* p) const {
+        return std::less_equal<const void*>()(begin, p) && std::less<const void*>()(p, end);
+    }
 };
 
 // An upper bound of the length of the text that Print writes for `format`

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <functional>
 #include <string>
 
 #include "strings/FormatConversion.h"
@@ -45,9 +44,7 @@ long long TextItem(const Conversion<Unit>& c, Arguments& args, Region* target) {
         text = narrow;
         item = TextLength(narrow);
     }
-    if (target != nullptr && text != nullptr &&
-        std::less_equal<const void*>()(target->begin, text) &&
-        std::less<const void*>()(text, target->end))
+    if (target != nullptr && text != nullptr && target->Holds(text))
         target->holdsArgument = true;
     return std::max(item, 1LL);
 }

@@ -453,9 +453,9 @@ struct StringOps {
     }
 
     // Prints into the string's own buffer when it is private (locked or not),
-    // large enough and holds none of the text arguments; else into a new one
-    // that replaces it afterwards, so that text taken from the old buffer is
-    // read intact. A private buffer is not shrunk by that: the new one is at
+    // large enough and holds neither the format nor any text argument; else
+    // into a new one that replaces it afterwards, so that text taken from the
+    // old buffer (a loaded format, say) is read intact. A private buffer is not shrunk by that: the new one is at
     // least as large. Should the estimate ever fall short, the text is printed
     // again into the room it needs rather than cut.
     static void Format(String& s, const Unit* format, va_list args) {
@@ -466,7 +466,7 @@ struct StringOps {
         const unsigned room = static_cast<unsigned>(std::min<long long>(estimate, INT_MAX)) + 1;
         const bool isPrivate = Header(s.data)->refs < 2;
         Unit* target = s.data;
-        if (!HasPrivateRoom(s, room) || own.holdsArgument)
+        if (!HasPrivateRoom(s, room) || own.holdsArgument || own.Holds(format))
             target = NewBuffer(isPrivate ? std::max(room, Capacity(s)) : room);
         for (;;) {
             const size_t capacity = static_cast<size_t>(Header(target)->alloc) / sizeof(Unit);
@@ -483,11 +483,14 @@ struct StringOps {
             Adopt(s, target);
     }
 
+    // The buffer is locked while the system writes into it, and unlocked
+    // afterwards, also where it was locked before.
     static int Load(String& s, void* module, unsigned id) {
         for (unsigned capacity = 255;; capacity += 256) {
-            ReallocBuffer(s, capacity + 2);
-            const int loaded = sys::LoadStringResource(static_cast<HMODULE>(module), id, s.data,
+            Unit* buffer = GetBuffer(s, static_cast<int>(capacity + 1));  // room for capacity + 2
+            const int loaded = sys::LoadStringResource(static_cast<HMODULE>(module), id, buffer,
                                                        static_cast<int>(capacity + 1));
+            ReleaseBuffer(s);
             if (loaded <= 0)
                 return 0;
             if (static_cast<unsigned>(loaded) < capacity)

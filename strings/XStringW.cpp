@@ -242,16 +242,18 @@ CXStringW operator+(const CXStringW& left, KTWCHAR right) { return Ops::Concaten
 CXStringW operator+(KTWCHAR left, const CXStringW& right) { return Ops::Concatenate(left, right); }
 
 void hostMultiByteToUnicode(const char* text, CXStringW& out) {
-    const int size = text != nullptr ? static_cast<int>(kt::NarrowText::Size(text)) : 0;
+    // The terminator is converted too, so an empty text converts to one unit
+    // and only a text that cannot be converted at all gives nothing.
+    const int size = text != nullptr ? static_cast<int>(kt::NarrowText::Size(text)) + 1 : 0;
     const unsigned codePage = kt::NarrowTextCodePage();
     const int units = kt::sys::MultiByteToWide(codePage, text, size, nullptr, 0);
     if (units <= 0) {
         out = static_cast<const KTWCHAR*>(nullptr);
         return;
     }
-    // Converted aside and then assigned, so `out` always gets a new buffer,
-    // sized as an assignment sizes it.
-    std::basic_string<KTWCHAR> converted(static_cast<size_t>(units), 0);
+    // Converted aside, with a spare 0 unit, and then assigned as a text, so
+    // `out` always gets a new buffer, sized as an assignment sizes it.
+    std::basic_string<KTWCHAR> converted(static_cast<size_t>(units) + 1, 0);
     kt::sys::MultiByteToWide(codePage, text, size, &converted[0], units);
-    Ops::AssignCopy(out, converted.data(), static_cast<unsigned>(units));
+    Ops::AssignCopy(out, converted.data(), kt::WideText::Size(converted.data()));
 }

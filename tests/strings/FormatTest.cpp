@@ -197,14 +197,5 @@ TEST_F(RandomFormats, EstimatesAreNeverShort) {
     }
 }
 
-TEST_F(RandomFormats, TheTypicalLogLineIsCovered) {
-    for (int round = 0; round < 500; ++round) {
-        const std::string key(static_cast<size_t>(Pick(30)), 'k');
-        const std::string value(static_cast<size_t>(Pick(30)), 'v');
-        Check("%hs=%d (%5.2f) %hs", key.c_str(), static_cast<int>(random()),
-              (random() % 100000) / 7.0, value.c_str());
-    }
-}
-
 }  // namespace
 }  // namespace kt::test

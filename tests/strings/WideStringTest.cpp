@@ -55,8 +55,9 @@ TEST(WideString, NarrowTextConvertsInTheAnsiCodePage) {
     EXPECT_EQ(Wide(CXStringW("caf\xE9")), KTW("caf\u00e9"));
     EXPECT_EQ(Wide(CXStringW("\x80")), KTW("\u20ac"));  // the euro sign in 1252
     CXStringW out(KTW("old"));
-    hostMultiByteToUnicode("", out);
+    hostMultiByteToUnicode("", out);  // converts, and assigns, its terminator
     EXPECT_EQ(out.GetLength(), 0u);
+    EXPECT_EQ(out.GetAllocSize(), 2 * static_cast<int>(sizeof(KTWCHAR)));
     hostMultiByteToUnicode("new", out);
     EXPECT_EQ(Wide(out), KTW("new"));
 }

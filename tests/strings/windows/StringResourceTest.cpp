@@ -6,6 +6,7 @@
 
 #include "kticore/strings/XString.h"
 #include "kticore/strings/XStringW.h"
+#include "tests/support/StringInspection.h"
 #include "tests/support/WideText.h"
 
 namespace kt::test {
@@ -30,9 +31,19 @@ TEST(StringResource, LoadsStringsOfAnyLength) {
     EXPECT_EQ(exact.GetAt(254), 'u');
 }
 
-TEST(StringResource, AMissingStringLoadsNothing) {
-    CXString narrow;
-    EXPECT_EQ(narrow.Load(ThisModule(), 99), 0);
+// Load locks the buffer only while the system writes into it: a string
+// locked before comes out unlocked, whether or not the string is found.
+TEST(StringResource, LoadUnlocksAndAMissingStringLoadsNothing) {
+    for (unsigned id : {1u, 99u}) {
+        CXString narrow;
+        CXStringW wide;
+        narrow.GetBuffer(300);  // room enough for Load to keep the buffer
+        wide.GetBuffer(300);
+        EXPECT_EQ(narrow.Load(ThisModule(), id), id == 1 ? 1 : 0);
+        EXPECT_EQ(wide.Load(ThisModule(), id), id == 1 ? 1 : 0);
+        EXPECT_EQ(HeaderOf(narrow).refs, 1) << id;
+        EXPECT_EQ(HeaderOf(wide).refs, 1) << id;
+    }
 }
 
 }  // namespace
