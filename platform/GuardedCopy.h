@@ -104,7 +104,7 @@ constexpr size_t kCopyFaulted = ~size_t{0};
 // Copies up to `size` bytes from memory that may fault to memory that will
 // not, and stops behind the first `stop` byte: the number of bytes up to and
 // including it, or `size` when there is none; kCopyFaulted after a fault.
-// Up to 15 bytes behind the stop may be written too, never beyond `size`.
+// Nothing behind the stop is written: the caller's bytes there stay.
 inline size_t CopyUntilGuarded(char* to, const void* from, size_t size, char stop) {
     const auto* source = static_cast<const char*>(from);
     const __m128i stops = _mm_set1_epi8(stop);
@@ -113,15 +113,23 @@ inline size_t CopyUntilGuarded(char* to, const void* from, size_t size, char sto
         __m128i piece;
         if (!LoadGuarded(source + done, piece))
             return kCopyFaulted;
-        _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to + done), piece);
         const auto hits = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(piece, stops)));
-        if (hits != 0)
-            return done + static_cast<size_t>(__builtin_ctz(hits)) + 1;
+        if (hits != 0) {
+            const size_t through = static_cast<size_t>(__builtin_ctz(hits)) + 1;
+            std::memcpy(to + done, &piece, through);
+            return done + through;
+        }
+        _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to + done), piece);
     }
-    if (!MoveGuarded(to + done, source + done, size - done))
+    char rest[sizeof(__m128i)];
+    if (!MoveGuarded(rest, source + done, size - done))
         return kCopyFaulted;
-    const void* found = std::memchr(to + done, stop, size - done);
-    return found != nullptr ? static_cast<size_t>(static_cast<const char*>(found) - to) + 1 : size;
+    const void* found = std::memchr(rest, stop, size - done);
+    const size_t through =
+        found != nullptr ? static_cast<size_t>(static_cast<const char*>(found) - rest) + 1
+                         : size - done;
+    std::memcpy(to + done, rest, through);
+    return done + through;
 }
 
 }  // namespace kt::sys

@@ -18,6 +18,9 @@ struct CodeRange {
 
 // The fixup of the guarded instruction at `instruction`, or 0 when the
 // instruction is not one.
+constexpr std::uint8_t kShortJump = 0xEB;
+constexpr std::uint8_t kNearJump = 0xE9;
+
 inline std::uintptr_t GuardedFixup(std::uintptr_t instruction, const CodeRange& code) {
     constexpr std::uintptr_t kMarker = 2 * sizeof(std::uint32_t);
     if (instruction < code.start + kMarker || instruction >= code.end)
@@ -29,7 +32,14 @@ inline std::uintptr_t GuardedFixup(std::uintptr_t instruction, const CodeRange& 
                 sizeof distance);
     if (magic != kGuardMagic)
         return 0;
-    return instruction + static_cast<std::uintptr_t>(static_cast<std::intptr_t>(distance));
+    // A fixup is a jump: the magic number met by chance elsewhere in the code
+    // leads nowhere else.
+    const std::uintptr_t fixup =
+        instruction + static_cast<std::uintptr_t>(static_cast<std::intptr_t>(distance));
+    if (fixup < code.start || fixup >= code.end)
+        return 0;
+    const auto opcode = *reinterpret_cast<const std::uint8_t*>(fixup);
+    return opcode == kShortJump || opcode == kNearJump ? fixup : 0;
 }
 
 }  // namespace kt::sys

@@ -37,13 +37,15 @@ const CodeRange thisCode = ThisCode();
 struct sigaction previousOnSegv;
 struct sigaction previousOnBus;
 
-// Where the previous handler was the default, the default comes back, and
-// the fault, met again when the instruction runs again, ends the process as
-// it would have.
+// Only a fault the kernel met resumes at a fixup: a signal that somebody
+// sent (si_code of 0 or below) goes on like every other. Where the previous
+// handler was the default, the default comes back, and the fault, met again
+// when the instruction runs again, ends the process as it would have.
 void ResumeGuardedFault(int signal, siginfo_t* info, void* context) {
+    const bool met = info->si_code > 0;
     auto& instruction = static_cast<ucontext_t*>(context)->uc_mcontext.gregs[REG_RIP];
     const std::uintptr_t fixup =
-        GuardedFixup(static_cast<std::uintptr_t>(instruction), thisCode);
+        met ? GuardedFixup(static_cast<std::uintptr_t>(instruction), thisCode) : 0;
     if (fixup != 0) {
         instruction = static_cast<greg_t>(fixup);
         return;
@@ -51,13 +53,15 @@ void ResumeGuardedFault(int signal, siginfo_t* info, void* context) {
     const struct sigaction& previous = signal == SIGBUS ? previousOnBus : previousOnSegv;
     if (previous.sa_flags & SA_SIGINFO) {
         previous.sa_sigaction(signal, info, context);
-    } else if (previous.sa_handler != SIG_DFL && previous.sa_handler != SIG_IGN) {
+    } else if (previous.sa_handler == SIG_IGN) {
+        return;  // the host chose to ignore it
+    } else if (previous.sa_handler != SIG_DFL) {
         previous.sa_handler(signal);
     } else {
         struct sigaction fallback = {};
         fallback.sa_handler = SIG_DFL;
         sigaction(signal, &fallback, nullptr);
-        if (info->si_code <= 0)  // sent, not met: nothing runs again
+        if (!met)  // nothing runs again to meet it
             raise(signal);
     }
 }

@@ -3,6 +3,7 @@
 // the failures of bad names. The same tests run on both builds.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <functional>
 #include <string>
 #include <utility>
@@ -209,8 +210,10 @@ TEST_F(MappedFile, LinesOfEveryLengthAroundTheSixteenByteStepComeBackWhole) {
     Ref<IXFile> file(Fio_Open(name.c_str(), 0));
     char line[4097];
     for (int length = 0; length <= kLongest; ++length) {
+        std::memset(line, '#', sizeof line);
         ASSERT_EQ(file->ReadLine(line, 4096), length);
         EXPECT_EQ(std::string(line), lineOf(length) + "\n");
+        EXPECT_EQ(line[length + 2], '#') << "a byte behind the line was written";
     }
     EXPECT_EQ(file->ReadLine(line, 4096), 4);
     EXPECT_STREQ(line, "tail");
