@@ -105,19 +105,24 @@ TEST_F(OutputFile, AnEmptyTargetFailsAtCommit) {
     EXPECT_EQ(ContentOf(failure.name), "work");
 }
 
+// Each writer has its own temporary file; with FIO_KEEP each starts from
+// the old content, although the other's lock holds the target.
 TEST_F(OutputFile, OfTwoWritersOnOneTargetTheLaterCommitWins) {
+    for (const int flags : {0, static_cast<int>(FIO_KEEP)})
     for (const bool targetExists : {true, false}) {
-        SCOPED_TRACE(targetExists ? "existing target" : "new target");
+        SCOPED_TRACE(std::string(targetExists ? "existing" : "new") + " target, flags " +
+                     std::to_string(flags));
+        const std::string old = targetExists && flags == FIO_KEEP ? "old" : "";
         if (targetExists)
             WriteContent(target, "old");
-        Ref<IXOutFile> first(Fio_OpenOut(target.c_str(), 0));
-        Ref<IXOutFile> second(Fio_OpenOut(target.c_str(), 0));
+        Ref<IXOutFile> first(Fio_OpenOut(target.c_str(), flags));
+        Ref<IXOutFile> second(Fio_OpenOut(target.c_str(), flags));
         Write(first.get(), "first");
         Write(second.get(), "second");
         second->Commit();
-        EXPECT_EQ(ContentOf(target), "second");
+        EXPECT_EQ(ContentOf(target), old + "second");
         first->Commit();
-        EXPECT_EQ(ContentOf(target), "first");
+        EXPECT_EQ(ContentOf(target), old + "first");
         EXPECT_EQ(Fio_LockCount(target.c_str(), false), 0);
         EXPECT_EQ(TemporaryFiles(), 0u);
         Fio_DeleteFile(target.c_str());
@@ -127,12 +132,12 @@ TEST_F(OutputFile, OfTwoWritersOnOneTargetTheLaterCommitWins) {
 TEST_F(OutputFile, AnotherHoldersLockSurvivesTheReplacement) {
     WriteContent(target, "old");
     Fio_LockFile(target.c_str(), false);
-    IXOutFile* out = Fio_OpenOut(target.c_str(), 0);
-    Write(out, "new");
+    IXOutFile* out = Fio_OpenOut(target.c_str(), FIO_KEEP);
+    Write(out, " and new");
     out->Commit();
     out->Release();
     EXPECT_EQ(Fio_LockCount(target.c_str(), false), 1);
-    EXPECT_EQ(ContentOf(target), "new");
+    EXPECT_EQ(ContentOf(target), "old and new");
     EXPECT_EQ(kt::test::RunTestHelper("write", target), 10 + XE_SHARING);  // held: the new file
     Fio_UnlockFile(target.c_str(), false);
 }
