@@ -91,7 +91,9 @@ void Fio_LockFile(const KTWCHAR* name, bool exclusive) {
 
 void Fio_UnlockFile(const KTWCHAR* name, bool exclusive) {
     const auto found = Find(name);
-    if (found == LockTable().end())
+    // An unlock of a kind the name does not hold finds nothing to unlock, as
+    // for a name without entry: a wrapped count would hold the name for good.
+    if (found == LockTable().end() || found->Count(exclusive) == 0)
         return;
     --found->Count(exclusive);
     if (found->exclusive == 0 && found->nonExclusive == 0) {

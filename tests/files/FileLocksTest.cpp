@@ -39,6 +39,8 @@ TEST_F(FileLocks, CountsByKindOneHandleAndTheEntryGoesWithTheLastUnlock) {
     EXPECT_TRUE(HeldAgainstWriters(name));
     Fio_LockFile(name.c_str(), false);
     EXPECT_EQ(Fio_LockCount(name.c_str(), false), 2);
+    Fio_UnlockFile(name.c_str(), true);  // of a kind not held: nothing to unlock
+    EXPECT_EQ(Fio_LockCount(name.c_str(), true), 0);
     Fio_UnlockFile(name.c_str(), false);
     EXPECT_TRUE(HeldAgainstWriters(name));
     Fio_UnlockFile(name.c_str(), false);
