@@ -28,6 +28,19 @@ void CopyName(KTWCHAR (&to)[512], const KTWCHAR* from, DWORD operation) {
     std::char_traits<KTWCHAR>::copy(to, from, length + 1);
 }
 
+// A new empty file in the temporary directory, whose name `to` gets. A
+// directory too long for the buffer is a name too long.
+void MakeTemporaryFile(KTWCHAR (&to)[512], DWORD operation) {
+    KTWCHAR directory[260] = {};
+    const DWORD length = sys::TempPath(260, directory);
+    if (length == 0 || length >= 260) {
+        const DWORD error = length == 0 ? sys::LastFileError() : kNameTooLong;
+        throw CXFileException(XErrorFromWin32(error), KTW(""), operation);
+    }
+    if (!sys::TempFileName(directory, KTW("KTPR"), to))
+        throw CXFileException(XErrorFromWin32(sys::LastFileError()), directory, operation);
+}
+
 }  // namespace
 
 CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
@@ -35,9 +48,7 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
       flags(static_cast<DWORD>(openFlags)),
       access((openFlags & FIO_WRITE) ? XFILEOP_WRITE : XFILEOP_READ) {
     if (fileName == nullptr) {
-        KTWCHAR directory[260];
-        sys::TempPath(260, directory);
-        sys::TempFileName(directory, KTW("KTPR"), name);
+        MakeTemporaryFile(name, access);
     } else {
         CopyName(name, fileName, access);
     }
