@@ -55,25 +55,38 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
     if (const DWORD refused = RefusedNameError(name))
         throw CXFileException(XErrorFromWin32(refused), name, access);
     Fio_ChangeNELock(name, true);
-    const bool writes = access == XFILEOP_WRITE;
-    file = sys::CreateFileHandle(
-        name, writes ? sys::kGenericRead | sys::kGenericWrite : sys::kGenericRead,
-        writes ? 0 : sys::kShareRead | sys::kShareWrite,
-        writes && !(flags & FIO_KEEP) ? sys::kCreateAlways : sys::kOpenExisting,
-        CreationFlags(openFlags));
-    if (file == sys::kNoFile)
-        FailOpen(sys::LastFileError());
-    length = sys::FileSize(file);
-    if (!writes && length == 0)
-        return;  // an empty file open for reading: nothing to map
-    mapping = sys::CreateMapping(file, writes, viewSize);
-    if (mapping == sys::kNoMapping)
-        FailOpen(sys::LastFileError());
-    if (writes && !(flags & FIO_KEEP))
-        length = 0;
-    view = static_cast<unsigned char*>(sys::MapView(mapping, writes, 0, MappedBytes()));
-    if (view == nullptr)
-        FailOpen(sys::LastFileError());
+    try {
+        const bool writes = access == XFILEOP_WRITE;
+        file = sys::CreateFileHandle(
+            name, writes ? sys::kGenericRead | sys::kGenericWrite : sys::kGenericRead,
+            writes ? 0 : sys::kShareRead | sys::kShareWrite,
+            writes && !(flags & FIO_KEEP) ? sys::kCreateAlways : sys::kOpenExisting,
+            CreationFlags(openFlags));
+        if (file == sys::kNoFile)
+            FailOpen(sys::LastFileError());
+        length = sys::FileSize(file);
+        if (!writes && length == 0)
+            return;  // an empty file open for reading: nothing to map
+        mapping = sys::CreateMapping(file, writes, viewSize);
+        if (mapping == sys::kNoMapping)
+            FailOpen(sys::LastFileError());
+        if (writes && !(flags & FIO_KEEP))
+            length = 0;
+        view = static_cast<unsigned char*>(sys::MapView(mapping, writes, 0, MappedBytes()));
+        if (view == nullptr)
+            FailOpen(sys::LastFileError());
+    } catch (...) {
+        // Also out of memory: a failed construction closes what it made
+        // and gives the lock back, since no destructor runs for it.
+        if (view != nullptr)
+            sys::UnmapView(view, MappedBytes());
+        if (mapping != sys::kNoMapping)
+            sys::CloseMapping(mapping);
+        if (file != sys::kNoFile)
+            sys::CloseFileHandle(file);
+        Fio_ChangeNELock(name, false);
+        throw;
+    }
 }
 
 // The counterpart of the open's step aside: a lock on the name takes its
@@ -81,18 +94,6 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
 CXFile::~CXFile() { Fio_ChangeNELock(name, false); }
 
 void CXFile::FailOpen(DWORD win32Error) {
-    // A failed construction closes what it made and gives the lock back: no
-    // destructor runs for it.
-    if (view != nullptr)
-        sys::UnmapView(view, MappedBytes());
-    if (mapping != sys::kNoMapping)
-        sys::CloseMapping(mapping);
-    if (file != sys::kNoFile)
-        sys::CloseFileHandle(file);
-    view = nullptr;
-    mapping = sys::kNoMapping;
-    file = sys::kNoFile;
-    Fio_ChangeNELock(name, false);
     throw CXFileException(XErrorFromWin32(win32Error), name, access);
 }
 

@@ -47,12 +47,14 @@ public:
             Fio_UnlockFile(target.c_str(), false);
         if (inner == nullptr)
             return;
-        // Released without Commit: the work goes, the target stays.
+        // Released without Commit: the work goes, the target stays. Where
+        // the temporary file can not be deleted, not even for lack of
+        // memory, it stays behind.
         try {
             inner->Release();
             inner = nullptr;
             Fio_DeleteFile(temporary.c_str());
-        } catch (const CXException&) {
+        } catch (...) {
         }
     }
 

@@ -3,6 +3,7 @@
 
 #include "kticore/files/FileLocks.h"
 #include "platform/FileSystem.h"
+#include "tests/files/HeldAgainstWriters.h"
 #include "tests/support/Counted.h"
 #include "tests/support/TestHelper.h"
 #include "tests/support/ScratchDirectory.h"
@@ -10,20 +11,10 @@
 namespace {
 
 using kt::test::FileFailureOf;
+using kt::test::HeldAgainstWriters;
 using kt::test::Ref;
 using kt::test::WideString;
 using kt::test::WriteContent;
-
-// Whether some open holds the file against a writer right now.
-bool HeldAgainstWriters(const WideString& name) {
-    const kt::sys::FileHandle writer =
-        kt::sys::CreateFileHandle(name.c_str(), kt::sys::kGenericWrite, kt::sys::kShareRead |
-                                  kt::sys::kShareWrite, kt::sys::kOpenExisting, 0);
-    if (writer == kt::sys::kNoFile)
-        return true;
-    kt::sys::CloseFileHandle(writer);
-    return false;
-}
 
 class FileLocks : public ::testing::Test {
 protected:
