@@ -35,6 +35,22 @@ TEST_F(FileUtilities, CreateDirectoryMakesEveryMissingLevel) {
     Fio_CreateDirectory(nullptr);
 }
 
+// A name of 511 units in parts of at most 255 is tried; one of 512 is refused
+// before anything is made.
+TEST_F(FileUtilities, NamesHaveAtMost511Units) {
+    const size_t parts = 511 - scratch.Path().size() - 2;  // two delimiters
+    const WideString directory = scratch / WideString(parts / 2, 'd');
+    Fio_CreateDirectory(directory.c_str());
+    const WideString longest = directory + KTW("/") + WideString(parts - parts / 2, 'n');
+    Fio_Open(longest.c_str(), FIO_WRITE)->Release();
+    EXPECT_EQ(Fio_IsFileExist(longest.c_str()), 1);
+    const WideString tooLong = longest + KTW("n");
+    const auto failure = FileFailureOf([&] { Fio_Open(tooLong.c_str(), FIO_WRITE); });
+    EXPECT_EQ(failure.code, XE_PATH_NOT_FOUND);
+    EXPECT_EQ(failure.operation, XFILEOP_WRITE);
+    EXPECT_EQ(Fio_IsFileExist(tooLong.c_str()), 0);
+}
+
 TEST_F(FileUtilities, CreateDirectoryOfABareWordUsesTheCurrentDirectory) {
     {
         const kt::test::InDirectory here(scratch.Path());
