@@ -142,17 +142,34 @@ TEST_F(OutputFile, AnotherHoldersLockSurvivesTheReplacement) {
     Fio_UnlockFile(target.c_str(), false);
 }
 
-TEST_F(OutputFile, AnExclusiveLockStopsTheCommitAndKeepsTheWork) {
+// A Commit that can not replace the target leaves it as it was and keeps the
+// complete work for whoever wants it.
+TEST_F(OutputFile, ACommitStoppedByAnExclusiveLockOrAnOpenTargetKeepsTheWork) {
     WriteContent(target, "old");
-    IXOutFile* out = Fio_OpenOut(target.c_str(), 0);
-    Write(out, "new");
-    Fio_LockFile(target.c_str(), true);
-    EXPECT_EQ(FileFailureOf([&] { out->Commit(); }).operation, XFILEOP_LOCK);
-    Fio_UnlockFile(target.c_str(), true);
-    out->Release();
-    EXPECT_EQ(ContentOf(target), "old");
-    EXPECT_EQ(TemporaryFiles(), 1u);  // complete, for whoever wants it
-    EXPECT_EQ(Fio_LockCount(target.c_str(), false), 0);
+    for (const DWORD stoppedAt : {XFILEOP_LOCK, XFILEOP_DELETE}) {
+        SCOPED_TRACE(stoppedAt);
+        IXOutFile* out = Fio_OpenOut(target.c_str(), 0);
+        Write(out, "new");
+        IXFile* reader = nullptr;  // an open without delete sharing: no replacement
+        if (stoppedAt == XFILEOP_LOCK)
+            Fio_LockFile(target.c_str(), true);
+        else
+            reader = Fio_Open(target.c_str(), 0);
+        EXPECT_EQ(FileFailureOf([&] { out->Commit(); }).operation, stoppedAt);
+        if (reader != nullptr)
+            reader->Release();
+        else
+            Fio_UnlockFile(target.c_str(), true);
+        out->Release();
+        EXPECT_EQ(ContentOf(target), "old");
+        EXPECT_EQ(Fio_LockCount(target.c_str(), false), 0);
+        ASSERT_EQ(TemporaryFiles(), 1u);
+        for (const WideString& entry : scratch.Entries())
+            if (entry != KTW("target.txt")) {
+                EXPECT_EQ(ContentOf(scratch / entry), "new");
+                Fio_DeleteFile((scratch / entry).c_str());
+            }
+    }
 }
 
 TEST_F(OutputFile, TargetsThatCanNotBeWrittenAreRefusedAndLeaveNothing) {
@@ -177,8 +194,10 @@ TEST_F(OutputFile, TargetsThatCanNotBeWrittenAreRefusedAndLeaveNothing) {
         ASSERT_TRUE(other.held);
         refusedPlainly(target, XE_ACCESS_DENIED);
     }
+    const size_t parts = 512 - scratch.Path().size() - 2;  // of 512 units, none over 255
     for (const WideString& bad : {scratch / WideString(300, 'n'),
-                                  scratch / WideString(512 - scratch.Path().size() - 1, 'n')}) {
+                                  scratch / (WideString(parts / 2, 'd') + KTW("/") +
+                                             WideString(parts - parts / 2, 'n'))}) {
         const auto failure = FileFailureOf([&] { Fio_OpenOut(bad.c_str(), 0); });
         EXPECT_EQ(failure.code, XE_PATH_NOT_FOUND);
         EXPECT_EQ(failure.operation, XFILEOP_OPEN);
