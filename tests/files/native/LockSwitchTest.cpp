@@ -1,6 +1,5 @@
-// Natively a file on disk may carry a memory file's name, so that what the
-// locking switch does to memory names can be seen: switched off, a lock of
-// such a name never reaches the disk.
+// Natively a file on disk may carry a memory file's name: only the locking
+// switch decides whether a lock of that name reaches it.
 #include <gtest/gtest.h>
 
 #include "kticore/files/FileLocks.h"

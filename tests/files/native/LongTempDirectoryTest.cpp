@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <optional>
 #include <string>
 
 #include "kticore/files/FileUtilities.h"
@@ -15,23 +14,9 @@
 
 namespace {
 
-class LongTempDirectory : public ::testing::Test {
-protected:
-    void TearDown() override {
-        if (saved.has_value())
-            setenv("TMPDIR", saved->c_str(), 1);
-        else
-            unsetenv("TMPDIR");
-    }
-
-private:
-    const std::optional<std::string> saved = [] {
-        const char* value = std::getenv("TMPDIR");
-        return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
-    }();
-};
-
-TEST_F(LongTempDirectory, NoTemporaryFileIsMadeAndNoOldNameComesBack) {
+TEST(LongTempDirectory, NoTemporaryFileIsMadeAndNoOldNameComesBack) {
+    const char* before = std::getenv("TMPDIR");
+    const std::string saved = before != nullptr ? before : "";
     const kt::test::WideString earlier = kt::test::Wide(Fio_GetTempFileName());
     ASSERT_FALSE(earlier.empty());
     Fio_DeleteFile(earlier.c_str());
@@ -51,6 +36,10 @@ TEST_F(LongTempDirectory, NoTemporaryFileIsMadeAndNoOldNameComesBack) {
         EXPECT_EQ(kt::test::Wide(Fio_GetTempFileName()), KTW(""));
         EXPECT_TRUE(scratch.Entries().empty());
     }
+    if (before != nullptr)
+        setenv("TMPDIR", saved.c_str(), 1);
+    else
+        unsetenv("TMPDIR");
 }
 
 }  // namespace
