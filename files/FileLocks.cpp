@@ -16,22 +16,24 @@
 namespace kt {
 namespace {
 
-// Read and write access, sharing reads only: while it is open no other open
-// for writing succeeds, here or in another process.
-sys::FileHandle OpenLockHandle(const KTWCHAR* name) {
-    return sys::CreateFileHandle(name, sys::kGenericRead | sys::kGenericWrite, sys::kShareRead,
-                                 sys::kOpenExisting, 0x20000021);
-}
-
 struct LockEntry {
     sys::FileHandle handle = sys::kNoFile;
     DWORD exclusive = 0;
     DWORD nonExclusive = 0;
     std::basic_string<KTWCHAR> name;
+    // Made with the entry: stepping aside and back asks for no memory, so
+    // that it can not fail where memory has run out.
+    sys::SystemName systemName;
 
     DWORD& Count(bool ofExclusive) { return ofExclusive ? exclusive : nonExclusive; }
 
-    void OpenHandle() { handle = OpenLockHandle(name.c_str()); }
+    // Read and write access, sharing reads only: while it is open no other
+    // open for writing succeeds, here or in another process. A missing file
+    // leaves the entry without a handle.
+    void OpenHandle() {
+        handle = sys::CreateFileHandle(systemName, sys::kGenericRead | sys::kGenericWrite,
+                                       sys::kShareRead, sys::kOpenExisting, 0x20000021);
+    }
     void CloseHandle() {
         if (handle != sys::kNoFile)
             sys::CloseFileHandle(handle);
@@ -71,27 +73,29 @@ void Fio_LockFile(const KTWCHAR* name, bool exclusive) {
         ++found->Count(exclusive);
         return;
     }
+    kt::LockEntry entry;
+    entry.Count(exclusive) = 1;
+    entry.name = name;
+    entry.systemName = kt::sys::SystemNameOf(name);
     // A non-exclusive lock may wait for its file to be made.
-    const bool holds = exclusive || Fio_IsFileExist(name);
-    const kt::sys::FileHandle handle = holds ? kt::OpenLockHandle(name) : kt::sys::kNoFile;
-    if (holds && handle == kt::sys::kNoFile)
-        return;
+    if (exclusive || Fio_IsFileExist(name)) {
+        entry.OpenHandle();
+        if (entry.handle == kt::sys::kNoFile)
+            return;
+    }
     try {
-        kt::LockEntry entry;
-        entry.handle = handle;
-        entry.Count(exclusive) = 1;
-        entry.name = name;
         LockTable().push_back(std::move(entry));
-    } catch (...) {  // no memory for the entry: the handle goes with it
-        if (handle != kt::sys::kNoFile)
-            kt::sys::CloseFileHandle(handle);
+    } catch (...) {  // no memory for the table: the handle goes with the entry
+        entry.CloseHandle();
         throw;
     }
 }
 
 void Fio_UnlockFile(const KTWCHAR* name, bool exclusive) {
     const auto found = Find(name);
-    if (found == LockTable().end())
+    // An unlock of a kind the name does not hold finds nothing to unlock, as
+    // for a name without entry: a wrapped count would hold the name for good.
+    if (found == LockTable().end() || found->Count(exclusive) == 0)
         return;
     --found->Count(exclusive);
     if (found->exclusive == 0 && found->nonExclusive == 0) {
@@ -115,7 +119,7 @@ void Fio_ChangeNELock(const KTWCHAR* name, bool release) {
             throw CXFileException(XErrorFromWin32(kt::sys::LastFileError()), found->name.c_str(),
                                   XFILEOP_LOCK);
         found->CloseHandle();
-    } else if (Fio_IsFileExist(found->name.c_str())) {
+    } else {
         found->CloseHandle();  // calls do not nest: one handle at most
         found->OpenHandle();
     }

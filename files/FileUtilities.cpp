@@ -141,11 +141,13 @@ int Fio_GetSecurityInfo(const KTWCHAR* name, CXStringW& owner) {
     return 1;
 }
 
+// Never throws: where the system makes no file the name is empty.
 const KTWCHAR* Fio_GetTempFileName() {
     static KTWCHAR name[512];
-    KTWCHAR directory[512];
-    kt::sys::TempPath(512, directory);
-    kt::sys::TempFileName(directory, KTW("KTPR"), name);
+    KTWCHAR directory[512] = {};
+    const DWORD length = kt::sys::TempPath(512, directory);
+    if (length == 0 || length >= 512 || !kt::sys::TempFileName(directory, KTW("KTPR"), name))
+        name[0] = 0;
     return name;
 }
 

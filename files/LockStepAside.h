@@ -1,5 +1,6 @@
 // While one lives, this process's non-exclusive lock on a name has given up
-// its handle; it takes it back however the scope is left.
+// its handle; it takes it back however the scope is left, also when memory
+// has run out.
 #pragma once
 
 #include "kticore/files/FileLocks.h"
@@ -11,7 +12,7 @@ class CLockStepAside : public CXStringW {
 public:
     // Throws XFILEOP_LOCK when an exclusive lock is held on the name.
     explicit CLockStepAside(const KTWCHAR* name) : CXStringW(name) { Fio_ChangeNELock(name, true); }
-    // Taking the handle back never throws.
+    // Taking the handle back never throws, nor asks for memory.
     ~CLockStepAside() override { Fio_ChangeNELock(*this, false); }
     CLockStepAside(const CLockStepAside&) = delete;
     CLockStepAside& operator=(const CLockStepAside&) = delete;

@@ -27,6 +27,19 @@ void CopyName(KTWCHAR (&to)[512], const KTWCHAR* from, DWORD operation) {
     std::char_traits<KTWCHAR>::copy(to, from, length + 1);
 }
 
+// A new empty file in the temporary directory, whose name `to` gets. A
+// directory too long for the buffer is a name too long.
+void MakeTemporaryFile(KTWCHAR (&to)[512], DWORD operation) {
+    KTWCHAR directory[260] = {};
+    const DWORD length = sys::TempPath(260, directory);
+    if (length == 0 || length >= 260) {
+        const DWORD error = length == 0 ? sys::LastFileError() : kNameTooLong;
+        throw CXFileException(XErrorFromWin32(error), KTW(""), operation);
+    }
+    if (!sys::TempFileName(directory, KTW("KTPR"), to))
+        throw CXFileException(XErrorFromWin32(sys::LastFileError()), directory, operation);
+}
+
 }  // namespace
 
 CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
@@ -34,34 +47,45 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
       flags(static_cast<DWORD>(openFlags)),
       access((openFlags & FIO_WRITE) ? XFILEOP_WRITE : XFILEOP_READ) {
     if (fileName == nullptr) {
-        KTWCHAR directory[260];
-        sys::TempPath(260, directory);
-        sys::TempFileName(directory, KTW("KTPR"), name);
+        MakeTemporaryFile(name, access);
     } else {
         CopyName(name, fileName, access);
     }
     if (const DWORD refused = RefusedNameError(name))
         throw CXFileException(XErrorFromWin32(refused), name, access);
     Fio_ChangeNELock(name, true);
-    const bool writes = access == XFILEOP_WRITE;
-    file = sys::CreateFileHandle(
-        name, writes ? sys::kGenericRead | sys::kGenericWrite : sys::kGenericRead,
-        writes ? 0 : sys::kShareRead | sys::kShareWrite,
-        writes && !(flags & FIO_KEEP) ? sys::kCreateAlways : sys::kOpenExisting,
-        CreationFlags(openFlags));
-    if (file == sys::kNoFile)
-        FailOpen(sys::LastFileError());
-    length = sys::FileSize(file);
-    if (!writes && length == 0)
-        return;  // an empty file open for reading: nothing to map
-    mapping = sys::CreateMapping(file, writes, viewSize);
-    if (mapping == sys::kNoMapping)
-        FailOpen(sys::LastFileError());
-    if (writes && !(flags & FIO_KEEP))
-        length = 0;
-    view = static_cast<unsigned char*>(sys::MapView(mapping, writes, 0, MappedBytes()));
-    if (view == nullptr)
-        FailOpen(sys::LastFileError());
+    try {
+        const bool writes = access == XFILEOP_WRITE;
+        file = sys::CreateFileHandle(
+            name, writes ? sys::kGenericRead | sys::kGenericWrite : sys::kGenericRead,
+            writes ? 0 : sys::kShareRead | sys::kShareWrite,
+            writes && !(flags & FIO_KEEP) ? sys::kCreateAlways : sys::kOpenExisting,
+            CreationFlags(openFlags));
+        if (file == sys::kNoFile)
+            FailOpen(sys::LastFileError());
+        length = sys::FileSize(file);
+        if (!writes && length == 0)
+            return;  // an empty file open for reading: nothing to map
+        mapping = sys::CreateMapping(file, writes, viewSize);
+        if (mapping == sys::kNoMapping)
+            FailOpen(sys::LastFileError());
+        if (writes && !(flags & FIO_KEEP))
+            length = 0;
+        view = static_cast<unsigned char*>(sys::MapView(mapping, writes, 0, MappedBytes()));
+        if (view == nullptr)
+            FailOpen(sys::LastFileError());
+    } catch (...) {
+        // Also out of memory: a failed construction closes what it made
+        // and gives the lock back, since no destructor runs for it.
+        if (view != nullptr)
+            sys::UnmapView(view, MappedBytes());
+        if (mapping != sys::kNoMapping)
+            sys::CloseMapping(mapping);
+        if (file != sys::kNoFile)
+            sys::CloseFileHandle(file);
+        Fio_ChangeNELock(name, false);
+        throw;
+    }
 }
 
 // The counterpart of the open's step aside: a lock on the name takes its
@@ -69,18 +93,6 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
 CXFile::~CXFile() { Fio_ChangeNELock(name, false); }
 
 void CXFile::FailOpen(DWORD win32Error) {
-    // A failed construction closes what it made and gives the lock back: no
-    // destructor runs for it.
-    if (view != nullptr)
-        sys::UnmapView(view, MappedBytes());
-    if (mapping != sys::kNoMapping)
-        sys::CloseMapping(mapping);
-    if (file != sys::kNoFile)
-        sys::CloseFileHandle(file);
-    view = nullptr;
-    mapping = sys::kNoMapping;
-    file = sys::kNoFile;
-    Fio_ChangeNELock(name, false);
     throw CXFileException(XErrorFromWin32(win32Error), name, access);
 }
 

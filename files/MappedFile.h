@@ -53,7 +53,7 @@ private:
     DWORD viewSize;
     DWORD flags;
     DWORD access;  // XFILEOP_READ or XFILEOP_WRITE
-    KTWCHAR name[512];
+    KTWCHAR name[512] = {};
 };
 
 }  // namespace kt

@@ -19,8 +19,11 @@ public:
             throw CXFileException(XE_ACCESS_DENIED, targetName, XFILEOP_OPEN);
         const bool exists = Fio_IsFileExist(targetName) != 0;
         if (exists) {
-            if (flags & FIO_KEEP)
+            if (flags & FIO_KEEP) {
+                // Another writer's lock, or the host's, would keep the copy out.
+                const CLockStepAside stepAside(targetName);
                 Fio_CopyFile(targetName, temporaryName, 0);
+            }
             // Holds the target against other writers while the copy is made.
             Fio_LockFile(targetName, false);
         }
@@ -44,12 +47,14 @@ public:
             Fio_UnlockFile(target.c_str(), false);
         if (inner == nullptr)
             return;
-        // Released without Commit: the work goes, the target stays.
+        // Released without Commit: the work goes, the target stays. Where
+        // the temporary file can not be deleted, not even for lack of
+        // memory, it stays behind.
         try {
             inner->Release();
             inner = nullptr;
             Fio_DeleteFile(temporary.c_str());
-        } catch (const CXException&) {
+        } catch (...) {
         }
     }
 

@@ -48,6 +48,19 @@ void SetLastFileError(DWORD error);
 // CreateFileW. kNoFile on failure.
 FileHandle CreateFileHandle(const KTWCHAR* name, DWORD access, DWORD share, DWORD disposition,
                       DWORD flagsAndAttributes);
+
+// A name in the form the system's calls take. Converted once, it opens a
+// file without asking for memory, so that what must not fail for lack of
+// it (a lock taking its handle back) can open by it.
+#if defined(_WIN32)
+using SystemName = std::basic_string<KTWCHAR>;
+#else
+using SystemName = std::string;
+#endif
+SystemName SystemNameOf(const KTWCHAR* name);
+// CreateFileHandle by a converted name: allocates nothing.
+FileHandle CreateFileHandle(const SystemName& name, DWORD access, DWORD share, DWORD disposition,
+                            DWORD flagsAndAttributes);
 bool CloseFileHandle(FileHandle file);
 // The low 32 bits of the size.
 DWORD FileSize(FileHandle file);

@@ -6,7 +6,7 @@
 // and always empty; the others are devices that are not there.
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "kticore/platform/Platform.h"
 
@@ -19,8 +19,8 @@ enum class DosDevice {
     Absent,   // a printer or serial port that the machine does not have
 };
 
-// The device that the last part of `path` names.
-DosDevice DosDeviceNamed(const std::string& path);
+// The device that the last part of `path` names. Allocates nothing.
+DosDevice DosDeviceNamed(std::string_view path);
 
 // The Win32 error with which Windows refuses to open the device, or to
 // treat it as a file: delete, rename or copy from it. NUL opens, and refuses

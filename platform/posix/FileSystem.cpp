@@ -26,6 +26,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -75,13 +76,18 @@ WideString Wide(const std::string& text) {
     return wide;
 }
 
+// Allocates nothing: a failed open by a converted name asks it too.
 bool ParentExists(const std::string& path) {
     const size_t slash = path.find_last_of('/');
     if (slash == std::string::npos)
         return true;
+    char parent[PATH_MAX];
+    const size_t length = slash == 0 ? 1 : slash;
+    if (length >= sizeof parent)
+        return false;
+    parent[path.copy(parent, length)] = 0;
     struct stat facts;
-    const std::string parent = slash == 0 ? "/" : path.substr(0, slash);
-    return stat(parent.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+    return stat(parent, &facts) == 0 && S_ISDIR(facts.st_mode);
 }
 
 // The Win32 error of an errno from a call on `path`.
@@ -214,7 +220,14 @@ void SetLastFileError(DWORD error) { lastError = error; }
 
 FileHandle CreateFileHandle(const KTWCHAR* name, DWORD access, DWORD share, DWORD disposition,
                             DWORD flagsAndAttributes) {
-    const std::string path = Utf8(name);
+    return CreateFileHandle(Utf8(name), access, share, disposition, flagsAndAttributes);
+}
+
+SystemName SystemNameOf(const KTWCHAR* name) { return Utf8(name); }
+
+// Allocates nothing, but for the name of a file to delete on close.
+FileHandle CreateFileHandle(const std::string& path, DWORD access, DWORD share, DWORD disposition,
+                            DWORD flagsAndAttributes) {
     const bool writes = (access & kGenericWrite) != 0;
     if (const DosDevice device = DosDeviceNamed(path); device != DosDevice::None)
         return OpenDevice(device, writes);

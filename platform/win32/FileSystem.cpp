@@ -29,6 +29,13 @@ FileHandle CreateFileHandle(const KTWCHAR* name, DWORD access, DWORD share, DWOR
     return ::CreateFileW(name, access, share, nullptr, disposition, flagsAndAttributes, nullptr);
 }
 
+SystemName SystemNameOf(const KTWCHAR* name) { return name; }
+
+FileHandle CreateFileHandle(const SystemName& name, DWORD access, DWORD share, DWORD disposition,
+                            DWORD flagsAndAttributes) {
+    return CreateFileHandle(name.c_str(), access, share, disposition, flagsAndAttributes);
+}
+
 bool CloseFileHandle(FileHandle file) { return ::CloseHandle(file) != 0; }
 
 DWORD FileSize(FileHandle file) { return ::GetFileSize(file, nullptr); }

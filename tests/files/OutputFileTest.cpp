@@ -65,25 +65,6 @@ TEST_F(OutputFile, ReleaseWithoutCommitLeavesTheTargetAsItWas) {
     EXPECT_EQ(scratch.Entries().size(), 1u);
 }
 
-TEST_F(OutputFile, KeepAppendsToTheOldContent) {
-    WriteContent(target, "old ");
-    IXOutFile* out = Fio_OpenOut(target.c_str(), FIO_KEEP);
-    EXPECT_EQ(out->GetLength(), 4u);
-    EXPECT_EQ(out->GetPosition(), 4u);
-    Write(out, "and new");
-    out->Commit();
-    out->Release();
-    EXPECT_EQ(ContentOf(target), "old and new");
-
-    const WideString absent = scratch / KTW("absent.txt");
-    IXOutFile* fresh = Fio_OpenOut(absent.c_str(), FIO_KEEP);
-    EXPECT_EQ(fresh->GetLength(), 0u);
-    Write(fresh, "only new");
-    fresh->Commit();
-    fresh->Release();
-    EXPECT_EQ(ContentOf(absent), "only new");
-}
-
 TEST_F(OutputFile, ABareNameWritesBesideItInTheCurrentDirectory) {
     const kt::test::InDirectory here(scratch.Path());
     Ref<IXOutFile> out(Fio_OpenOut(KTW("bare.txt"), 0));
@@ -105,19 +86,24 @@ TEST_F(OutputFile, AnEmptyTargetFailsAtCommit) {
     EXPECT_EQ(ContentOf(failure.name), "work");
 }
 
+// Each writer has its own temporary file; with FIO_KEEP each starts from
+// the old content, although the other's lock holds the target.
 TEST_F(OutputFile, OfTwoWritersOnOneTargetTheLaterCommitWins) {
+    for (const int flags : {0, static_cast<int>(FIO_KEEP)})
     for (const bool targetExists : {true, false}) {
-        SCOPED_TRACE(targetExists ? "existing target" : "new target");
+        SCOPED_TRACE(std::string(targetExists ? "existing" : "new") + " target, flags " +
+                     std::to_string(flags));
+        const std::string old = targetExists && flags == FIO_KEEP ? "old" : "";
         if (targetExists)
             WriteContent(target, "old");
-        Ref<IXOutFile> first(Fio_OpenOut(target.c_str(), 0));
-        Ref<IXOutFile> second(Fio_OpenOut(target.c_str(), 0));
+        Ref<IXOutFile> first(Fio_OpenOut(target.c_str(), flags));
+        Ref<IXOutFile> second(Fio_OpenOut(target.c_str(), flags));
         Write(first.get(), "first");
         Write(second.get(), "second");
         second->Commit();
-        EXPECT_EQ(ContentOf(target), "second");
+        EXPECT_EQ(ContentOf(target), old + "second");
         first->Commit();
-        EXPECT_EQ(ContentOf(target), "first");
+        EXPECT_EQ(ContentOf(target), old + "first");
         EXPECT_EQ(Fio_LockCount(target.c_str(), false), 0);
         EXPECT_EQ(TemporaryFiles(), 0u);
         Fio_DeleteFile(target.c_str());
@@ -127,27 +113,45 @@ TEST_F(OutputFile, OfTwoWritersOnOneTargetTheLaterCommitWins) {
 TEST_F(OutputFile, AnotherHoldersLockSurvivesTheReplacement) {
     WriteContent(target, "old");
     Fio_LockFile(target.c_str(), false);
-    IXOutFile* out = Fio_OpenOut(target.c_str(), 0);
-    Write(out, "new");
+    IXOutFile* out = Fio_OpenOut(target.c_str(), FIO_KEEP);
+    EXPECT_EQ(out->GetPosition(), 3u);  // appends
+    Write(out, " and new");
     out->Commit();
     out->Release();
     EXPECT_EQ(Fio_LockCount(target.c_str(), false), 1);
-    EXPECT_EQ(ContentOf(target), "new");
+    EXPECT_EQ(ContentOf(target), "old and new");
     EXPECT_EQ(kt::test::RunTestHelper("write", target), 10 + XE_SHARING);  // held: the new file
     Fio_UnlockFile(target.c_str(), false);
 }
 
-TEST_F(OutputFile, AnExclusiveLockStopsTheCommitAndKeepsTheWork) {
+// A Commit that can not replace the target leaves it as it was and keeps the
+// complete work for whoever wants it.
+TEST_F(OutputFile, ACommitStoppedByAnExclusiveLockOrAnOpenTargetKeepsTheWork) {
     WriteContent(target, "old");
-    IXOutFile* out = Fio_OpenOut(target.c_str(), 0);
-    Write(out, "new");
-    Fio_LockFile(target.c_str(), true);
-    EXPECT_EQ(FileFailureOf([&] { out->Commit(); }).operation, XFILEOP_LOCK);
-    Fio_UnlockFile(target.c_str(), true);
-    out->Release();
-    EXPECT_EQ(ContentOf(target), "old");
-    EXPECT_EQ(TemporaryFiles(), 1u);  // complete, for whoever wants it
-    EXPECT_EQ(Fio_LockCount(target.c_str(), false), 0);
+    for (const DWORD stoppedAt : {XFILEOP_LOCK, XFILEOP_DELETE}) {
+        SCOPED_TRACE(stoppedAt);
+        IXOutFile* out = Fio_OpenOut(target.c_str(), 0);
+        Write(out, "new");
+        IXFile* reader = nullptr;  // an open without delete sharing: no replacement
+        if (stoppedAt == XFILEOP_LOCK)
+            Fio_LockFile(target.c_str(), true);
+        else
+            reader = Fio_Open(target.c_str(), 0);
+        EXPECT_EQ(FileFailureOf([&] { out->Commit(); }).operation, stoppedAt);
+        if (reader != nullptr)
+            reader->Release();
+        else
+            Fio_UnlockFile(target.c_str(), true);
+        out->Release();
+        EXPECT_EQ(ContentOf(target), "old");
+        EXPECT_EQ(Fio_LockCount(target.c_str(), false), 0);
+        ASSERT_EQ(TemporaryFiles(), 1u);
+        for (const WideString& entry : scratch.Entries())
+            if (entry != KTW("target.txt")) {
+                EXPECT_EQ(ContentOf(scratch / entry), "new");
+                Fio_DeleteFile((scratch / entry).c_str());
+            }
+    }
 }
 
 TEST_F(OutputFile, TargetsThatCanNotBeWrittenAreRefusedAndLeaveNothing) {
@@ -172,8 +176,10 @@ TEST_F(OutputFile, TargetsThatCanNotBeWrittenAreRefusedAndLeaveNothing) {
         ASSERT_TRUE(other.held);
         refusedPlainly(target, XE_ACCESS_DENIED);
     }
+    const size_t parts = 512 - scratch.Path().size() - 2;  // of 512 units, none over 255
     for (const WideString& bad : {scratch / WideString(300, 'n'),
-                                  scratch / WideString(512 - scratch.Path().size() - 1, 'n')}) {
+                                  scratch / (WideString(parts / 2, 'd') + KTW("/") +
+                                             WideString(parts - parts / 2, 'n'))}) {
         const auto failure = FileFailureOf([&] { Fio_OpenOut(bad.c_str(), 0); });
         EXPECT_EQ(failure.code, XE_PATH_NOT_FOUND);
         EXPECT_EQ(failure.operation, XFILEOP_OPEN);

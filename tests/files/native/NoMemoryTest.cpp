@@ -8,6 +8,7 @@
 #include <new>
 
 #include "kticore/files/FileLocks.h"
+#include "tests/files/HeldAgainstWriters.h"
 #include "tests/support/Counted.h"
 #include "tests/support/ScratchDirectory.h"
 
@@ -50,12 +51,21 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(
 
 namespace {
 
+// Whether the host's lock on `name`, if it has one, is whole.
+void ExpectLocked(const kt::test::WideString& name, int locks, long allocation) {
+    EXPECT_EQ(Fio_LockCount(name.c_str(), false), locks) << "allocation " << allocation;
+    if (locks != 0) {
+        EXPECT_TRUE(kt::test::HeldAgainstWriters(name)) << "allocation " << allocation;
+    }
+}
+
 // Each allocation of an open fails in turn, until an open runs through
 // without meeting the failure: every failed one gives null and leaves no file
-// and no lock behind.
+// behind, and the host's `locks` as they were. The release of the open that
+// ran through then meets a failure of its own, and keeps the locks too.
 template <class File>
 void EachAllocationFailsInTurn(File* (*open)(const KTWCHAR*, int), const kt::test::WideString& name,
-                               const kt::test::ScratchDirectory& scratch) {
+                               const kt::test::ScratchDirectory& scratch, int locks = 0) {
     const size_t entries = scratch.Entries().size();
     for (long before = 0;; ++before) {
         allocationsBeforeFailure = before;
@@ -66,16 +76,18 @@ void EachAllocationFailsInTurn(File* (*open)(const KTWCHAR*, int), const kt::tes
             ADD_FAILURE() << "std::bad_alloc escaped at allocation " << before;
         }
         if (!FailureCame()) {
-            allocationsBeforeFailure = -1;
             ASSERT_NE(file, nullptr);
+            allocationsBeforeFailure = 0;
             file->Release();
+            allocationsBeforeFailure = -1;
+            ExpectLocked(name, locks, -1);
             return;
         }
         EXPECT_EQ(file, nullptr) << "allocation " << before;
         if (file != nullptr)
             file->Release();
         EXPECT_EQ(scratch.Entries().size(), entries) << "allocation " << before;
-        EXPECT_EQ(Fio_LockCount(name.c_str(), false), 0) << "allocation " << before;
+        ExpectLocked(name, locks, before);
     }
 }
 
@@ -87,6 +99,10 @@ TEST(NoMemory, AnOpenWithoutMemoryIsNullAndLeavesNothing) {
     EachAllocationFailsInTurn(&Fio_OpenOut, KTW("fmem::1000,20"), scratch);
     EachAllocationFailsInTurn(&Fio_Open, target, scratch);
     EachAllocationFailsInTurn(&Fio_OpenOut, target, scratch);
+    Fio_LockFile(target.c_str(), false);
+    EachAllocationFailsInTurn(&Fio_Open, target, scratch, 1);
+    EachAllocationFailsInTurn(&Fio_OpenOut, target, scratch, 1);
+    Fio_UnlockFile(target.c_str(), false);
     EXPECT_EQ(kt::test::ContentOf(target), "old");
 }
 
