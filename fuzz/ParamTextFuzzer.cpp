@@ -1,7 +1,8 @@
 // The text reader on arbitrary bytes. The input holds up to four files, each
 // behind a line "FILE"; a token "@0" to "@3" in a file becomes the memory name
 // of that file, so includes (a file including itself among them) resolve to
-// memory names. Whatever tree comes out must survive a trip through the
+// memory names; memory names of the input's own are spelt out of use, since
+// a block of any size anywhere reads for ever. Whatever tree comes out must survive a trip through the
 // stream form byte for byte.
 #include <cstdint>
 #include <cstdlib>
@@ -36,8 +37,21 @@ std::string MemoryName(size_t offset, size_t size) {
            std::to_string(size);
 }
 
+// "fmem:" in any case becomes "xmem:".
+void DisarmMemoryNames(std::string& text) {
+    for (size_t at = 0; at + 5 <= text.size(); ++at) {
+        static const char kPrefix[] = "fmem:";
+        size_t i = 0;
+        while (i < 5 && (text[at + i] | 0x20) == (kPrefix[i] | 0x20))
+            ++i;
+        if (i == 5)
+            text[at] = 'x';
+    }
+}
+
 std::vector<std::string> SplitFiles(const std::uint8_t* data, size_t size) {
-    const std::string input(reinterpret_cast<const char*>(data), size);
+    std::string input(reinterpret_cast<const char*>(data), size);
+    DisarmMemoryNames(input);
     std::vector<std::string> files;
     size_t at = 0;
     while (files.size() + 1 < kFiles) {

@@ -145,7 +145,7 @@ CTEnum<const char*>* CMemParam::EnumSections() {
 
 int CMemParam::GetValue(const char* path, tagKTVARIANT* value) {
     const ValuePath split(path);
-    if (split.HasSection()) {
+    if (kRules.valuePathSplits && split.HasSection()) {
         if (!split.Fits())
             return 0;
         IParam* section = GetSection(split.Section(), 0);
@@ -163,8 +163,10 @@ int CMemParam::GetValue(const char* path, tagKTVARIANT* value) {
 }
 
 void CMemParam::SetValue(const char* path, const tagKTVARIANT* value) {
+    if (value != nullptr && !Stores(kRules, value->vt))
+        return;
     const ValuePath split(path);
-    if (split.HasSection()) {
+    if (kRules.valuePathSplits && split.HasSection()) {
         if (!split.Fits())
             throw CXException(XE_BAD_ARGUMENT);
         IParam* section = GetSection(split.Section(), 1);

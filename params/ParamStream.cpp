@@ -89,7 +89,11 @@ int LoadLevel(IXStream* stream, IParam* param, char* name, int depth) {
         }
     } catch (const CXEofException&) {
         // A cut stream: what has been read stays.
-    } catch (const CXFileException&) {
+    } catch (const CXMemException&) {
+        throw;
+    } catch (const CXException&) {
+        // A failing stream, or stored data that does not hold together (an
+        // object longer than what is left of the stream).
         Empty(param);
         return 0;
     }

@@ -19,6 +19,9 @@ using kt::params::IsBlank;
 // Inputs open at once, the top file included. A file that includes itself
 // meets this limit, and its deepest include is one that cannot be opened.
 constexpr size_t kIncludeDepthLimit = 32;
+// Includes opened in one reading. A file that includes itself twice would
+// otherwise be read 2^32 times before the depth stopped it.
+constexpr size_t kIncludeCountLimit = 1024;
 
 // What a value line without `=` stores: the integer 0.
 constexpr int kBareNameValue = 0;
@@ -158,7 +161,7 @@ private:
         const size_t length = std::strlen(path);
         if (length != 0 && path[length - 1] == '"')
             path[length - 1] = 0;
-        if (inputs.size() >= kIncludeDepthLimit)
+        if (inputs.size() >= kIncludeDepthLimit || includesOpened >= kIncludeCountLimit)
             return;
         CXStringW name(path);
         if (*path == '.')
@@ -171,6 +174,7 @@ private:
         }
         if (file == nullptr)
             return;
+        ++includesOpened;
         inputs.back()->DropPhysicalLine();
         inputs.push_back(std::make_unique<CInputBuffer>(file, input, scan));
         file->Release();
@@ -183,6 +187,7 @@ private:
     kt::params::InputArea input;
     char line[kt::params::kLineBufferSize];
     std::vector<std::unique_ptr<CInputBuffer>> inputs;
+    size_t includesOpened = 0;
 };
 
 }  // namespace

@@ -311,6 +311,71 @@ void Files() {
     memory->Release();
 }
 
+std::basic_string<KTWCHAR> LeafOf(const std::basic_string<KTWCHAR>& path) {
+    const size_t cut = path.find_last_of(KTW("\\/"));
+    return cut == std::basic_string<KTWCHAR>::npos ? path : path.substr(cut + 1);
+}
+
+void WriteTextFile(const std::basic_string<KTWCHAR>& name, const std::string& text) {
+    IXOutFile* out = Fio_OpenOut(name.c_str(), 0);
+    out->Write(text.data(), static_cast<DWORD>(text.size()));
+    out->Commit();
+    out->Release();
+}
+
+void ParameterTrees() {
+    Step("Parameter trees: settings in memory, as text and on a stream");
+    IParam* settings = new_MemParam();
+    const CKTVariant title("Demo window");
+    const CKTVariant size(tagSIZE{640, 480});
+    const CKTVariant zoom(1.25);
+    const CKTVariant visible(1, KTVT_BOOL);
+    settings->SetValue("Title", &title);
+    settings->SetValue("Window\\Size", &size);
+    settings->SetValue("Window\\Zoom", &zoom);
+    settings->SetValue("Window\\Toolbar\\Visible", &visible);
+
+    CXString line;
+    Param_Param2String(settings, line);
+    std::printf("   on one line: %s\n", static_cast<const char*>(line));
+
+    const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
+    const std::basic_string<KTWCHAR> textFile = temporary + KTW(".settings.ini");
+    Param_Param2IniFile(settings, textFile.c_str());
+    IParam* fromText = new_MemParam();
+    Param_IniFile2Param(textFile.c_str(), fromText);
+    std::printf("   text file read back, equal both ways: %d %d\n", Param_Cmp(settings, fromText),
+                Param_Cmp(fromText, settings));
+
+    IXStream* stream = new_StreamOnMemory();
+    SaveParamToXStream(stream, settings);
+    stream->Seek(0, 0);
+    IParam* fromStream = new_MemParam();
+    LoadParamFromXStream(stream, fromStream);
+    std::printf("   %u bytes on a stream, read back equal: %d\n", stream->GetLength(),
+                Param_Cmp(settings, fromStream) && Param_Cmp(fromStream, settings));
+
+    // A text that takes its colours from a second file beside it.
+    const std::basic_string<KTWCHAR> colors = temporary + KTW(".colors.ini");
+    const std::basic_string<KTWCHAR> main = temporary + KTW(".main.ini");
+    WriteTextFile(colors, "Background=t0,0,255,255|Foreground=sblack\r\n");
+    std::string include = "#include ./";
+    for (const KTWCHAR unit : LeafOf(colors))
+        include += static_cast<char>(unit);
+    WriteTextFile(main, "[\\Colors]\r\n" + include + "\r\n[\\]\r\nTitle=sIncluded\r\n");
+    IParam* included = new_MemParam();
+    Param_IniFile2Param(main.c_str(), included);
+    CKTVariant foreground;
+    included->GetValue("Colors\\Foreground", &foreground);
+    std::printf("   an include put Colors\\Foreground = %s in the tree\n", static_cast<char*>(foreground));
+
+    for (IParam* tree : {settings, fromText, fromStream, included})
+        tree->Release();
+    stream->Release();
+    for (const auto& name : {textFile, colors, main, temporary})
+        Fio_DeleteFile(name.c_str());
+}
+
 // Settings kept in a private profile file: a tree made in memory goes to the
 // file, comes back into memory and compares equal.
 void ProfileFile() {
@@ -363,6 +428,7 @@ int main() {
     Values();
     StoredObjects();
     Files();
+    ParameterTrees();
     ProfileFile();
     std::printf("\ndone\n");
     return 0;

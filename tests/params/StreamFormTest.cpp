@@ -93,6 +93,14 @@ TEST(StreamForm, AnUnknownKindEmptiesTheTreeAndFails) {
     EXPECT_TRUE(SectionNames(tree.get()).empty());
 }
 
+TEST(StreamForm, AStoredObjectLongerThanTheStreamEmptiesTheTreeAndFails) {
+    Bytes bytes = Text(std::string("\0v\0\x12\0Unknown\0\xE8\x03\0\0payload", 22));
+    Ref<IParam> tree;
+    EXPECT_EQ(Load(bytes, tree), 0);
+    EXPECT_TRUE(ValueNames(tree.get()).empty());
+    EXPECT_TRUE(SectionNames(tree.get()).empty());
+}
+
 // The form nests no deeper than 1000 sections, either way.
 TEST(StreamForm, NestingBeyondTheLimitIsRefused) {
     std::string deep;

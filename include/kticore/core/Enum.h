@@ -25,10 +25,10 @@ protected:
 template <class T>
 class CTArrayEnum : public CKTUnknownImpl<CTEnum<T>> {
 public:
-    int Next(ULONG count, T* items, ULONG* fetched) override {
+    int Next(ULONG count, T* out, ULONG* fetched) override {
         ULONG stored = 0;
-        for (; items != nullptr && stored < count && index < this->items.size(); ++stored)
-            items[stored] = this->items[index++];
+        for (; out != nullptr && stored < count && index < items.size(); ++stored)
+            out[stored] = items[index++];
         if (fetched != nullptr)
             *fetched = stored;
         return stored != 0;
