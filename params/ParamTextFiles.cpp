@@ -1,8 +1,8 @@
 // The text form of a tree in a string and in a file.
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "files/MemFile.h"
 #include "kticore/params/ParamTools.h"
 #include "params/Held.h"
 #include "params/InputBuffer.h"
@@ -12,24 +12,17 @@ namespace {
 
 using kt::params::Held;
 
-// The scratch file of the string forms grows in steps of this many bytes and
-// its length is always whole steps: the text is followed by zero bytes, which
-// the reader drops. Its last line therefore keeps the blanks at its end.
+// The scratch file of the string forms: a file in memory that grows in steps
+// of this many bytes and whose length is always whole steps, the text being
+// followed by zero bytes, which the reader drops. Its last line therefore
+// keeps the blanks at its end.
 constexpr DWORD kScratchStep = 1024;
 
 // Bytes of the buffer of one logical line of the one-line form, terminator
 // included.
 constexpr int kStringLineSize = 65536;
 
-IXFile* NewScratchFile() { return Fio_Open(nullptr, FIO_WRITE | FIO_TEMPORARY); }
-
-// Fills the last step with zero bytes and goes back to the start.
-void RewindScratch(IXFile* scratch) {
-    const std::vector<char> zeros((kScratchStep - scratch->GetLength() % kScratchStep) % kScratchStep, 0);
-    if (!zeros.empty())
-        scratch->Write(zeros.data(), static_cast<DWORD>(zeros.size()));
-    scratch->Seek(0, 0);
-}
+IXFile* NewScratchFile() { return new kt::CMemFile(kScratchStep); }
 
 }  // namespace
 
@@ -38,7 +31,7 @@ int Param_Param2String(IParam* param, CXString& text) {
         return 0;
     Held<IXFile> scratch(NewScratchFile());
     ParamText_Write(param, scratch.get(), nullptr);
-    RewindScratch(scratch.get());
+    scratch->Seek(0, 0);
 
     const kt::params::TextScan scan;
     const auto input = std::make_unique<kt::params::InputArea>();
@@ -56,7 +49,7 @@ int Param_String2Param(CXString& text, IParam* param) {
         return 0;
     Held<IXFile> scratch(NewScratchFile());
     scratch->Write(static_cast<const char*>(text), text.GetLength());
-    RewindScratch(scratch.get());
+    scratch->Seek(0, 0);
     return ParamText_Read(scratch.get(), param);
 }
 
