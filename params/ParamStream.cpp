@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "kticore/core/Exception.h"
+#include "kticore/objects/Persist.h"
 #include "kticore/params/ParamTools.h"
 #include "params/Held.h"
 
@@ -26,15 +27,35 @@ constexpr int kNestingLimit = 1000;
 // A form nested deeper than the limit: the whole load fails.
 struct TooDeep {};
 
-// Whether a name comes back whole from the stream form.
-bool Storable(const char* name) {
-    return std::strlen(name) < kNameLimit - 1 && std::strchr(name, '\n') == nullptr;
+// A stored object's class name is read back as a line with this limit,
+// terminator included, and must not be empty.
+constexpr int kClassNameLimit = 260;
+
+// Whether a text read back as a line of at most `limit` bytes comes back whole.
+bool FitsLine(const char* text, int limit) {
+    return std::strlen(text) < static_cast<size_t>(limit - 1) && std::strchr(text, '\n') == nullptr;
 }
 
 void WriteName(IXStream* stream, const char* name) {
-    if (!Storable(name))
+    if (!FitsLine(name, kNameLimit))
         throw CXException(XE_BAD_ARGUMENT);
     stream->WriteString(name);
+}
+
+// An object read under a class name that ended at a line feed or at the
+// limit (a proxy keeps such a name) would be written back under a name that
+// reads differently, and all behind it would be read from the wrong place.
+void CheckStorable(const CKTVariant& value) {
+    if (value.vt != KTVT_OBJECT || value.punkVal == nullptr)
+        return;
+    IPersistXStream* persist = nullptr;
+    value.punkVal->QueryInterface(typeid(IPersistXStream), reinterpret_cast<void**>(&persist));
+    const Held<IPersistXStream> held(persist);
+    if (persist == nullptr)
+        return;  // written as no object
+    const char* className = persist->GetClassName();
+    if (*className == 0 || !FitsLine(className, kClassNameLimit))
+        throw CXException(XE_BAD_ARGUMENT);
 }
 
 int SaveLevel(IXStream* stream, IParam* param, int depth) {
@@ -53,9 +74,10 @@ int SaveLevel(IXStream* stream, IParam* param, int depth) {
         }
         stream->WriteString("");
         while (values && values->Next(1, &name, nullptr)) {
-            WriteName(stream, name);
             CKTVariant value;
             param->GetValue(name, &value);
+            CheckStorable(value);
+            WriteName(stream, name);
             stream->WriteVariant(&value);
         }
         stream->WriteString("");

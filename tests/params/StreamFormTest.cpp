@@ -127,6 +127,10 @@ TEST(StreamForm, NamesTheFormCannotCarryAreRefusedOnSave) {
     }
     auto tree = NewTree();
     Set(tree.get(), std::string(1022, 'n').c_str(), CKTVariant(1));
+    Ref<IParam> odd;  // an unknown class whose name ended at a line feed
+    ASSERT_EQ(Load(Text(std::string("\0v\0\x12\0Odd\n\0\0\0\0\0", 14)), odd), 1);
+    Ref<IXStream> stream(new_StreamOnMemory());
+    EXPECT_THROW(SaveParamToXStream(stream.get(), odd.get()), CXException);
     Ref<IParam> back;
     EXPECT_EQ(Load(Saved(tree.get()), back), 1);
     EXPECT_EQ(ValueNames(back.get()), Names{std::string(1022, 'n')});
