@@ -44,15 +44,12 @@ bool FitsSectionName(const std::string& name) {
 }
 
 // The names of a listing as a block of zero-terminated names ending with an
-// empty one. A listing the buffer cut ends with a piece of a name: it goes.
+// empty one. The platform answers a list that just fits as one it had to cut,
+// but only a cut list ends without its zero, in a piece of a name: it goes.
 std::string ListedNames(const std::vector<char>& buffer, DWORD length) {
     std::string names(buffer.data(), length);
-    if (length == kReadBuffer - 2) {
-        if (!names.empty() && names.back() == '\0')
-            names.pop_back();
-        const size_t lastEnd = names.find_last_of('\0');
-        names.erase(lastEnd == std::string::npos ? 0 : lastEnd + 1);
-    }
+    const size_t lastEnd = names.find_last_of('\0');
+    names.erase(lastEnd == std::string::npos ? 0 : lastEnd + 1);
     names.push_back('\0');
     return names;
 }

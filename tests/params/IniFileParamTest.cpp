@@ -231,4 +231,23 @@ TEST_F(IniFileParam, ListingsOverTheBufferGiveWholeNamesOnly) {
         EXPECT_EQ(name.size(), std::string("child10000_padded_to_a_good_length").size()) << name;
 }
 
+// The platform answers a list that just fits as it answers one it had to cut.
+TEST_F(IniFileParam, AListingThatJustFitsKeepsItsLastName) {
+    struct Case {
+        const char* last;
+        bool listed;
+    };
+    // "@" and 6399 names of 9 characters take 63992 bytes: with "last1"
+    // the list fills 63998 bytes, the most the listing holds.
+    for (const Case& c : {Case{"last1", true}, Case{"last12", false}}) {
+        std::string text = "[\\]\r\n@=e\r\n";
+        for (int i = 0; i < 6399; ++i)
+            text += "k" + std::to_string(10000000 + i) + "=i1\r\n";
+        WriteContent(file, text + c.last + "=i1\r\n");
+        const Names names = ValueNames(Open().get());
+        EXPECT_EQ(names.back() == c.last, c.listed) << c.last;
+        EXPECT_EQ(names.size(), c.listed ? 6401u : 6400u) << c.last;
+    }
+}
+
 }  // namespace
