@@ -1,5 +1,6 @@
 #include "params/IniFileParam.h"
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -31,27 +32,47 @@ constexpr size_t kSectionNameBuffer = 512;
 // A line end would start a line of its own in the file.
 bool HoldsLineEnd(const std::string& text) { return text.find_first_of("\r\n") != std::string::npos; }
 
+// The platform trims names at both ends: a name of blanks only is no name,
+// and a name of no name would end a zero-terminated listing early.
+bool IsBlankOnly(const std::string& text) { return text.find_first_not_of(" \t") == std::string::npos; }
+
 // What the file can hold as the name of a key: no "=", which would end it, no
-// line end, and no start that reads as a section or a comment.
+// line end, no start that reads as a section or a comment, and some name.
 bool FitsKeyName(const char* name) {
     const std::string text(name);
     return text.find('=') == std::string::npos && !HoldsLineEnd(text) && text[0] != '[' &&
-           text[0] != ';' && text.size() <= sys::kLongestProfileText;
+           text[0] != ';' && !IsBlankOnly(text) && text.size() <= sys::kLongestProfileText;
 }
 
+// Below the root every piece between the separators needs a name too.
 bool FitsSectionName(const std::string& name) {
-    return name.size() < kSectionNameBuffer && !HoldsLineEnd(name);
+    if (name.size() >= kSectionNameBuffer || HoldsLineEnd(name))
+        return false;
+    if (name == kRootSection)
+        return true;
+    for (size_t start = 1;;) {
+        const size_t end = std::min(name.find('\\', start), name.size());
+        if (IsBlankOnly(name.substr(start, end - start)))
+            return false;
+        if (end == name.size())
+            return true;
+        start = end + 1;
+    }
 }
 
 // The names of a listing as a block of zero-terminated names ending with an
-// empty one. A listing the buffer cut ends with a piece of a name: it goes.
+// empty one. The platform answers a list that just fits as one it had to cut,
+// but only a cut list ends without its zero, in a piece of a name: it goes.
+// A name of no name, from another program's file, would end the block: it
+// goes too.
 std::string ListedNames(const std::vector<char>& buffer, DWORD length) {
-    std::string names(buffer.data(), length);
-    if (length == kReadBuffer - 2) {
-        if (!names.empty() && names.back() == '\0')
-            names.pop_back();
-        const size_t lastEnd = names.find_last_of('\0');
-        names.erase(lastEnd == std::string::npos ? 0 : lastEnd + 1);
+    std::string names;
+    for (DWORD start = 0, end = 0; end < length; ++end) {
+        if (buffer[end] != 0)
+            continue;
+        if (end > start)
+            names.append(buffer.data() + start, end - start + 1);
+        start = end + 1;
     }
     names.push_back('\0');
     return names;
@@ -225,6 +246,9 @@ void CIniFileParam::DeleteAllValues() {
     const char* name = nullptr;
     while (names->Next(1, &name, nullptr))
         DeleteValue(name);
+    // A key of no name, left by another program, is in no listing; first in
+    // its section, it even hides the others from the platform's listing.
+    DeleteValue("");
     sys::WriteProfileString(section.c_str(), kMarkerKey, kEmptyValue, file.c_str());
 }
 
@@ -257,7 +281,7 @@ CTEnum<const char*>* CIniFileParam::EnumSectionsImpl() {
         if (start >= candidate.size())
             continue;
         const std::string child = candidate.substr(start, candidate.find('\\', start) - start);
-        if (child.size() >= kSectionNameBuffer || children.size() + child.size() + 2 > kReadBuffer)
+        if (child.empty() || child.size() >= kSectionNameBuffer || children.size() + child.size() + 2 > kReadBuffer)
             continue;
         bool known = false;
         for (const std::string& other : seen)

@@ -193,6 +193,9 @@ TEST_F(IniFileParam, RefusesWhatTheFileCannotHoldAndLosesNothing) {
         [&] { Set(root.get(), "line", CKTVariant("a\r\nkeep=i2")); },
         [&] { Set(root.get(), "keep=x", CKTVariant(2)); },
         [&] { Set(root.get(), "[x]", CKTVariant(2)); },
+        [&] { Set(root.get(), " \t ", CKTVariant(2)); },  // the platform trims it to no name
+        [&] { Ref<IParam>(root->CreateSection("\\x")); },  // a child of no name
+        [&] { Ref<IParam>(root->CreateSection("x\\ ")); },
         [&] { Set(root.get(), "big", Blob(16384)); },   // over the platform's longest text
         [&] { Set(root.get(), "big", Blob(40000)); },   // past what the text form writes
         [&] { Set(root.get(), (longPath + "\\v").c_str(), CKTVariant(2)); },
@@ -229,6 +232,37 @@ TEST_F(IniFileParam, ListingsOverTheBufferGiveWholeNamesOnly) {
     EXPECT_LT(children.size(), 3000u);
     for (const std::string& name : children)
         EXPECT_EQ(name.size(), std::string("child10000_padded_to_a_good_length").size()) << name;
+}
+
+// A name of no name would end the zero-terminated listings early.
+TEST_F(IniFileParam, NamesOfNoNameInTheFileHideNoOthers) {
+    WriteContent(file, "[\\]\r\n@=e\r\na=i1\r\n=i5\r\nb=i2\r\n[\\\\x]\r\nk=i1\r\n"
+                       "[\\y]\r\nk=i1\r\n");
+    auto root = Open();
+    EXPECT_EQ(ValueNames(root.get()), (Names{"@", "a", "b"}));
+    EXPECT_EQ(SectionNames(root.get()), Names{"y"});
+    root->DeleteAllValues();
+    EXPECT_EQ(ValueNames(root.get()), Names{"@"});
+    EXPECT_EQ(Content().find("=i5"), std::string::npos);
+}
+
+// The platform answers a list that just fits as it answers one it had to cut.
+TEST_F(IniFileParam, AListingThatJustFitsKeepsItsLastName) {
+    struct Case {
+        const char* last;
+        bool listed;
+    };
+    // "@" and 6399 names of 9 characters take 63992 bytes: with "last1"
+    // the list fills 63998 bytes, the most the listing holds.
+    for (const Case& c : {Case{"last1", true}, Case{"last12", false}}) {
+        std::string text = "[\\]\r\n@=e\r\n";
+        for (int i = 0; i < 6399; ++i)
+            text += "k" + std::to_string(10000000 + i) + "=i1\r\n";
+        WriteContent(file, text + c.last + "=i1\r\n");
+        const Names names = ValueNames(Open().get());
+        EXPECT_EQ(names.back() == c.last, c.listed) << c.last;
+        EXPECT_EQ(names.size(), c.listed ? 6401u : 6400u) << c.last;
+    }
 }
 
 }  // namespace

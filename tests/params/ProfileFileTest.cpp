@@ -42,6 +42,7 @@ protected:
         buffer.assign(size + 1, kUntouched);
         const DWORD result = kt::sys::ReadProfileString(section, key, buffer.data(), size, file.c_str());
         EXPECT_EQ(buffer[result], 0);
+        EXPECT_EQ(buffer[size], kUntouched);
         return buffer.substr(0, result);
     }
     std::vector<std::string> Keys(const char* section) {
@@ -175,6 +176,7 @@ TEST_F(ProfileFile, ShortBuffersAreCutInBounds) {
         const DWORD result = kt::sys::ReadProfileKeyNames("\\a", buffer.data(), c.size, file.c_str());
         EXPECT_EQ(result, c.result) << c.size;
         EXPECT_EQ(buffer.substr(0, result + 1), c.bytes) << c.size;
+        EXPECT_EQ(buffer[c.size], kUntouched) << c.size;
     }
     buffer.assign(4, kUntouched);
     EXPECT_EQ(kt::sys::ReadProfileKeyNames("\\a", buffer.data(), 0, file.c_str()), 0u);
