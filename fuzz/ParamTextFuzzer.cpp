@@ -5,10 +5,10 @@
 // a block of any size anywhere reads for ever. Whatever tree comes out must survive a trip through the
 // stream form byte for byte.
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "fuzz/StableStreamForm.h"
 #include "kticore/core/Exception.h"
 #include "kticore/files/File.h"
 #include "kticore/params/ParamTools.h"
@@ -16,14 +16,12 @@
 
 namespace {
 
+using kt::fuzz::Check;
+using kt::fuzz::CheckStreamFormIsStable;
+
 constexpr size_t kFiles = 4;
 constexpr size_t kBlockSize = 4u << 20;
 const std::string kFileSeparator = "\nFILE\n";
-
-void Check(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 // Where the files lie: memory names carry 32-bit addresses.
 kt::test::LowBlock& Block() {
@@ -94,23 +92,6 @@ std::vector<std::string> LayOut(std::vector<std::string> files) {
     return files;
 }
 
-std::vector<std::uint8_t> Saved(IParam* tree) {
-    IXStream* stream = new_StreamOnMemory();
-    std::vector<std::uint8_t> bytes;
-    try {
-        Check(SaveParamToXStream(stream, tree) == 1);
-        bytes.resize(stream->GetLength());
-        stream->Seek(0, 0);
-        if (!bytes.empty())
-            stream->Read(bytes.data(), static_cast<unsigned>(bytes.size()));
-    } catch (const CXException& failure) {
-        Check(failure.code == XE_BAD_ARGUMENT);  // a tree the stream form cannot carry
-        bytes.clear();
-    }
-    stream->Release();
-    return bytes;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
@@ -131,17 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
         // An included local file that failed while it was read.
     }
 
-    const std::vector<std::uint8_t> first = Saved(tree);
-    if (!first.empty()) {
-        IXStream* stream = new_StreamOnMemory();
-        stream->Write(first.data(), static_cast<unsigned>(first.size()));
-        stream->Seek(0, 0);
-        IParam* loaded = new_MemParam();
-        Check(LoadParamFromXStream(stream, loaded) == 1);
-        Check(Saved(loaded) == first);
-        loaded->Release();
-        stream->Release();
-    }
+    CheckStreamFormIsStable(tree);
     tree->Release();
     return 0;
 }

@@ -4,25 +4,20 @@
 // exceptions; whatever was read must write back to bytes that read back to
 // the same value and write again to the same bytes.
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 #include "fuzz/FuzzInput.h"
+#include "fuzz/FuzzStreams.h"
 #include "kticore/core/Exception.h"
 #include "kticore/objects/Persist.h"
 #include "kticore/streams/Stream.h"
-#include "platform/OleStream.h"
-#include "streams/OleStream.h"
 
 namespace {
 
+using kt::fuzz::Check;
+using kt::fuzz::StreamHolding;
 using Bytes = std::vector<std::uint8_t>;
-
-void Check(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 Bytes Content(IXStream* stream) {
     Bytes bytes(stream->GetLength());
@@ -30,21 +25,6 @@ Bytes Content(IXStream* stream) {
     if (!bytes.empty())
         Check(stream->Read(bytes.data(), static_cast<unsigned>(bytes.size())) == bytes.size());
     return bytes;
-}
-
-IXStream* StreamHolding(const std::uint8_t* data, size_t size, bool overOle) {
-    IXStream* stream;
-    if (overOle) {
-        IStream* ole = kt::sys::NewMemoryOleStream();
-        stream = kt_NewStreamOnOleStream("fuzzed", ole);
-        ole->Release();
-    } else {
-        stream = new_StreamOnMemory();
-    }
-    if (size != 0)
-        stream->Write(data, static_cast<unsigned>(size));
-    stream->Seek(0, 0);
-    return stream;
 }
 
 // Kinds 8 and 9 compare exactly, and a stored NaN is not equal to itself.
