@@ -14,6 +14,13 @@ typedef std::int32_t BOOL;
 typedef std::int32_t HRESULT;
 typedef void* HANDLE;
 typedef void* HMODULE;
+// Handles of the window system and of resources: distinct types, as under
+// STRICT, so that overloads on them stay apart. Nothing natively makes one.
+typedef struct HWND__* HWND;
+typedef struct HMENU__* HMENU;
+typedef struct HFONT__* HFONT;
+typedef struct HRSRC__* HRSRC;
+typedef void* HGLOBAL;
 
 typedef char16_t KTWCHAR;
 #define KTW(text) u##text
