@@ -33,8 +33,11 @@ constexpr size_t kSectionNameBuffer = 512;
 bool HoldsLineEnd(const std::string& text) { return text.find_first_of("\r\n") != std::string::npos; }
 
 // The platform trims names at both ends: a name of blanks only is no name,
-// and a name of no name would end a zero-terminated listing early.
-bool IsBlankOnly(const std::string& text) { return text.find_first_not_of(" \t") == std::string::npos; }
+// and a name of no name would end a zero-terminated listing early. Its blanks
+// are those of the C locale and 0x1A.
+bool IsBlankOnly(const std::string& text) {
+    return text.find_first_not_of(" \t\n\v\f\r\x1a") == std::string::npos;
+}
 
 // What the file can hold as the name of a key: no "=", which would end it, no
 // line end, no start that reads as a section or a comment, and some name.

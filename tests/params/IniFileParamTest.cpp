@@ -204,6 +204,7 @@ TEST_F(IniFileParam, DropsWhatTheFileHasNoFormForAndRefusesSectionsItCannotOpen)
         {[&] { Set(root.get(), "[x]", CKTVariant(2)); }, XE_NONE},
         {[&] { Set(root.get(), ";x", CKTVariant(2)); }, XE_NONE},
         {[&] { Set(root.get(), " \t ", CKTVariant(2)); }, XE_NONE},  // the platform trims it to no name
+        {[&] { Set(root.get(), "\x0b\x0c\x1a", CKTVariant(2)); }, XE_NONE},
         {[&] { Set(root.get(), "big", Blob(16384)); }, XE_NONE},   // over the platform's longest text
         {[&] { Set(root.get(), "big", Blob(40000)); }, XE_NONE},   // past what the text form writes
         {[&] { Set(root.get(), "x\\ \\v", CKTVariant(2)); }, XE_NONE},  // a section of no name on the way
