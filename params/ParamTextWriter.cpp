@@ -41,7 +41,8 @@ struct WrittenSection {
 class TextWriter {
 public:
     // `top` names the top section in its header, the root when it is null.
-    TextWriter(IXFile* out, const char* top) : out(out), path(top != nullptr ? top : ""), rootOnTop(top == nullptr) {
+    TextWriter(IXFile* out, const char* top)
+        : out(out), path(top != nullptr ? top : ""), rootOnTop(top == nullptr) {
         piece.reserve(kt::params::kEntryBufferSize);
     }
 

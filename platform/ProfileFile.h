@@ -43,7 +43,8 @@ constexpr DWORD kLongestProfileText = 32766;
 // Whether the profile functions look for `file` in the Windows directory: a
 // name with neither a separator nor a drive in front.
 inline bool IsBareFileName(const char* file) {
-    return file != nullptr && std::strpbrk(file, "\\/") == nullptr && !(file[0] != 0 && file[1] == ':');
+    return file != nullptr && std::strpbrk(file, "\\/") == nullptr &&
+           !(file[0] != 0 && file[1] == ':');
 }
 
 // The file that the profile functions use for `file`: a bare name lies in the

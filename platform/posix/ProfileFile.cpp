@@ -93,7 +93,8 @@ std::string Recoded(const std::string& text, unsigned from, unsigned to) {
         MultiByteToWide(from, text.data(), size, wide.data(), static_cast<int>(wide.size()))));
     std::string recoded(wide.size() * 3, '\0');
     recoded.resize(static_cast<size_t>(WideToMultiByte(to, wide.data(), static_cast<int>(wide.size()),
-                                                       recoded.data(), static_cast<int>(recoded.size()))));
+                                                       recoded.data(),
+                                                       static_cast<int>(recoded.size()))));
     return recoded;
 }
 
@@ -129,8 +130,8 @@ Profile Parse(const std::string& text) {
         if (equals == std::string::npos)
             profile.sections.back().lines.push_back({UpToZero(line), std::nullopt});
         else
-            profile.sections.back().lines.push_back(
-                {UpToZero(Trimmed(line.substr(0, equals))), UpToZero(Trimmed(line.substr(equals + 1)))});
+            profile.sections.back().lines.push_back({UpToZero(Trimmed(line.substr(0, equals))),
+                                                     UpToZero(Trimmed(line.substr(equals + 1)))});
     }
     return profile;
 }

@@ -16,7 +16,8 @@ namespace {
 using kt::test::NewTree;
 using kt::test::Ref;
 
-// Far less than 2000 levels of any of the tools took by recursion.
+// A stack on which any of the tools, recursing, overflows long before 2000
+// levels.
 constexpr size_t kSmallStack = 128 * 1024;
 constexpr int kLevels = 2000;
 
@@ -29,7 +30,8 @@ void RunOnSmallStack(const std::function<void()>& work) {
         (*static_cast<const std::function<void()>*>(argument))();
         return nullptr;
     };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
+    auto* argument = const_cast<std::function<void()>*>(&work);
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, argument), 0);
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attributes);
 }
@@ -59,7 +61,8 @@ TEST(DeepTree, EveryToolWalksItWithAFlatStack) {
         ::testing::internal::CaptureStderr();
         Dump_Param(tree.get());
         const std::string dump = ::testing::internal::GetCapturedStderr();
-        EXPECT_EQ(dump.size(), kLevels * std::string("--- s ---\n").size() + std::string(" v \n").size());
+        const size_t lines = kLevels * std::string("--- s ---\n").size();
+        EXPECT_EQ(dump.size(), lines + std::string(" v \n").size());
     });
 }
 
