@@ -9,6 +9,8 @@ public:
     explicit Held(T* object = nullptr) : object(object) {}
     Held(const Held&) = delete;
     Held& operator=(const Held&) = delete;
+    Held(Held&& other) noexcept : object(other.object) { other.object = nullptr; }
+    Held& operator=(Held&&) = delete;
     ~Held() { Reset(nullptr); }
 
     // Takes over `next`, releasing what was held.

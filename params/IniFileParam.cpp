@@ -33,8 +33,11 @@ constexpr size_t kSectionNameBuffer = 512;
 bool HoldsLineEnd(const std::string& text) { return text.find_first_of("\r\n") != std::string::npos; }
 
 // The platform trims names at both ends: a name of blanks only is no name,
-// and a name of no name would end a zero-terminated listing early.
-bool IsBlankOnly(const std::string& text) { return text.find_first_not_of(" \t") == std::string::npos; }
+// and a name of no name would end a zero-terminated listing early. Its blanks
+// are those of the C locale and 0x1A.
+bool IsBlankOnly(const std::string& text) {
+    return text.find_first_not_of(" \t\n\v\f\r\x1a") == std::string::npos;
+}
 
 // What the file can hold as the name of a key: no "=", which would end it, no
 // line end, no start that reads as a section or a comment, and some name.
@@ -213,11 +216,17 @@ int CIniFileParam::GetValue(const char* path, tagKTVARIANT* value) {
     return 1;
 }
 
+// What the file has no form for is dropped without a word, as objects and
+// wide text are: a section or a key name it cannot hold, a text with a line
+// end or longer than the platform takes, a blob longer than the text form
+// writes. A path beyond its buffer is refused, as in every back end.
 void CIniFileParam::SetValue(const char* path, const tagKTVARIANT* value) {
     const ValuePath split(path);
     if (split.HasSection()) {
         if (!split.Fits())
             throw CXException(XE_BAD_ARGUMENT);
+        if (!FitsSectionName(SectionBelow(split.Section())))
+            return;
         Held<IParam> below(GetSection(split.Section(), 1));
         below->SetValue(split.Name(), value);
         return;
@@ -228,12 +237,11 @@ void CIniFileParam::SetValue(const char* path, const tagKTVARIANT* value) {
     if (!AppendMarkedValue(text, *value))
         return;
     const char* name = ValueName(kRules, path);
-    // What the file cannot hold is refused before anything is written: also
-    // a blob too long for the text form, which writes it without digits.
+    // A blob too long for the text form is written without digits.
     const bool wholeBlob = value->vt != KTVT_BLOB || text.size() == 1 + 2 * size_t{value->blobVal.size};
     if (!FitsKeyName(name) || HoldsLineEnd(text) || text.size() > sys::kLongestProfileText ||
         !wholeBlob)
-        throw CXException(XE_BAD_ARGUMENT);
+        return;
     sys::WriteProfileString(section.c_str(), name, text.c_str(), file.c_str());
 }
 

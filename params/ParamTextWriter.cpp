@@ -1,16 +1,23 @@
 #include <string>
 
 #include "kticore/core/Exception.h"
-#include "params/InputBuffer.h"
 #include "params/Held.h"
+#include "params/InputBuffer.h"
 #include "params/MarkedValue.h"
 #include "params/ParamText.h"
+#include "params/TreeWalk.h"
 
 namespace {
 
 using kt::params::Held;
+using kt::params::NameEnum;
 
-void Put(IXFile* out, const std::string& piece) { out->Write(piece.data(), static_cast<DWORD>(piece.size())); }
+// The most bytes of a physical line, its closing carriage return included,
+// that the reader takes in one piece with its line feed: a line of the
+// reader's whole limit leaves the line feed for a read of its own, which the
+// reader takes for the end of the input.
+constexpr size_t kLongestLine = kt::params::kPhysicalLineLimit - 1;
+constexpr char kLineEnd[] = "\r\n";
 
 // The marked text of a value as the text form writes it: wide text goes as
 // narrow text under the marker of text.
@@ -22,43 +29,89 @@ bool AppendEntryValue(std::string& entry, const tagKTVARIANT& value) {
     return true;
 }
 
-void WriteValues(IParam* param, IXFile* out, std::string& entry) {
-    Held<CTEnum<const char*>> names(param->EnumValues());
-    if (!names)
-        return;
-    const char* name = nullptr;
-    while (names->Next(1, &name, nullptr)) {
-        CKTVariant value;
-        if (!param->GetValue(name, &value))
-            continue;
-        entry.assign("\t| ").append(name).append("=");
-        if (!AppendEntryValue(entry, value))
-            continue;
-        // The entry goes with its terminator into the entry buffer of the form.
-        if (entry.size() + 1 > kt::params::kEntryBufferSize)
-            throw CXException(XE_BAD_ARGUMENT);
-        Put(out, entry);
+struct WrittenSection {
+    Held<IParam> param;
+    size_t pathLength = 0;  // of its path in the writer's path
+};
+
+// Writes each section's header and values on the way down. One path and
+// one piece serve the whole walk. Values stand behind their header, on its
+// physical line as long as that stays short enough to be read back whole,
+// and on further lines of their own beyond that.
+class TextWriter {
+public:
+    // `top` names the top section in its header, the root when it is null.
+    TextWriter(IXFile* out, const char* top)
+        : out(out), path(top != nullptr ? top : ""), rootOnTop(top == nullptr) {
+        piece.reserve(kt::params::kEntryBufferSize);
     }
-}
+
+    size_t TopPathLength() const { return path.size(); }
+
+    // The path stands at the section's own when the walk arrives.
+    NameEnum* Enter(WrittenSection& section) {
+        WriteHeader(path.empty() && rootOnTop ? "\\" : path);
+        WriteValues(section.param.get());
+        return section.param->EnumSections();
+    }
+    bool Descend(WrittenSection& parent, const char* name, WrittenSection& child) {
+        child.param.Reset(parent.param->GetSection(name, 0));
+        if (!child.param)
+            return false;
+        path.resize(parent.pathLength);
+        path.append("\\").append(name);
+        child.pathLength = path.size();
+        return true;
+    }
+    void Leave(WrittenSection&) {}
+    bool Done() const { return false; }
+
+private:
+    void Put(const std::string& text) { out->Write(text.data(), static_cast<DWORD>(text.size())); }
+
+    // Refused unless it comes back as one line.
+    void WriteHeader(const std::string& shown) {
+        piece.assign(kLineEnd).append("[").append(shown).append("]\t");
+        lineLength = piece.size() - (sizeof kLineEnd - 1);
+        if (lineLength + 1 > kLongestLine)
+            throw CXException(XE_BAD_ARGUMENT);
+        Put(piece);
+    }
+
+    void WriteValues(IParam* param) {
+        Held<NameEnum> names(param->EnumValues());
+        const char* name = nullptr;
+        while (names && names->Next(1, &name, nullptr)) {
+            CKTVariant value;
+            if (!param->GetValue(name, &value))
+                continue;
+            piece.assign("\t| ").append(name).append("=");
+            if (!AppendEntryValue(piece, value))
+                continue;
+            // The entry goes with its terminator into the entry buffer of the
+            // form, and it must come back as a line of its own at least.
+            if (piece.size() + 1 > kt::params::kEntryBufferSize || piece.size() + 1 > kLongestLine)
+                throw CXException(XE_BAD_ARGUMENT);
+            if (lineLength + piece.size() + 1 > kLongestLine) {
+                Put(kLineEnd);
+                lineLength = 0;
+            }
+            Put(piece);
+            lineLength += piece.size();
+        }
+    }
+
+    IXFile* out;
+    std::string path;
+    const bool rootOnTop;
+    std::string piece;
+    size_t lineLength = 0;  // bytes of the physical line being written
+};
 
 }  // namespace
 
 void ParamText_Write(IParam* param, IXFile* out, const char* path) {
-    std::string piece;
-    piece.reserve(kt::params::kEntryBufferSize);
-    piece.assign("\r\n[").append(path != nullptr ? path : "\\").append("]\t");
-    if (piece.size() + 1 > kt::params::kLineBufferSize)
-        throw CXException(XE_BAD_ARGUMENT);
-    Put(out, piece);
-    WriteValues(param, out, piece);
-
-    Held<CTEnum<const char*>> names(param->EnumSections());
-    if (!names)
-        return;
-    const char* name = nullptr;
-    while (names->Next(1, &name, nullptr)) {
-        Held<IParam> section(param->GetSection(name, 0));
-        if (section.get() != nullptr)
-            ParamText_Write(section.get(), out, (std::string(path != nullptr ? path : "") + "\\" + name).c_str());
-    }
+    param->AddRef();
+    TextWriter writer(out, path);
+    kt::params::WalkSections(WrittenSection{Held<IParam>(param), writer.TopPathLength()}, writer);
 }

@@ -1,15 +1,17 @@
-// Comparing, copying and dumping trees through IParam alone.
+// Comparing, copying and dumping trees through IParam alone, each as one walk
+// over the sections (see TreeWalk.h).
 #include <string>
 
 #include "kticore/core/Exception.h"
 #include "kticore/params/ParamTools.h"
 #include "params/Held.h"
+#include "params/TreeWalk.h"
 #include "platform/DebugOutput.h"
 
 namespace {
 
 using kt::params::Held;
-using NameEnum = CTEnum<const char*>;
+using kt::params::NameEnum;
 
 // Calls `visit` with each name an enumerator gives; a null enumerator gives
 // none.
@@ -29,66 +31,107 @@ NameEnum* Required(NameEnum* names) {
     return names;
 }
 
+// A reference of the walk's own on a section it was handed.
+Held<IParam> Hold(IParam* param) {
+    param->AddRef();
+    return Held<IParam>(param);
+}
+
+// One section of `a` and the section of the same path in `b`.
+struct SectionPair {
+    Held<IParam> a;
+    Held<IParam> b;
+};
+
+// Whether `b` holds every value and section of `a`: values first, then
+// each section; the first difference ends the walk.
+class Comparison {
+public:
+    NameEnum* Enter(SectionPair& pair) {
+        ForEachName(pair.a->EnumValues(), [&](const char* name) {
+            CKTVariant mine;
+            CKTVariant theirs;
+            pair.a->GetValue(name, &mine);
+            equal = pair.b->GetValue(name, &theirs) && mine == theirs;
+            return equal;
+        });
+        return equal ? pair.a->EnumSections() : nullptr;
+    }
+    bool Descend(SectionPair& parent, const char* name, SectionPair& child) {
+        child.a.Reset(parent.a->GetSection(name, 0));
+        child.b.Reset(parent.b->GetSection(name, 0));
+        equal = child.a && child.b;
+        return equal;
+    }
+    void Leave(SectionPair&) {}
+    bool Done() const { return !equal; }
+
+    bool equal = true;
+};
+
+// Sections first, then the values of each; nothing in the target goes.
+class Copy {
+public:
+    NameEnum* Enter(SectionPair& pair) { return Required(pair.a->EnumSections()); }
+    bool Descend(SectionPair& parent, const char* name, SectionPair& child) {
+        child.a.Reset(parent.a->GetSection(name, 0));
+        if (!child.a)
+            return false;
+        child.b.Reset(parent.b->GetSection(name, 0));
+        if (!child.b)
+            child.b.Reset(parent.b->CreateSection(name));
+        return static_cast<bool>(child.b);
+    }
+    void Leave(SectionPair& pair) {
+        ForEachName(Required(pair.a->EnumValues()), [&](const char* name) {
+            CKTVariant value;
+            pair.a->GetValue(name, &value);
+            pair.b->SetValue(name, &value);
+            return true;
+        });
+    }
+    bool Done() const { return false; }
+};
+
+struct DumpedSection {
+    Held<IParam> param;
+};
+
+// The names of the values, then a line for each section before its content.
+class Dump {
+public:
+    NameEnum* Enter(DumpedSection& section) {
+        ForEachName(Required(section.param->EnumValues()), [](const char* name) {
+            kt::sys::DebugOutput((std::string(" ") + name + " \n").c_str());
+            return true;
+        });
+        return Required(section.param->EnumSections());
+    }
+    bool Descend(DumpedSection& parent, const char* name, DumpedSection& child) {
+        child.param.Reset(parent.param->GetSection(name, 0));
+        kt::sys::DebugOutput((std::string("--- ") + name + " ---\n").c_str());
+        return static_cast<bool>(child.param);
+    }
+    void Leave(DumpedSection&) {}
+    bool Done() const { return false; }
+};
+
 }  // namespace
 
 int Param_Cmp(IParam* a, IParam* b) {
     if (a == nullptr || b == nullptr)
         return 0;
-    int equal = 1;
-    ForEachName(a->EnumValues(), [&](const char* name) {
-        CKTVariant mine;
-        CKTVariant theirs;
-        a->GetValue(name, &mine);
-        equal = b->GetValue(name, &theirs) && mine == theirs;
-        return equal != 0;
-    });
-    if (!equal)
-        return 0;
-    ForEachName(a->EnumSections(), [&](const char* name) {
-        Held<IParam> mine(a->GetSection(name, 0));
-        Held<IParam> theirs(b->GetSection(name, 0));
-        equal = Param_Cmp(mine.get(), theirs.get());
-        return equal != 0;
-    });
-    return equal;
+    Comparison comparison;
+    kt::params::WalkSections(SectionPair{Hold(a), Hold(b)}, comparison);
+    return comparison.equal ? 1 : 0;
 }
 
 void Param_CopyTo(IParam* from, IParam* to) {
-    from->AddRef();
-    Held<IParam> holdFrom(from);
-    to->AddRef();
-    Held<IParam> holdTo(to);
-    ForEachName(Required(from->EnumSections()), [&](const char* name) {
-        Held<IParam> source(from->GetSection(name, 0));
-        if (!source)
-            return true;
-        Held<IParam> target(to->GetSection(name, 0));
-        if (!target)
-            target.Reset(to->CreateSection(name));
-        if (target)
-            Param_CopyTo(source.get(), target.get());
-        return true;
-    });
-    ForEachName(Required(from->EnumValues()), [&](const char* name) {
-        CKTVariant value;
-        from->GetValue(name, &value);
-        to->SetValue(name, &value);
-        return true;
-    });
+    Copy copy;
+    kt::params::WalkSections(SectionPair{Hold(from), Hold(to)}, copy);
 }
 
 void Dump_Param(IParam* param) {
-    param->AddRef();
-    Held<IParam> hold(param);
-    ForEachName(Required(param->EnumValues()), [](const char* name) {
-        kt::sys::DebugOutput((std::string(" ") + name + " \n").c_str());
-        return true;
-    });
-    ForEachName(Required(param->EnumSections()), [&](const char* name) {
-        Held<IParam> section(param->GetSection(name, 0));
-        kt::sys::DebugOutput((std::string("--- ") + name + " ---\n").c_str());
-        if (section)
-            Dump_Param(section.get());
-        return true;
-    });
+    Dump dump;
+    kt::params::WalkSections(DumpedSection{Hold(param)}, dump);
 }

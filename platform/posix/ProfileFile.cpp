@@ -36,7 +36,12 @@ struct Section {
 
 struct Profile {
     std::vector<Section> sections;  // the first holds the lines before any "[...]"
+    bool utf8 = false;              // the file began with the byte order mark
 };
+
+constexpr char kUtf8Mark[] = "\xEF\xBB\xBF";
+constexpr size_t kUtf8MarkSize = sizeof kUtf8Mark - 1;
+constexpr char kCommentStart = ';';
 
 std::mutex& ProfileLock() {
     static std::mutex lock;
@@ -52,16 +57,25 @@ DWORD Nothing(char* buffer, DWORD size) {
     return 0;
 }
 
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+// The C locale's white space and 0x1A, the end-of-file mark of old files.
+bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r') || c == '\x1a'; }
+
+std::string LeadTrimmed(const std::string& text) {
+    size_t first = 0;
+    while (first < text.size() && IsBlank(text[first]))
+        ++first;
+    return text.substr(first);
+}
 
 std::string Trimmed(const std::string& text) {
-    size_t first = 0, last = text.size();
-    while (first < last && IsBlank(text[first]))
-        ++first;
-    while (last > first && IsBlank(text[last - 1]))
-        --last;
-    return text.substr(first, last - first);
+    std::string trimmed = LeadTrimmed(text);
+    while (!trimmed.empty() && IsBlank(trimmed.back()))
+        trimmed.pop_back();
+    return trimmed;
 }
+
+// A name or a value of the file ends at a zero byte in it.
+std::string UpToZero(const std::string& text) { return text.substr(0, text.find('\0')); }
 
 char AsciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -71,28 +85,36 @@ bool SameName(const std::string& a, const std::string& b) {
                       [](char x, char y) { return AsciiLower(x) == AsciiLower(y); });
 }
 
-// The file name in the process's ANSI code page, as the file system spells it;
-// a null name is one that no file has.
-std::string SystemName(const char* file) {
-    if (file == nullptr)
-        return std::string();
-    const int size = static_cast<int>(std::strlen(file));
-    std::basic_string<KTWCHAR> wide(static_cast<size_t>(size), KTWCHAR{});
+// `text` from one code page into another, through 16-bit text.
+std::string Recoded(const std::string& text, unsigned from, unsigned to) {
+    const int size = static_cast<int>(text.size());
+    std::basic_string<KTWCHAR> wide(text.size(), KTWCHAR{});
     wide.resize(static_cast<size_t>(
-        MultiByteToWide(kAnsiCodePage, file, size, wide.data(), static_cast<int>(wide.size()))));
-    std::string name(wide.size() * 3, '\0');
-    name.resize(static_cast<size_t>(WideToMultiByte(kUtf8CodePage, wide.data(),
-                                                    static_cast<int>(wide.size()), name.data(),
-                                                    static_cast<int>(name.size()))));
-    return name;
+        MultiByteToWide(from, text.data(), size, wide.data(), static_cast<int>(wide.size()))));
+    std::string recoded(wide.size() * 3, '\0');
+    recoded.resize(static_cast<size_t>(WideToMultiByte(to, wide.data(), static_cast<int>(wide.size()),
+                                                       recoded.data(),
+                                                       static_cast<int>(recoded.size()))));
+    return recoded;
 }
 
+// An argument, ANSI text, as the file spells it, and the file's text as ANSI.
+std::string Inward(const Profile& profile, const char* text) {
+    return profile.utf8 ? Recoded(text, kAnsiCodePage, kUtf8CodePage) : std::string(text);
+}
+std::string Outward(const Profile& profile, const std::string& text) {
+    return profile.utf8 ? Recoded(text, kUtf8CodePage, kAnsiCodePage) : text;
+}
+
+// Zero bytes stand in the lines as any other byte; each name and value ends
+// at its first one only once the line is understood.
 Profile Parse(const std::string& text) {
     Profile profile;
     profile.sections.emplace_back();
-    size_t start = 0;
+    profile.utf8 = text.compare(0, kUtf8MarkSize, kUtf8Mark) == 0;
+    size_t start = profile.utf8 ? kUtf8MarkSize : 0;
     while (start < text.size()) {
-        size_t end = text.find('\n', start);
+        size_t end = text.find_first_of("\r\n", start);
         if (end == std::string::npos)
             end = text.size();
         const std::string line = Trimmed(text.substr(start, end - start));
@@ -101,21 +123,21 @@ Profile Parse(const std::string& text) {
             continue;
         const size_t close = line.rfind(']');
         if (line[0] == '[' && close != std::string::npos) {
-            profile.sections.push_back({Trimmed(line.substr(1, close - 1)), {}});
+            profile.sections.push_back({UpToZero(Trimmed(line.substr(1, close - 1))), {}});
             continue;
         }
         const size_t equals = line.find('=');
         if (equals == std::string::npos)
-            profile.sections.back().lines.push_back({line, std::nullopt});
+            profile.sections.back().lines.push_back({UpToZero(line), std::nullopt});
         else
-            profile.sections.back().lines.push_back(
-                {Trimmed(line.substr(0, equals)), Trimmed(line.substr(equals + 1))});
+            profile.sections.back().lines.push_back({UpToZero(Trimmed(line.substr(0, equals))),
+                                                     UpToZero(Trimmed(line.substr(equals + 1)))});
     }
     return profile;
 }
 
 std::string Text(const Profile& profile) {
-    std::string text;
+    std::string text = profile.utf8 ? kUtf8Mark : "";
     for (const Section& section : profile.sections) {
         if (&section != &profile.sections.front())
             text += "[" + section.name + "]\r\n";
@@ -194,37 +216,46 @@ DWORD CopyList(const std::vector<std::string>& names, char* buffer, DWORD size) 
     return static_cast<DWORD>(list.size());
 }
 
-bool Change(const char* file, bool (*edit)(Profile&, const char*, const char*, const char*),
-            const char* section, const char* key, const char* text) {
+// The arguments of an edit, as the file spells them; a key or text that is
+// not there is empty.
+struct Edit {
+    std::string section;
+    std::string key;
+    std::string text;
+};
+
+bool Change(const char* file, bool (*edit)(Profile&, const Edit&), const char* section,
+            const char* key, const char* text) {
     if (!Fits(section) || (key != nullptr && !Fits(key)) || (text != nullptr && !Fits(text)))
         return false;
     std::lock_guard<std::mutex> hold(ProfileLock());
-    const std::string name = SystemName(file);
+    const std::string name = ProfileFilePath(file);
     Profile profile = Load(name);
-    return !edit(profile, section, key, text) || Save(name, profile);
+    const Edit arguments{Inward(profile, section), Inward(profile, key != nullptr ? key : ""),
+                         Inward(profile, text != nullptr ? text : "")};
+    return !edit(profile, arguments) || Save(name, profile);
 }
 
-// The edits: each says whether the profile changed.
-bool SetKey(Profile& profile, const char* sectionName, const char* keyName, const char* text) {
-    const std::string name = Trimmed(sectionName);
-    Section* section = FindSection(profile, name);
+// The edits: each says whether the profile changed. Names are looked up
+// trimmed; new names and texts lose their leading blanks only.
+bool SetKey(Profile& profile, const Edit& edit) {
+    Section* section = FindSection(profile, Trimmed(edit.section));
     if (section == nullptr) {
-        profile.sections.push_back({name, {}});
+        profile.sections.push_back({LeadTrimmed(edit.section), {}});
         section = &profile.sections.back();
     }
-    const std::string key = Trimmed(keyName);
-    if (Line* line = FindKey(*section, key))
-        line->value = Trimmed(text);
+    if (Line* line = FindKey(*section, Trimmed(edit.key)))
+        line->value = LeadTrimmed(edit.text);
     else
-        section->lines.push_back({key, Trimmed(text)});
+        section->lines.push_back({LeadTrimmed(edit.key), LeadTrimmed(edit.text)});
     return true;
 }
 
-bool RemoveKey(Profile& profile, const char* sectionName, const char* keyName, const char*) {
-    Section* section = FindSection(profile, Trimmed(sectionName));
+bool RemoveKey(Profile& profile, const Edit& edit) {
+    Section* section = FindSection(profile, Trimmed(edit.section));
     if (section == nullptr)
         return false;
-    const std::string key = Trimmed(keyName);
+    const std::string key = Trimmed(edit.key);
     const auto found = std::find_if(section->lines.begin(), section->lines.end(),
                                     [&](const Line& line) { return line.value && SameName(line.name, key); });
     if (found == section->lines.end())
@@ -233,8 +264,8 @@ bool RemoveKey(Profile& profile, const char* sectionName, const char* keyName, c
     return true;
 }
 
-bool RemoveSection(Profile& profile, const char* sectionName, const char*, const char*) {
-    Section* section = FindSection(profile, Trimmed(sectionName));
+bool RemoveSection(Profile& profile, const Edit& edit) {
+    Section* section = FindSection(profile, Trimmed(edit.section));
     if (section == nullptr)
         return false;
     if (section == &profile.sections.front())
@@ -246,17 +277,25 @@ bool RemoveSection(Profile& profile, const char* sectionName, const char*, const
 
 }  // namespace
 
+// The name in the process's ANSI code page, as the file system spells it; a
+// null name is one that no file has.
+std::string ProfileFilePath(const char* file) {
+    if (file == nullptr || IsBareFileName(file))
+        return std::string();
+    return Recoded(file, kAnsiCodePage, kUtf8CodePage);
+}
+
 DWORD ReadProfileString(const char* sectionName, const char* keyName, char* buffer, DWORD size,
                         const char* file) {
     if (!Fits(sectionName) || !Fits(keyName) || size == 0)
         return Nothing(buffer, size);
     std::lock_guard<std::mutex> hold(ProfileLock());
-    Profile profile = Load(SystemName(file));
-    Section* section = FindSection(profile, Trimmed(sectionName));
-    const Line* line = section ? FindKey(*section, Trimmed(keyName)) : nullptr;
+    Profile profile = Load(ProfileFilePath(file));
+    Section* section = FindSection(profile, Trimmed(Inward(profile, sectionName)));
+    const Line* line = section ? FindKey(*section, Trimmed(Inward(profile, keyName))) : nullptr;
     if (line == nullptr)
         return Nothing(buffer, size);
-    const std::string value = Unquoted(*line->value);
+    const std::string value = Outward(profile, Unquoted(*line->value));
     const size_t count = std::min<size_t>(value.size(), size - 1);
     std::memcpy(buffer, value.data(), count);
     buffer[count] = 0;
@@ -267,21 +306,21 @@ DWORD ReadProfileKeyNames(const char* sectionName, char* buffer, DWORD size, con
     if (!Fits(sectionName))
         return Nothing(buffer, size);
     std::lock_guard<std::mutex> hold(ProfileLock());
-    Profile profile = Load(SystemName(file));
+    Profile profile = Load(ProfileFilePath(file));
     std::vector<std::string> names;
-    if (Section* section = FindSection(profile, Trimmed(sectionName)))
+    if (Section* section = FindSection(profile, Trimmed(Inward(profile, sectionName))))
         for (const Line& line : section->lines)
-            if (line.value)
-                names.push_back(line.name);
+            if (line.value && line.name[0] != kCommentStart)
+                names.push_back(Outward(profile, line.name));
     return CopyList(names, buffer, size);
 }
 
 DWORD ReadProfileSectionNames(char* buffer, DWORD size, const char* file) {
     std::lock_guard<std::mutex> hold(ProfileLock());
-    Profile profile = Load(SystemName(file));
+    Profile profile = Load(ProfileFilePath(file));
     std::vector<std::string> names;
     for (size_t i = 1; i < profile.sections.size(); ++i)
-        names.push_back(profile.sections[i].name);
+        names.push_back(Outward(profile, profile.sections[i].name));
     return CopyList(names, buffer, size);
 }
 

@@ -19,9 +19,9 @@ DWORD Nothing(char* buffer, DWORD size) {
 }
 
 // Windows refuses to write a read-only file to everybody; Wine, run by a
-// privileged user, would write it.
+// privileged user, would write it. The file is the one the functions use.
 bool IsReadOnlyFile(const char* file) {
-    const DWORD attributes = ::GetFileAttributesA(file);
+    const DWORD attributes = ::GetFileAttributesA(ProfileFilePath(file).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) &&
            !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
@@ -35,6 +35,16 @@ bool Write(const char* section, const char* key, const char* text, const char* f
 }
 
 }  // namespace
+
+std::string ProfileFilePath(const char* file) {
+    if (!IsBareFileName(file))
+        return file != nullptr ? file : "";
+    char directory[MAX_PATH];
+    const UINT length = ::GetWindowsDirectoryA(directory, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH)
+        return file;
+    return std::string(directory, length) + "\\" + file;
+}
 
 DWORD ReadProfileString(const char* section, const char* key, char* buffer, DWORD size,
                         const char* file) {

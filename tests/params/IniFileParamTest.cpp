@@ -1,6 +1,7 @@
 // The tree in a private profile file: how it lies in the file, what it reads
 // back, what it cannot hold, and trees that cross to memory and back.
 #include <functional>
+#include <iterator>
 #include <string>
 
 #include "kticore/core/Exception.h"
@@ -182,28 +183,41 @@ TEST_F(IniFileParam, CarriesEveryKindUpToBlobsBetweenMemoryAndTheFile) {
     EXPECT_TRUE(ValueAt(profile.get(), "trailing") == CKTVariant("text"));
 }
 
-TEST_F(IniFileParam, RefusesWhatTheFileCannotHoldAndLosesNothing) {
+// What the file has no form for is dropped without a word, as objects and
+// wide text are; a section that must be opened but cannot be held, and a
+// path beyond its buffer, are refused. Either way the file stays as it was.
+TEST_F(IniFileParam, DropsWhatTheFileHasNoFormForAndRefusesSectionsItCannotOpen) {
     auto root = Open();
     Set(root.get(), "keep", CKTVariant(1));
     Set(root.get(), "big", Blob(16000));  // 32001 bytes of marked text
+    Ref<IParam> deep(root->CreateSection(std::string(300, 'q').c_str()));
     const std::string before = Content();
 
     const std::string longPath(600, 'p');
-    const std::function<void()> refused[] = {
-        [&] { Set(root.get(), "line", CKTVariant("a\r\nkeep=i2")); },
-        [&] { Set(root.get(), "keep=x", CKTVariant(2)); },
-        [&] { Set(root.get(), "[x]", CKTVariant(2)); },
-        [&] { Set(root.get(), " \t ", CKTVariant(2)); },  // the platform trims it to no name
-        [&] { Ref<IParam>(root->CreateSection("\\x")); },  // a child of no name
-        [&] { Ref<IParam>(root->CreateSection("x\\ ")); },
-        [&] { Set(root.get(), "big", Blob(16384)); },   // over the platform's longest text
-        [&] { Set(root.get(), "big", Blob(40000)); },   // past what the text form writes
-        [&] { Set(root.get(), (longPath + "\\v").c_str(), CKTVariant(2)); },
-        [&] { Ref<IParam>(root->CreateSection(longPath.c_str())); },
-        [&] { Ref<IParam>(root->GetSection("a\r\n[b]", 1)); },
+    struct Case {
+        std::function<void()> action;
+        DWORD failure;
     };
-    for (const auto& action : refused)
-        EXPECT_EQ(FailureOf(action), static_cast<DWORD>(XE_BAD_ARGUMENT));
+    const Case cases[] = {
+        {[&] { Set(root.get(), "line", CKTVariant("a\r\nkeep=i2")); }, XE_NONE},
+        {[&] { Set(root.get(), "keep=x", CKTVariant(2)); }, XE_NONE},
+        {[&] { Set(root.get(), "[x]", CKTVariant(2)); }, XE_NONE},
+        {[&] { Set(root.get(), ";x", CKTVariant(2)); }, XE_NONE},
+        {[&] { Set(root.get(), " \t ", CKTVariant(2)); }, XE_NONE},  // the platform trims it to no name
+        {[&] { Set(root.get(), "\x0b\x0c\x1a", CKTVariant(2)); }, XE_NONE},
+        {[&] { Set(root.get(), "big", Blob(16384)); }, XE_NONE},   // over the platform's longest text
+        {[&] { Set(root.get(), "big", Blob(40000)); }, XE_NONE},   // past what the text form writes
+        {[&] { Set(root.get(), "x\\ \\v", CKTVariant(2)); }, XE_NONE},  // a section of no name on the way
+        {[&] { Set(root.get(), "a\r\n[b]\\v", CKTVariant(2)); }, XE_NONE},
+        {[&] { Set(deep.get(), (std::string(300, 'p') + "\\v").c_str(), CKTVariant(2)); }, XE_NONE},
+        {[&] { Ref<IParam>(root->CreateSection("\\x")); }, XE_BAD_ARGUMENT},  // a child of no name
+        {[&] { Ref<IParam>(root->CreateSection("x\\ ")); }, XE_BAD_ARGUMENT},
+        {[&] { Ref<IParam>(root->CreateSection(longPath.c_str())); }, XE_BAD_ARGUMENT},
+        {[&] { Ref<IParam>(root->GetSection("a\r\n[b]", 1)); }, XE_BAD_ARGUMENT},
+        {[&] { Set(root.get(), (longPath + "\\v").c_str(), CKTVariant(2)); }, XE_BAD_ARGUMENT},
+    };
+    for (size_t i = 0; i < std::size(cases); ++i)
+        EXPECT_EQ(FailureOf(cases[i].action), cases[i].failure) << "case " << i;
     EXPECT_EQ(Content(), before);
     EXPECT_EQ(root->GetSection(longPath.c_str(), 0), nullptr);
     EXPECT_EQ(ValueAt(root.get(), (longPath + "\\v").c_str()).vt, kMissing);

@@ -160,6 +160,33 @@ TEST(MemParamSections, AnEnumeratorKeepsItsSectionAlive) {
     names->Release();
 }
 
+// A walk passes over names removed ahead of it, and never reads one that
+// is gone: each case takes "a", then removes what stands next.
+TEST(MemParamSections, AWalkPassesOverNamesRemovedAheadOfIt) {
+    struct Case {
+        void (*remove)(IParam*);
+        Names rest;
+    };
+    const Case cases[] = {
+        {[](IParam* tree) { tree->DeleteValue("B"), tree->DeleteSection("B"); }, Names{"c"}},
+        {[](IParam* tree) { tree->DeleteAllValues(), tree->DeleteAllSections(); }, Names{}},
+        {[](IParam* tree) { tree->Clear(); }, Names{}},
+    };
+    for (const Case& c : cases) {
+        auto tree = NewTree();
+        for (const char* name : {"a", "b", "c"}) {
+            Set(tree.get(), name, CKTVariant(1));
+            Ref<IParam>(tree->CreateSection(name));
+        }
+        CTEnum<const char*>* values = tree->EnumValues();
+        CTEnum<const char*>* sections = tree->EnumSections();
+        ASSERT_EQ(values->Skip(1) + sections->Skip(1), 2);
+        c.remove(tree.get());
+        EXPECT_EQ(kt::test::NamesOf(values), c.rest);
+        EXPECT_EQ(kt::test::NamesOf(sections), c.rest);
+    }
+}
+
 TEST(MemParamSections, ADeepTreeGoesWithoutExhaustingTheStack) {
     auto tree = NewTree();
     Ref<IParam> at(tree->CreateSection("s"));

@@ -10,11 +10,13 @@
 
 #include "platform/FileSystem.h"
 #include "platform/ProfileFile.h"
+#include "tests/files/InDirectory.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
 
 using kt::test::ContentOf;
+using kt::test::InDirectory;
 using kt::test::ScratchDirectory;
 using kt::test::WideString;
 using kt::test::WriteContent;
@@ -23,6 +25,7 @@ using kt::test::WriteContent;
 // parameters read them.
 constexpr DWORD kListing = 64000;
 constexpr char kUntouched = '#';
+using Strings = std::vector<std::string>;
 
 std::vector<std::string> Names(const std::string& list) {
     std::vector<std::string> names;
@@ -139,6 +142,98 @@ TEST_F(ProfileFile, ReadsAForeignFileAndKeepsWhatItDoesNotUnderstand) {
               "[\\x]\r\n; comment line\r\n# hash line\r\nbare\r\nspaced key=val\r\nk=first\r\n"
               "K=second\r\nnew=n\r\n[\\x]\r\nlater=1\r\n[nobackslash]\r\na=b\r\n[\\y]\r\nunix=1\r\n"
               "[\\z\r\n");
+}
+
+// How the platform reads lines of another program's file: what ends a
+// line, which bytes are blanks, comments among the keys, zero bytes, and a
+// file in UTF-8 marked by its byte order mark (read as ANSI text, here code
+// page 1252, what it cannot hold as '?').
+TEST_F(ProfileFile, ReadsLinesAsThePlatformDoes) {
+    struct Case {
+        std::string content;
+        Strings sections;
+        Strings keys;    // of the section "s"
+        std::string k;   // the key "k" of "s"
+    };
+    using namespace std::string_literals;
+    const Case cases[] = {
+        {"[s]\r\n;x=1\r\nk=2\r\n ;y=3\r\n;=4\r\n#h=5\r\n[;c]\r\n", {"s", ";c"}, {"k", "#h"}, "2"},
+        {"[\x0bs\x0c]\r\n\x0bk\x0c=\x1a v\x0b\x0c\x1a\r\n\x1aj=\x0c\x1b\xa0\x0c\r\n", {"s"}, {"k", "j"}, "v"},
+        {"[s]\rk=v\rj=w\r[t]\rx=1\r", {"s", "t"}, {"k", "j"}, "v"},
+        {"[s]\r\nk=a \0b\r\nj\0i=c\r\n[t\0u]\r\n\0\r\n"s, {"s", "t"}, {"k", "j"}, "a "},
+        {"\xEF\xBB\xBF[s]\r\nk=\xE2\x82\xAC\xC3\xA9\xE4\xB8\x80\r\n\xC3\xA9=1\r\n", {"s"}, {"k", "\xE9"}, "\x80\xE9?"},
+        {"\xEF\xBB\xBF[s]\r\nk=a\xFF" "b\r\n", {"s"}, {"k"}, "a?b"},
+        {"\xEF\xBB[s]\r\nk=v\r\n", {}, {}, ""},
+        {"\r\n\xEF\xBB\xBF[s]\r\nk=v\r\n", {}, {}, ""},
+    };
+    for (const Case& c : cases) {
+        SetContent(c.content);
+        EXPECT_EQ(Sections(), c.sections) << c.content;
+        EXPECT_EQ(Keys("s"), c.keys) << c.content;
+        EXPECT_EQ(Value("s", "k"), c.k) << c.content;
+    }
+    SetContent(cases[0].content);
+    EXPECT_EQ(Value("s", ";x"), "1");  // not listed, but there
+    SetContent(cases[1].content);
+    EXPECT_EQ(Value("s", "j"), "\x1b\xa0");
+    SetContent(cases[4].content);
+    EXPECT_EQ(Value("s", "\xE9"), "1");
+}
+
+// How the platform writes: new names and texts lose their leading blanks
+// only, what it read it writes back as it understood it, and a file in UTF-8
+// stays so.
+TEST_F(ProfileFile, WritesAsThePlatformDoes) {
+    struct Case {
+        std::string content;
+        const char* section;
+        const char* key;
+        const char* text;  // null: the key is removed
+        std::string after;
+    };
+    using namespace std::string_literals;
+    const Case cases[] = {
+        {"", "  s  ", "  k  ", "  v  ", "[s  ]\r\nk  =v  \r\n"},
+        {"", "\x0bs\x1a", "\x0ck\x0c", "\x1av\x0b", "[s\x1a]\r\nk\x0c=v\x0b\r\n"},
+        {"[s]\r\nk=old\r\n", "s", "K  ", "  new  ", "[s]\r\nk=new  \r\n"},
+        {"[s]\r\n", "s", ";k", "1", "[s]\r\n;k=1\r\n"},
+        {"[s]\rk=v\r", "s", "n", "1", "[s]\r\nk=v\r\nn=1\r\n"},
+        {"[s]\r\nk=a\0b\r\n[t\0u]\r\n\0"s, "s", "n", "1", "[s]\r\nk=a\r\nn=1\r\n[t]\r\n\r\n"},
+        {"\xEF\xBB\xBF[s]\r\nk=\xC3\xA9\r\n", "s", "n", "\x80", "\xEF\xBB\xBF[s]\r\nk=\xC3\xA9\r\nn=\xE2\x82\xAC\r\n"},
+        {"\xEF\xBB\xBF", "s", "n", "1", "\xEF\xBB\xBF[s]\r\nn=1\r\n"},
+        {"\xEF\xBB\xBF[s]\r\nk=v\r\n", "s", "k", nullptr, "\xEF\xBB\xBF[s]\r\n"},
+    };
+    for (const Case& c : cases) {
+        SetContent(c.content);
+        const bool done = c.text != nullptr ? Write(c.section, c.key, c.text)
+                                            : kt::sys::DeleteProfileKey(c.section, c.key, file.c_str());
+        EXPECT_TRUE(done) << c.after;
+        EXPECT_EQ(Content(), c.after);
+    }
+    EXPECT_EQ(Value("s", "k"), "");
+    SetContent(cases[1].after);
+    EXPECT_EQ(Value("s", "k"), "v");
+}
+
+// A name without a directory part lies in the Windows directory, never in
+// the current one; natively there is no Windows directory, and such a name
+// names no file.
+TEST_F(ProfileFile, ABareNameIsNotTheFileInTheCurrentDirectory) {
+    const char* bare = "kt_profile_bare.ini";
+    const WideString here = directory / KTW("kt_profile_bare.ini");
+    WriteContent(here, "[s]\r\nk=here\r\n");
+    ASSERT_TRUE(kt::sys::SetReadOnly(here.c_str(), true));
+    const InDirectory inside(directory.Path());
+    const std::string used = kt::sys::ProfileFilePath(bare);
+    char text[16];
+    EXPECT_EQ(kt::sys::ReadProfileString("s", "k", text, sizeof text, bare), 0u);
+    EXPECT_EQ(kt::sys::WriteProfileString("s", "k", "there", bare), !used.empty());
+    if (!used.empty()) {
+        EXPECT_EQ(kt::sys::ReadProfileString("s", "k", text, sizeof text, bare), 5u);
+        EXPECT_TRUE(kt::sys::RemoveFile(WideString(used.begin(), used.end()).c_str()));
+    }
+    EXPECT_EQ(ContentOf(here), "[s]\r\nk=here\r\n");
+    EXPECT_TRUE(kt::sys::SetReadOnly(here.c_str(), false));
 }
 
 TEST_F(ProfileFile, RemovesAKeyAndTheFirstSectionOfAName) {

@@ -101,21 +101,38 @@ TEST(StreamForm, AStoredObjectLongerThanTheStreamEmptiesTheTreeAndFails) {
     EXPECT_TRUE(SectionNames(tree.get()).empty());
 }
 
-// The form nests no deeper than 1000 sections, either way.
-TEST(StreamForm, NestingBeyondTheLimitIsRefused) {
-    std::string deep;
-    for (int level = 0; level < 1001; ++level)
-        deep += std::string("s\0", 2);
-    Ref<IParam> tree;
-    EXPECT_EQ(Load(Text(deep + std::string(2 * 1002, '\0')), tree), 0);
-    EXPECT_TRUE(SectionNames(tree.get()).empty());
+// The form nests 1000 sections deep and no deeper, either way: a chain of
+// that many saves to its exact form and loads back; one more is refused.
+TEST(StreamForm, NestingUpToTheLimitComesBackAndBeyondIsRefused) {
+    constexpr int kLimit = 1000;
+    for (const int levels : {kLimit, kLimit + 1}) {
+        std::string form;
+        for (int level = 0; level < levels; ++level)
+            form += std::string("s\0", 2);
+        form += std::string(2 * (levels + 1), '\0');
+        auto chain = NewTree();
+        Ref<IParam> at(chain->CreateSection("s"));
+        for (int level = 1; level < levels; ++level)
+            at.reset(at->CreateSection("s"));
 
-    auto source = NewTree();
-    Ref<IParam> at(source->CreateSection("s"));
-    for (int level = 1; level < 1001; ++level)
-        at.reset(at->CreateSection("s"));
-    Ref<IXStream> stream(new_StreamOnMemory());
-    EXPECT_THROW(SaveParamToXStream(stream.get(), source.get()), CXException);
+        Ref<IParam> tree;
+        if (levels <= kLimit) {
+            EXPECT_EQ(Saved(chain.get()), Text(form));
+            EXPECT_EQ(Load(Text(form), tree), 1);
+            EXPECT_EQ(Param_Cmp(chain.get(), tree.get()), 1);
+            continue;
+        }
+        Ref<IXStream> stream(new_StreamOnMemory());
+        try {
+            SaveParamToXStream(stream.get(), chain.get());
+            ADD_FAILURE() << "saved " << levels << " levels";
+        } catch (const CXException& failure) {
+            EXPECT_EQ(failure.code, static_cast<DWORD>(XE_BAD_ARGUMENT));
+        }
+        EXPECT_EQ(Load(Text(form), tree), 0);
+        EXPECT_TRUE(SectionNames(tree.get()).empty());
+        EXPECT_TRUE(ValueNames(tree.get()).empty());
+    }
 }
 
 TEST(StreamForm, NamesTheFormCannotCarryAreRefusedOnSave) {

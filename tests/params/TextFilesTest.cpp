@@ -110,13 +110,14 @@ TEST_F(TextFiles, AFailedWriteLeavesTheOldFileWhole) {
     Param_Param2IniFile(tree.get(), name.c_str());
     const std::string before = ContentOf(name);
 
-    // "\t| ", the name, "=", the marked text and a terminator must fit 65536 bytes.
-    Set(tree.get(), "w", CKTVariant(("s" + std::string(65530 - 2, 'b')).c_str()));
+    // "\t| ", the name, "=" and the marked text come back as a physical line
+    // of their own, with its carriage return below the reader's limit.
+    Set(tree.get(), "w", CKTVariant(("s" + std::string(65527, 'b')).c_str()));
     Param_Param2IniFile(tree.get(), name.c_str());
     const std::string fits = ContentOf(name);
     EXPECT_NE(fits, before);
 
-    Set(tree.get(), "w", CKTVariant(std::string(65530, 'b').c_str()));
+    Set(tree.get(), "w", CKTVariant(std::string(65529, 'b').c_str()));
     try {
         Param_Param2IniFile(tree.get(), name.c_str());
         FAIL() << "an entry beyond its buffer was written";
@@ -125,6 +126,31 @@ TEST_F(TextFiles, AFailedWriteLeavesTheOldFileWhole) {
     }
     EXPECT_EQ(ContentOf(name), fits);
     EXPECT_EQ(directory.Entries().size(), 1u);  // no temporary file left behind
+}
+
+// Every line the writer makes comes back whole: values that would take their
+// header's line past the reader's limit go on lines of their own, and a
+// header that cannot come back is refused.
+TEST_F(TextFiles, EveryLineTheWriterMakesComesBackWhole) {
+    const WideString name = directory / KTW("tree.ini");
+    auto tree = NewTree();
+    for (const char* value : {"a", "b", "c"})
+        Set(tree.get(), value, CKTVariant(std::string(30000, *value).c_str()));
+    const std::string longest(65530, 'h');  // with "[\\", "]\t" and "\r": the longest line
+    Ref<IParam>(tree->CreateSection(longest.c_str()));
+    Set(tree.get(), "z\\after", CKTVariant(1));
+    Param_Param2IniFile(tree.get(), name.c_str());
+    auto back = ReadFile(name);
+    EXPECT_EQ(Param_Cmp(tree.get(), back.get()), 1);
+    EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
+
+    Ref<IParam>(tree->CreateSection((longest + "h").c_str()));
+    try {
+        Param_Param2IniFile(tree.get(), name.c_str());
+        FAIL() << "a header beyond the line limit was written";
+    } catch (const CXException& failure) {
+        EXPECT_EQ(failure.code, static_cast<DWORD>(XE_BAD_ARGUMENT));
+    }
 }
 
 TEST_F(TextFiles, AMissingFileThrowsTheFileLayersFailure) {

@@ -1,5 +1,7 @@
 // CTListEnum: an owning list that is at the same time a counted object, so
-// that the enumerators of its items can keep it alive.
+// that the enumerators of its items can keep it alive. It knows its live
+// enumerators, and its own Remove and RemoveAll move them off the nodes that
+// go: a walk never stands on a freed node.
 #pragma once
 
 #include "kticore/core/Enum.h"
@@ -12,7 +14,11 @@ class CTListEnum;
 template <class T, class R>
 class _CListEnum : public CTOwnedEnum<R, CTListEnum<T, R>> {
 public:
-    explicit _CListEnum(CTListEnum<T, R>* owner) : CTOwnedEnum<R, CTListEnum<T, R>>(owner) {}
+    explicit _CListEnum(CTListEnum<T, R>* owner) : CTOwnedEnum<R, CTListEnum<T, R>>(owner) {
+        owner->Attach(this);
+    }
+    // The owner lives until the enumerator is gone: its reference goes last.
+    ~_CListEnum() override { this->owner->Detach(this); }
 
     int Next(ULONG count, R* items, ULONG* fetched) override {
         if (!started)
@@ -42,8 +48,13 @@ public:
     }
 
 private:
+    friend class CTListEnum<T, R>;
+
     _CTListPlex<T>* current = nullptr;
     DWORD started = 0;
+    // The chain of the owner's live enumerators.
+    _CListEnum* nextWalk = nullptr;
+    _CListEnum* previousWalk = nullptr;
 };
 
 template <class T, class R>
@@ -51,6 +62,46 @@ class CTListEnum : public CTPList<T>, public CKTUnknownImpl<IKTUnknown> {
 public:
     using CTPList<T>::CTPList;
 
+    using Plex = _CTListPlex<T>;
+
     // A new enumerator of the items with one reference.
     CTEnum<R>* GetEnum() { return new _CListEnum<T, R>(this); }
+
+    // Unlinks `node` as the list does; an enumerator that would hand it out
+    // next moves on to the node behind it.
+    Plex* Remove(Plex* node) {
+        for (_CListEnum<T, R>* walk = walks; walk != nullptr; walk = walk->nextWalk)
+            if (walk->current == node)
+                walk->current = this->Next(node);
+        return CTPList<T>::Remove(node);
+    }
+
+    // Empties and closes the list as the list does; every enumerator is at
+    // its end.
+    void RemoveAll() {
+        for (_CListEnum<T, R>* walk = walks; walk != nullptr; walk = walk->nextWalk)
+            walk->current = nullptr;
+        CTPList<T>::RemoveAll();
+    }
+
+private:
+    friend class _CListEnum<T, R>;
+
+    void Attach(_CListEnum<T, R>* walk) {
+        walk->nextWalk = walks;
+        if (walks != nullptr)
+            walks->previousWalk = walk;
+        walks = walk;
+    }
+
+    void Detach(_CListEnum<T, R>* walk) {
+        if (walk->previousWalk != nullptr)
+            walk->previousWalk->nextWalk = walk->nextWalk;
+        else
+            walks = walk->nextWalk;
+        if (walk->nextWalk != nullptr)
+            walk->nextWalk->previousWalk = walk->previousWalk;
+    }
+
+    _CListEnum<T, R>* walks = nullptr;
 };

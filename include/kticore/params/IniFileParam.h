@@ -2,7 +2,10 @@
 // each call goes to the file, so two trees on one file see each other's
 // changes at once. Sections are flattened onto the file's sections by their
 // full path ("[\]" for the root, "[\a\b]" below it), and values are keys
-// whose text is the marked value text. Objects and wide text are not stored.
+// whose text is the marked value text. What the file has no form for is
+// dropped without a word: objects, wide text, names the file cannot hold,
+// texts with line ends or too long for the platform's functions. A value path
+// of 512 bytes or more is refused with XE_BAD_ARGUMENT, as in every back end.
 #pragma once
 
 #include "kticore/params/Param.h"
