@@ -11,7 +11,7 @@
 namespace kt {
 namespace {
 
-// Room for a key of a module's file name (at most 259 characters) with its
+// Room for a key of a module's file name (at most 255 characters) with its
 // kind and a number and their separators, before the name's own length.
 constexpr size_t kKeyRoomBeyondName = 260 + 32;
 

@@ -267,9 +267,9 @@ TEST(DialogRewriteBounds, MalformedTemplatesAreHandedBackUnread) {
                         Item(2, Field::Text(W("Edit")), Field::Ordinal(3), {4})};
         const Bytes whole = TemplateBuilder::Build(source);
         Bytes overCounted = whole;
-        overCounted[form.extended ? 16 : 8] += 1;
+        overCounted.at(form.extended ? 16 : 8) += 1;
         Bytes creationPastEnd = whole;
-        creationPastEnd[whole.size() - 3] = 2;  // the last item's count: 2 bytes where 1 stands
+        creationPastEnd.at(whole.size() - 3) = 2;  // the last item's count: 2 bytes where 1 stands
 
         std::vector<Bytes> inputs = {overCounted, creationPastEnd};
         for (size_t cut = 0; cut < whole.size(); ++cut)
