@@ -26,4 +26,10 @@ HMODULE LoadModule(const char* path);
 // The address of an export, or null.
 void* FindExport(HMODULE module, const char* name);
 
+// The full path of a loaded module's file (null: the program's), as
+// GetModuleFileNameA and GetModuleFileNameW give it into 260 characters;
+// empty when it cannot be read.
+std::string ModuleFileNameA(HMODULE module);
+std::basic_string<KTWCHAR> ModuleFileNameW(HMODULE module);
+
 }  // namespace kt::sys

@@ -31,8 +31,10 @@ KTCORE_API const KTWCHAR* Supp_LookupKeyedW(const KTWCHAR* text, const KTWCHAR* 
 // The same order on the text in `buffer`: the length of the translation
 // found (0 for none); unless `measure`, the translation is copied in,
 // without a terminator where it fills `capacity`.
-KTCORE_API unsigned Supp_TranslateKeyedA(char* buffer, unsigned capacity, const char* prefix, int measure);
-KTCORE_API unsigned Supp_TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const KTWCHAR* prefix, int measure);
+KTCORE_API unsigned Supp_TranslateKeyedA(char* buffer, unsigned capacity, const char* prefix,
+                                         int measure);
+KTCORE_API unsigned Supp_TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const KTWCHAR* prefix,
+                                         int measure);
 
 // The key prefix of resource `id` (a number, or a pointer to a name when its
 // upper bits are set) of `module`; `out` is left alone when the module's

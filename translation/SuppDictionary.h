@@ -12,10 +12,15 @@ namespace kt {
 
 // One entry: the source text and its translation as the file gave them
 // (escapes undone), and the translation as wide text, made at first use.
-struct CContext {
+struct KTCORE_API CContext {
     CXString key;
     CXString value;
     CXStringW wide;
+
+    // The translation as wide text, converted at the first call in the code
+    // page in force then. A value that converts to nothing (empty, or not
+    // text of that code page) shows the key instead. Stable until unload.
+    const KTWCHAR* WideForm();
 };
 
 // Offsets of a control's four edges, in dialog units.
@@ -35,11 +40,24 @@ struct KTDlgPos {
 
 constexpr int kFontNameCapacity = 256;
 
-struct CSuppDictionary {
+struct KTCORE_API CSuppDictionary {
+    // Chooses the font of translated dialogs from the system's.
     CSuppDictionary();
     ~CSuppDictionary();
     CSuppDictionary(const CSuppDictionary&) = delete;
     CSuppDictionary& operator=(const CSuppDictionary&) = delete;
+
+    // The entry of `text`, or null.
+    CContext* Find(const KTWCHAR* text);
+    // A new entry under the wide form of `key`, unless one of that hash is
+    // there already (the first definition wins); the entry of that hash.
+    CContext* Add(const char* key, const char* value);
+
+    // The code page that values are read in, 0 for the process's ANSI code
+    // page. It is the code page in which narrow text becomes wide text
+    // everywhere in the process, so it is kept there, once.
+    DWORD CodePage() const;
+    void SetCodePage(DWORD codePage);
 
     DWORD initialised = 0;
     DWORD charset = 0;
@@ -49,10 +67,10 @@ struct CSuppDictionary {
     HFONT font = nullptr;
     CTMap<const KTWCHAR*, CContext*> texts;
     CTMap<int, KTDlgPos*> dialogs;
-    DWORD codePage = 0;
 };
 
-// The process's dictionary.
+// The process's dictionary. Exported with its members for the tests, which
+// fill it directly.
 KTCORE_API CSuppDictionary& SuppDictionary();
 
 }  // namespace kt

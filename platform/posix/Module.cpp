@@ -5,25 +5,33 @@
 
 #include <dlfcn.h>
 #include <limits.h>
+#include <link.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/TextConversion.h"
+
 namespace kt::sys {
 namespace {
 
 bool IsFile(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
-std::string ExecutableDirectory() {
+std::string ExecutablePath() {
     char path[PATH_MAX];
     const ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
-    if (length <= 0)
-        return std::string();
-    const std::string executable(path, static_cast<size_t>(length));
+    return length > 0 ? std::string(path, static_cast<size_t>(length)) : std::string();
+}
+
+std::string ExecutableDirectory() {
+    const std::string executable = ExecutablePath();
     return executable.substr(0, executable.rfind('/'));
 }
+
+// The system's buffer for a module's path: 260 characters with the terminator.
+constexpr size_t kModulePathCapacity = 260;
 
 std::string Absolute(const std::string& path) {
     char resolved[PATH_MAX];
@@ -72,5 +80,27 @@ std::string SearchModuleFile(const char* fileName, std::string& error) {
 HMODULE LoadModule(const char* path) { return dlopen(path, RTLD_NOW | RTLD_LOCAL); }
 
 void* FindExport(HMODULE module, const char* name) { return dlsym(module, name); }
+
+std::string ModuleFileNameA(HMODULE module) {
+    std::string path;
+    link_map* map = nullptr;
+    if (module == nullptr)
+        path = ExecutablePath();
+    else if (dlinfo(module, RTLD_DI_LINKMAP, &map) == 0)
+        // The dynamic linker knows the main program by an empty name.
+        path = map->l_name[0] != 0 ? map->l_name : ExecutablePath();
+    if (path.size() >= kModulePathCapacity)
+        path.resize(kModulePathCapacity - 1);
+    return path;
+}
+
+std::basic_string<KTWCHAR> ModuleFileNameW(HMODULE module) {
+    const std::string path = ModuleFileNameA(module);
+    const int units =
+        MultiByteToWide(kUtf8CodePage, path.data(), static_cast<int>(path.size()), nullptr, 0);
+    std::basic_string<KTWCHAR> wide(static_cast<size_t>(units), 0);
+    MultiByteToWide(kUtf8CodePage, path.data(), static_cast<int>(path.size()), wide.data(), units);
+    return wide;
+}
 
 }  // namespace kt::sys

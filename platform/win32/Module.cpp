@@ -3,6 +3,11 @@
 
 namespace kt::sys {
 
+namespace {
+// The buffer the library gives the system for a module's path.
+constexpr DWORD kModulePathCapacity = 260;
+}  // namespace
+
 HMODULE ModuleContaining(const void* address) {
     MEMORY_BASIC_INFORMATION info;
     if (VirtualQuery(address, &info, sizeof info) == 0)
@@ -28,6 +33,19 @@ HMODULE LoadModule(const char* path) { return LoadLibraryA(path); }
 
 void* FindExport(HMODULE module, const char* name) {
     return reinterpret_cast<void*>(GetProcAddress(module, name));
+}
+
+std::string ModuleFileNameA(HMODULE module) {
+    char path[kModulePathCapacity];
+    const DWORD length = GetModuleFileNameA(module, path, kModulePathCapacity);
+    return std::string(path, length < kModulePathCapacity ? length : kModulePathCapacity - 1);
+}
+
+std::basic_string<KTWCHAR> ModuleFileNameW(HMODULE module) {
+    KTWCHAR path[kModulePathCapacity];
+    const DWORD length = GetModuleFileNameW(module, path, kModulePathCapacity);
+    return std::basic_string<KTWCHAR>(
+        path, length < kModulePathCapacity ? length : kModulePathCapacity - 1);
 }
 
 }  // namespace kt::sys

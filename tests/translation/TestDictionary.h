@@ -13,7 +13,7 @@ namespace kt::test {
 
 inline void AddTranslations(std::initializer_list<std::pair<const char*, const char*>> pairs) {
     for (const auto& [key, value] : pairs)
-        SuppDictionary().texts.Set(CXStringW(key), new CContext{CXString(key), CXString(value), CXStringW()});
+        SuppDictionary().Add(key, value);
 }
 
 struct PlacedEdges {

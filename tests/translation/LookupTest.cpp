@@ -1,0 +1,172 @@
+// The lookups of the dictionary. The dictionary is one object per process and
+// nothing removes entries, so each test uses keys of its own.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "kticore/translation/Translation.h"
+#include "tests/support/WideText.h"
+#include "translation/Lookup.h"
+#include "translation/SuppDictionary.h"
+
+namespace kt::test {
+namespace {
+
+WideString W(const char* ascii) {
+    return WideString(ascii, ascii + std::char_traits<char>::length(ascii));
+}
+
+void Define(const char* key, const char* value) { SuppDictionary().Add(key, value); }
+
+TEST(Lookup, KeyedTextIsFoundBeforeThePlainTextAndThenTheTextItself) {
+    Define("app.dll#3#1lookup-order", "keyed");
+    Define("lookup-order", "plain");
+    const WideString prefix = W("app.dll#3#1");
+    const WideString otherPrefix = W("app.dll#3#2");
+    const WideString text = W("lookup-order");
+    const WideString unknown = W("lookup-order-unknown");
+    EXPECT_EQ(Wide(Supp_Translate(text.c_str(), prefix.c_str())), W("keyed"));
+    EXPECT_EQ(Wide(Supp_Translate(text.c_str(), otherPrefix.c_str())), W("plain"));
+    EXPECT_EQ(Wide(Supp_Translate(text.c_str(), nullptr)), W("plain"));
+    EXPECT_EQ(Supp_Translate(unknown.c_str(), prefix.c_str()), unknown.c_str());
+    EXPECT_EQ(Wide(Supp_LookupKeyedW(text.c_str(), prefix.c_str())), W("keyed"));
+    EXPECT_EQ(Supp_LookupKeyedW(unknown.c_str(), prefix.c_str()), unknown.c_str());
+}
+
+TEST(Lookup, EmptyOrNullTextGivesNull) {
+    EXPECT_EQ(Supp_Translate(KTW("")), nullptr);
+    EXPECT_EQ(Supp_Translate(static_cast<const KTWCHAR*>(nullptr)), nullptr);
+    EXPECT_EQ(Supp_Translate(static_cast<const char*>(nullptr)), nullptr);
+    EXPECT_EQ(Supp_Translate(""), nullptr);
+    EXPECT_EQ(Supp_Translate(KTW(""), KTW("app.dll#3#1")), nullptr);
+    EXPECT_EQ(Supp_LookupW(KTW(""), 0), nullptr);
+    EXPECT_EQ(Supp_LookupA("", 0), nullptr);
+}
+
+TEST(Lookup, WhatIsNotFoundGivesTheTextUnlessExact) {
+    const WideString missing = W("lookup-missing");
+    EXPECT_EQ(Supp_LookupW(missing.c_str(), 0), missing.c_str());
+    EXPECT_EQ(Supp_LookupW(missing.c_str(), 1), nullptr);
+    const char narrow[] = "lookup-missing";
+    EXPECT_EQ(Supp_LookupA(narrow, 0), narrow);
+    EXPECT_EQ(Supp_LookupA(narrow, 1), nullptr);
+}
+
+TEST(Lookup, NarrowTextJoinsTheDictionaryAndKeepsItsPointer) {
+    const KTWCHAR* first = Supp_Translate("lookup-gathered");
+    EXPECT_EQ(Wide(first), W("lookup-gathered"));
+    EXPECT_EQ(Supp_Translate("lookup-gathered"), first);
+    EXPECT_EQ(Supp_LookupW(W("lookup-gathered").c_str(), 1), first);
+
+    Define("lookup-defined", "defined");
+    const KTWCHAR* translated = Supp_Translate("lookup-defined");
+    EXPECT_EQ(Wide(translated), W("defined"));
+    EXPECT_EQ(Supp_Translate("lookup-defined"), translated);
+}
+
+TEST(Lookup, NarrowLookupGivesTheValueAsTheFileHeldIt) {
+    Define("lookup-narrow", "\xC4\xE0");  // no conversion in any code page
+    EXPECT_STREQ(Supp_LookupA("lookup-narrow", 1), "\xC4\xE0");
+    Define("lookup-narrow-empty", "");
+    EXPECT_EQ(Supp_LookupA("lookup-narrow-empty", 1), nullptr);
+}
+
+TEST(Lookup, AnEmptyValueTranslatesToItsKey) {
+    Define("lookup-empty-value", "");
+    EXPECT_EQ(Wide(Supp_Translate(W("lookup-empty-value").c_str())), W("lookup-empty-value"));
+}
+
+TEST(Lookup, TheFirstDefinitionOfAKeyWins) {
+    Define("lookup-twice", "first");
+    Define("lookup-twice", "second");
+    EXPECT_EQ(Wide(Supp_Translate(W("lookup-twice").c_str())), W("first"));
+}
+
+TEST(Lookup, TwoKeysWithOneHashAreOneKey) {
+    // h = h * 257 + c in 32 bits gives both 1991880547.
+    Define("key-aeaea", "first");
+    Define("key-bagab", "second");
+    EXPECT_EQ(Wide(Supp_Translate(W("key-bagab").c_str())), W("first"));
+}
+
+TEST(Lookup, KeyedTranslationInABufferIsCutWithoutTerminatorAndMeasured) {
+    Define("lookup-buffer", "0123456789");
+    KTWCHAR buffer[8] = {};
+    const WideString text = W("lookup-buffer");
+    std::char_traits<KTWCHAR>::copy(buffer, KTW("lookup-"), 8);
+    EXPECT_EQ(Supp_TranslateKeyedW(buffer, 8, nullptr, 1), 7u);  // its own text
+    EXPECT_EQ(Wide(buffer), W("lookup-"));
+
+    KTWCHAR cut[16];
+    std::char_traits<KTWCHAR>::copy(cut, text.c_str(), text.size() + 1);
+    EXPECT_EQ(Supp_TranslateKeyedW(cut, 4, nullptr, 1), 10u);
+    EXPECT_EQ(Wide(cut), text) << "measuring leaves the buffer";
+    EXPECT_EQ(Supp_TranslateKeyedW(cut, 4, nullptr, 0), 10u);
+    EXPECT_EQ(Wide(cut), W("0123up-buffer")) << "no terminator behind the cut";
+
+    char narrow[32] = "lookup-buffer";
+    EXPECT_EQ(Supp_TranslateKeyedA(narrow, sizeof narrow, "none#3#1", 0), 10u);
+    EXPECT_STREQ(narrow, "0123456789");
+    EXPECT_EQ(Supp_TranslateKeyedW(buffer, 8, KTW("x"), 0), 7u);
+    char empty[4] = "";
+    EXPECT_EQ(Supp_TranslateKeyedA(empty, sizeof empty, nullptr, 0), 0u);
+}
+
+TEST(Lookup, KeyedBufferPrefersThePrefixedText) {
+    Define("mod.dll#2#7lookup-menu", "prefixed");
+    Define("lookup-menu", "plain");
+    KTWCHAR buffer[32];
+    const WideString text = W("lookup-menu");
+    std::char_traits<KTWCHAR>::copy(buffer, text.c_str(), text.size() + 1);
+    EXPECT_EQ(Supp_TranslateKeyedW(buffer, 32, W("mod.dll#2#7").c_str(), 0), 8u);
+    EXPECT_EQ(Wide(buffer), W("prefixed"));
+    char narrow[32] = "lookup-menu";
+    EXPECT_EQ(Supp_TranslateKeyedA(narrow, sizeof narrow, "mod.dll#2#8", 0), 5u);
+    EXPECT_STREQ(narrow, "plain");
+}
+
+TEST(Lookup, BufferTranslationFitsWholeCharacters) {
+    Define("lookup-fit", "translated");
+    const WideString text = W("lookup-fit");
+    KTWCHAR room[16];
+    std::char_traits<KTWCHAR>::copy(room, text.c_str(), text.size() + 1);
+    EXPECT_EQ(Supp_TranslateBufferW(room, 6), 5);
+    EXPECT_EQ(Wide(room), W("trans"));
+    char narrow[32] = "lookup-fit";
+    EXPECT_EQ(Supp_TranslateBufferA(narrow, sizeof narrow), 10);
+    EXPECT_STREQ(narrow, "translated");
+    char unknown[32] = "lookup-fit-unknown";
+    EXPECT_EQ(Supp_TranslateBufferA(unknown, sizeof unknown), 18);
+    EXPECT_STREQ(unknown, "lookup-fit-unknown");
+    EXPECT_EQ(Supp_TranslateBufferW(nullptr, 4), 0);
+}
+
+TEST(ResourceKey, HashIgnoresTheCaseOfAsciiLettersAndTakesBytesAsSigned) {
+    EXPECT_EQ(Supp_HashKey("APP.DLL#1#100"), Supp_HashKey("app.dll#1#100"));
+    EXPECT_EQ(Supp_HashKey(""), 0u);
+    EXPECT_EQ(Supp_HashKey("Ab"), 97u * 257 + 98);
+    EXPECT_EQ(Supp_HashKey("\xC4"), 0xFFFFFFC4u);  // not folded, not unsigned
+    Define("APP.DLL#1#100lookup-case", "upper");
+    Define("app.dll#1#100lookup-case", "lower");
+    EXPECT_EQ(Wide(Supp_Translate(W("app.dll#1#100lookup-case").c_str())), W("lower"));
+}
+
+TEST(ResourceKey, NamesTheModuleFileTheKindAndTheIdOrName) {
+    const HMODULE module = nullptr;  // the program
+    char narrow[300] = "untouched";
+    Supp_MakeKeyA(module, reinterpret_cast<const void*>(std::uintptr_t{42}), narrow,
+                  kSuppKindString);
+    const std::string key = narrow;
+    ASSERT_NE(key, "untouched");
+    EXPECT_EQ(key.find_first_of(":\\/"), std::string::npos);
+    EXPECT_EQ(key.substr(key.size() - 5), "#3#42");
+
+    KTWCHAR wide[300] = {};
+    Supp_MakeKeyW(module, KTW("MAIN"), wide, kSuppKindDialog);
+    EXPECT_EQ(Wide(wide), W((key.substr(0, key.size() - 5) + "#1#MAIN").c_str()));
+    Supp_MakeKeyA(module, "About", narrow, kSuppKindMenu);
+    EXPECT_EQ(std::string(narrow), key.substr(0, key.size() - 5) + "#2#About");
+}
+
+}  // namespace
+}  // namespace kt::test
