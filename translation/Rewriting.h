@@ -9,24 +9,12 @@
 
 #include <cstddef>
 
-#include "kticore/platform/Platform.h"
-
-// The template rewritten with its captions, buttons and statics translated
-// (keyed by `prefix`, a narrow resource key prefix, or null for plain keys
-// only) and the dictionary's font: a block from malloc, with `*outSize` its
-// size. `tmpl` itself with `*outSize` 0 when the dictionary is empty or the
-// template is malformed; null, `*outSize` untouched, when memory ran out.
-//
-// Without a size the template is taken at its word, as the dialog manager
-// that gets it next takes it: reading ends where its own structure ends.
-KTCORE_API void* Supp_RewriteDialog(const void* tmpl, unsigned* outSize, const char* prefix);
-// The same, with the layout of the dialog whose key hashes to `keyHash`
-// applied first, when the dictionary holds one.
-KTCORE_API void* Supp_LayoutDialog(const void* tmpl, unsigned keyHash, unsigned* outSize, const char* prefix);
+#include "kticore/translation/DialogTemplates.h"
 
 namespace kt {
 
-// The same on a template of `size` bytes, of which none outside is read.
+// Supp_RewriteDialog and Supp_LayoutDialog on a template of `size` bytes, of
+// which none outside is read.
 KTCORE_API void* RewriteDialogTemplate(const void* tmpl, size_t size, unsigned* outSize, const char* prefix);
 KTCORE_API void* LayoutDialogTemplate(const void* tmpl, size_t size, unsigned keyHash, unsigned* outSize,
                                       const char* prefix);
