@@ -1,6 +1,7 @@
 #include "translation/ResourceRecords.h"
 
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "kticore/strings/XString.h"
@@ -23,39 +24,26 @@ public:
     CResourceRecords(const CResourceRecords&) = delete;
     CResourceRecords& operator=(const CResourceRecords&) = delete;
     ~CResourceRecords() {
-        while (count != 0) {
-            SuppResource* record = head;
-            head = record->next;
-            --count;
+        while (list.first != nullptr) {
+            KT_LISTITEM* record = list.first;
+            list.Remove(record);
             sys::FreeLocalBlock(record);
         }
     }
 
     SuppResource* Find(HMODULE module, HRSRC real) const {
-        SuppResource* record = head;
-        for (DWORD i = 0; i < count; ++i, record = record->next)
+        for (KT_LISTITEM* item = list.first; item != nullptr; item = list.Next(item)) {
+            auto* record = static_cast<SuppResource*>(item);
             if (record->module == module && record->real == real)
                 return record;
+        }
         return nullptr;
     }
 
-    void Append(SuppResource* record) {
-        if (count == 0) {
-            head = record;
-        } else {
-            record->prev = tail;
-            tail->next = record;
-        }
-        record->next = head;
-        head->prev = record;
-        tail = record;
-        ++count;
-    }
+    void Append(SuppResource* record) { list.AddTail(record); }
 
 private:
-    SuppResource* head = nullptr;
-    SuppResource* tail = nullptr;
-    DWORD count = 0;
+    COList list;
 };
 
 CResourceRecords records;
@@ -115,10 +103,10 @@ SuppResource* Supp_WrapResource(HRSRC real, HMODULE module, const char* name, co
         return reinterpret_cast<SuppResource*>(real);
     if (SuppResource* known = records.Find(module, real))
         return known;
-    auto* record = static_cast<SuppResource*>(sys::AllocLocalBlock(sizeof(SuppResource)));
-    if (record == nullptr)
+    void* block = sys::AllocLocalBlock(sizeof(SuppResource));
+    if (block == nullptr)
         return reinterpret_cast<SuppResource*>(real);
-    std::memset(record, 0, sizeof *record);
+    auto* record = new (block) SuppResource();
     record->marker = kResourceRecordMarker;
     record->type = kind;
     record->module = module;

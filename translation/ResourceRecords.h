@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "kticore/core/List.h"
 #include "kticore/platform/Platform.h"
 
 namespace kt {
@@ -22,10 +23,9 @@ constexpr std::uintptr_t kResourceTypeString = 6;
 
 }  // namespace kt
 
-// A block of LocalAlloc; the fields in this order.
-struct SuppResource {
-    SuppResource* next;  // circular, doubly linked: every record of the process
-    SuppResource* prev;
+// A block of LocalAlloc; the fields in this order, behind the links of the
+// circular list of every record of the process.
+struct SuppResource : KT_LISTITEM {
     DWORD marker;
     std::uintptr_t type;
     HMODULE module;

@@ -46,6 +46,16 @@ ItemSpec Item(std::uint32_t id, Field windowClass, Field title, Bytes creationDa
     return item;
 }
 
+// A dialog of the form with a font block.
+DialogSpec WithFont(const Form& form, const char* title) {
+    DialogSpec dialog;
+    dialog.extended = form.extended;
+    dialog.style |= kDsSetFont;
+    dialog.font = {8, 400, 0, 0, W("Face")};
+    dialog.title = W(title);
+    return dialog;
+}
+
 // The template rewritten within its own bytes (or laid out first, when
 // `layout` is given) and read back.
 DialogSpec Rewrite(const DialogSpec& source, const char* prefix = nullptr, const unsigned* layout = nullptr) {
@@ -150,11 +160,7 @@ TEST(DialogRewrite, AnEmptyTranslationKeepsTheTemplatesText) {
 TEST(DialogRewrite, LongerCaptionsShiftLaterItemsWhichStayAligned) {
     AddTranslations({{"rw.a", "rw.a, longer"}, {"rw.bb", "rw.bb, much longer"}, {"rw.ccc", "rw.ccc+"}});
     for (const Form& form : kForms) {
-        DialogSpec source;
-        source.extended = form.extended;
-        source.style |= kDsSetFont;
-        source.font = {9, 400, 0, 0, W("F")};
-        source.title = W("rw.bb");
+        DialogSpec source = WithFont(form, "rw.bb");
         const char* captions[] = {"rw.a", "rw.bb", "rw.ccc", "rw.a", "rw.ccc"};
         for (std::uint32_t i = 0; i < 5; ++i)
             source.items.push_back(Item(10 + i, Field::Ordinal(i % 2 == 0 ? kButton : kStatic),
@@ -186,10 +192,7 @@ TEST(DialogLayout, MovesEachEdgeOfTheControlAtItsPositionAndGrowsTheDialog) {
     const unsigned layout = AddLayout("layout.dll#1#100", {20, 10},
                                       {{0, {10, 0, 10, 0}}, {3, {5, -3, 7, 2}}, {9, {50, 50, 50, 50}}});
     for (const Form& form : kForms) {
-        DialogSpec source;
-        source.extended = form.extended;
-        source.style |= kDsSetFont;
-        source.font = {8, 400, 0, 0, W("F")};
+        DialogSpec source = WithFont(form, "");
         for (std::uint32_t i = 0; i < 5; ++i)
             source.items.push_back(Item(i, Field::Ordinal(kButton), Field::Text(W("rw.Moved")), Bytes(i % 2)));
         source.items[3].x = 10, source.items[3].y = 20, source.items[3].cx = 30, source.items[3].cy = 40;
@@ -258,11 +261,7 @@ TEST(DialogRewriteBounds, MalformedTemplatesAreHandedBackUnread) {
     AddTranslations({{"rw.Bounds", "Grenzen"}});
     const unsigned layout = AddLayout("bounds.dll#1#1", {1, 1}, {{0, {1, 1, 1, 1}}});
     for (const Form& form : kForms) {
-        DialogSpec source;
-        source.extended = form.extended;
-        source.style |= kDsSetFont;
-        source.font = {8, 400, 0, 0, W("Face")};
-        source.title = W("rw.Bounds");
+        DialogSpec source = WithFont(form, "rw.Bounds");
         source.items = {Item(1, Field::Ordinal(kButton), Field::Text(W("rw.Bounds")), {1, 2, 3}),
                         Item(2, Field::Text(W("Edit")), Field::Ordinal(3), {4})};
         const Bytes whole = TemplateBuilder::Build(source);
