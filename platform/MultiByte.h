@@ -11,6 +11,10 @@ namespace kt::sys {
 // code page (never, in a single-byte code page).
 bool IsLeadByte(unsigned char byte);
 
+// Whether the character `code` (lead << 8 | trail, or a single byte) is
+// white space, as _ismbcspace answers in the current multibyte code page.
+bool IsSpaceCharacter(unsigned code);
+
 // The code page that narrow text is in: the multibyte code page the runtime
 // was given, or the ANSI code page where the runtime reports none.
 unsigned MultiByteCodePage();

@@ -5,6 +5,7 @@
 
 #include <atomic>
 
+#include "platform/TextConversion.h"
 #include "platform/posix/CodePages.h"
 
 namespace {
@@ -50,6 +51,18 @@ namespace kt::sys {
 
 bool IsLeadByte(unsigned char byte) {
     return current.load(std::memory_order_relaxed)->IsLead(byte);
+}
+
+bool IsSpaceCharacter(unsigned code) {
+    // A single byte by the C locale's isspace; a double-byte character by its
+    // class in the code page, where the ideographic space is the one blank.
+    constexpr KTWCHAR kIdeographicSpace = 0x3000;
+    if (code < 256)
+        return code == ' ' || (code >= '\t' && code <= '\r');
+    const char bytes[2] = {static_cast<char>(code >> 8), static_cast<char>(code & 0xFF)};
+    KTWCHAR unit = 0;
+    return MultiByteToWide(MultiByteCodePage(), bytes, 2, &unit, 1) == 1 &&
+           unit == kIdeographicSpace;
 }
 
 unsigned MultiByteCodePage() { return current.load(std::memory_order_relaxed)->number; }

@@ -3,10 +3,13 @@
 #include "platform/MultiByte.h"
 
 #include <mbctype.h>
+#include <mbstring.h>
 
 namespace kt::sys {
 
 bool IsLeadByte(unsigned char byte) { return _ismbblead(byte) != 0; }
+
+bool IsSpaceCharacter(unsigned code) { return _ismbcspace(code) != 0; }
 
 unsigned MultiByteCodePage() {
     // The runtime reports 0 for a single-byte code page; text is then in the

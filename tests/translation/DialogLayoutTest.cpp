@@ -1,20 +1,132 @@
 // Dialog layouts from `dlg` files, and the font that translated dialogs get.
 #include <gtest/gtest.h>
 
+#include <map>
+#include <string>
+
 #include "kticore/translation/Translation.h"
 #include "platform/DialogFont.h"
-#include "tests/support/WideText.h"
-#include "translation/SuppDictionary.h"
+#include "tests/support/ScratchDirectory.h"
+#include "translation/DialogLayouts.h"
+#include "translation/Lookup.h"
 
 namespace kt::test {
 namespace {
+
+WideString W(const std::string& ascii) { return WideString(ascii.begin(), ascii.end()); }
+
+struct Edges {
+    int left, top, right, bottom;
+    bool operator==(const Edges& other) const {
+        return left == other.left && top == other.top && right == other.right &&
+               bottom == other.bottom;
+    }
+};
+
+// A layout as plain values: the size and the rectangles by position.
+struct Layout {
+    bool found = false;
+    int cx = 0;
+    int cy = 0;
+    std::map<int, Edges> items;
+};
+
+Layout LayoutOf(const char* key) {
+    Layout layout;
+    KTDlgPos* position = nullptr;
+    if (!SuppDictionary().dialogs.Lookup(static_cast<int>(Supp_HashKey(key)), position))
+        return layout;
+    layout.found = true;
+    layout.cx = position->size.cx;
+    layout.cy = position->size.cy;
+    CTMapPosition walk;
+    while (const int* item = position->items.NextKey(walk)) {
+        CIRect rect;
+        position->items.Lookup(*item, rect);
+        layout.items[*item] = {rect.left, rect.top, rect.right, rect.bottom};
+    }
+    return layout;
+}
+
+class DialogLayouts : public ::testing::Test {
+protected:
+    int Load(const char* leaf, const std::string& text) {
+        const WideString name = directory / W(leaf);
+        WriteContent(name, text);
+        return LoadDialogLayouts(SuppDictionary(), name.c_str());
+    }
+
+    ScratchDirectory directory;
+};
+
+TEST_F(DialogLayouts, AreFoundByTheCaseBlindKeyOfTheDialog) {
+    ASSERT_EQ(Load("a.dlg",
+                   "[\\Layout-Case.DLL\\Dialogs\\#100]\r\nDialog Size=z20,10\r\n3=t0,0,10,0\r\n"),
+              1);
+    const Layout layout = LayoutOf("layout-case.dll#1#100");
+    ASSERT_TRUE(layout.found);
+    EXPECT_EQ(layout.cx, 20);
+    EXPECT_EQ(layout.cy, 10);
+    EXPECT_EQ(layout.items, (std::map<int, Edges>{{3, {0, 0, 10, 0}}}));
+}
+
+TEST_F(DialogLayouts, KeepRectanglesOnlyAndNameDialogsByText) {
+    ASSERT_EQ(Load("a.dlg",
+                   "[\\layout-kinds.dll\\Dialogs\\Main]\r\n"
+                   "Dialog Size=t1,2,3,4\r\n"  // a rectangle: control 0, not a size
+                   "2=shello\r\n"
+                   "5=z1,2\r\n"
+                   "7=t-1,-2,3,4\r\n"
+                   "[\\layout-kinds.dll\\Dialogs\\Named]\r\n"
+                   "first=t5,6,7,8\r\n"  // no number: position 0
+                   "[\\layout-kinds.dll\\Dialogs\\#9]\r\n"
+                   "[\\layout-kinds.dll\\Menus\\#7]\r\n"
+                   "1=t1,1,1,1\r\n"),
+              1);
+    const Layout main = LayoutOf("layout-kinds.dll#1#Main");
+    ASSERT_TRUE(main.found);
+    EXPECT_EQ(main.cx, 0);
+    EXPECT_EQ(main.cy, 0);
+    EXPECT_EQ(main.items, (std::map<int, Edges>{{0, {1, 2, 3, 4}}, {7, {-1, -2, 3, 4}}}));
+    EXPECT_EQ(LayoutOf("layout-kinds.dll#1#Named").items,
+              (std::map<int, Edges>{{0, {5, 6, 7, 8}}}));
+    const Layout empty = LayoutOf("layout-kinds.dll#1#9");
+    EXPECT_TRUE(empty.found) << "a dialog without values still has a layout";
+    EXPECT_TRUE(empty.items.empty());
+    EXPECT_FALSE(LayoutOf("layout-kinds.dll#1#7").found);
+    EXPECT_FALSE(LayoutOf("layout-kinds.dll#2#7").found);
+}
+
+TEST_F(DialogLayouts, ASecondDefinitionReplacesTheFirst) {
+    ASSERT_EQ(
+        Load("a.dlg", "[\\layout-again.dll\\Dialogs\\#1]\r\nDialog Size=z5,5\r\n1=t1,1,1,1\r\n"),
+        1);
+    ASSERT_EQ(Load("b.dlg", "[\\LAYOUT-AGAIN.DLL\\Dialogs\\#1]\r\n2=t2,2,2,2\r\n"), 1);
+    const Layout layout = LayoutOf("layout-again.dll#1#1");
+    EXPECT_EQ(layout.cx, 0);
+    EXPECT_EQ(layout.items, (std::map<int, Edges>{{2, {2, 2, 2, 2}}}));
+}
+
+TEST_F(DialogLayouts, AMissingFileLoadsNothing) {
+    EXPECT_EQ(LoadDialogLayouts(SuppDictionary(), (directory / W("missing.dlg")).c_str()), 0);
+}
+
+TEST_F(DialogLayouts, ComeWithTheDictionaryOfTheSameName) {
+    WriteContent(directory / W("twin.wld"), "\"layout-twin\"\n\"twin\"\n");
+    WriteContent(directory / W("twin.dlg"), "[\\layout-twin.dll\\Dialogs\\#4]\r\n0=t1,0,0,0\r\n");
+    ASSERT_EQ(Supp_AddWld((directory / W("twin.wld")).c_str()), 1);
+    EXPECT_TRUE(LayoutOf("layout-twin.dll#1#4").found);
+    WriteContent(directory / W("alone.wld"), "\"layout-alone\"\n\"alone\"\n");
+    EXPECT_EQ(Supp_AddWld((directory / W("alone.wld")).c_str()), 1)
+        << "no layout file is no failure";
+}
 
 TEST(DialogFont, IsTheLogicalDialogFontWithoutDoubleByteSupportElseTheStockFont) {
     const CSuppDictionary& dictionary = SuppDictionary();
     EXPECT_EQ(dictionary.charset, 0u);
     EXPECT_EQ(dictionary.replaceFont, 1);
     if (!sys::DoubleByteCharacterSetsEnabled()) {
-        EXPECT_EQ(Wide(dictionary.fontName), Wide(KTW("MS Shell Dlg")));
+        EXPECT_EQ(Wide(dictionary.fontName), W("MS Shell Dlg"));
         EXPECT_EQ(dictionary.fontSize, 8u);
         EXPECT_EQ(Supp_GetFont(), nullptr);
     } else {

@@ -1,0 +1,146 @@
+// Dictionary files loaded into the process's dictionary: the first definition
+// wins, the language id sets the code page of values, and a file that fails
+// leaves the texts as they were. The dictionary is one per process: each test
+// has keys of its own, and what needs a dictionary never loaded runs in a
+// process of its own.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "kticore/translation/Translation.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace kt::test {
+namespace {
+
+WideString W(const std::string& ascii) { return WideString(ascii.begin(), ascii.end()); }
+
+// The translation of an ASCII text.
+WideString Translated(const char* text) { return Wide(Supp_Translate(W(text).c_str())); }
+
+class WldFiles : public ::testing::Test {
+protected:
+    WideString File(const char* leaf, const std::string& content) {
+        const WideString name = directory / W(leaf);
+        WriteContent(name, content);
+        return name;
+    }
+
+    ScratchDirectory directory;
+};
+
+TEST_F(WldFiles, JapaneseAndRussianValuesComeOutAsWideText) {
+    ASSERT_EQ(Supp_AddWld(File("ja.wld",
+                               "\"KT_WLD_LANG_ID\"\n\"1041\"\n"
+                               "\"wld-hello-ja\"\n\"\x82\xB1\x82\xF1\x82\xC9\x82\xBF\x82\xCD\"\n")
+                              .c_str()),
+              1);
+    EXPECT_EQ(Supp_GetACP(), 932u);
+    EXPECT_EQ(Translated("wld-hello-ja"), WideString(KTW("\u3053\u3093\u306B\u3061\u306F")));
+
+    ASSERT_EQ(Supp_AddWld(File("ru.wld",
+                               "\"KT_WLD_LANG_ID\"\n\"1049\"\n"
+                               "\"wld-hello-ru\"\n\"\xCF\xF0\xE8\xE2\xE5\xF2\"\n")
+                              .c_str()),
+              1);
+    EXPECT_EQ(Supp_GetACP(), 1251u);
+    EXPECT_EQ(Translated("wld-hello-ru"), WideString(KTW("\u041F\u0440\u0438\u0432\u0435\u0442")));
+}
+
+TEST_F(WldFiles, KeysAreReadInTheCodePageBeforeTheFileValuesInTheOneAtFirstUse) {
+    ASSERT_EQ(Supp_AddWld(File("en.wld", "\"KT_WLD_LANG_ID\"\n\"1033\"\n").c_str()), 1);
+    ASSERT_EQ(Supp_GetACP(), 1252u);
+    const char cat[] = "\xCA\xEE\xF8\xEA\xE0";  // Russian in code page 1251
+    ASSERT_EQ(Supp_AddWld(File("ru.wld", std::string("\"KT_WLD_LANG_ID\"\n\"1049\"\n\"") + cat +
+                                             "\"\n\"" + cat + "\"\n")
+                              .c_str()),
+              1);
+    const WideString keyIn1252 = KTW("\u00CA\u00EE\u00F8\u00EA\u00E0");
+    const WideString russian = KTW("\u041A\u043E\u0448\u043A\u0430");
+    EXPECT_EQ(Wide(Supp_Translate(keyIn1252.c_str())), russian);
+    EXPECT_EQ(Supp_Translate(russian.c_str()), russian.c_str())
+        << "no key in the file's own code page";
+}
+
+TEST_F(WldFiles, AnUnknownOrZeroLanguageLeavesTheCodePage) {
+    ASSERT_EQ(Supp_AddWld(File("ru.wld", "\"KT_WLD_LANG_ID\"\n\"1049\"\n").c_str()), 1);
+    for (const char* id : {"0", "12345", "x"}) {
+        Supp_AddWld(File("other.wld", std::string("\"KT_WLD_LANG_ID\"\n\"") + id + "\"\n").c_str());
+        EXPECT_EQ(Supp_GetACP(), 1251u) << id;
+    }
+}
+
+TEST_F(WldFiles, AKeyDefinedAgainKeepsItsFirstValueWithinAndAcrossFiles) {
+    ASSERT_EQ(
+        Supp_AddWld(File("a.wld", "\"wld-twice\"\n\"first\"\n\"wld-twice\"\n\"second\"\n").c_str()),
+        1);
+    ASSERT_EQ(
+        Supp_AddWld(File("b.wld", "\"wld-twice\"\n\"third\"\n\"wld-added\"\n\"added\"\n").c_str()),
+        1);
+    EXPECT_EQ(Translated("wld-twice"), W("first"));
+    EXPECT_EQ(Translated("wld-added"), W("added"));
+}
+
+TEST_F(WldFiles, AFileThatCannotBeReadLoadsNothingAndThrowsNothing) {
+    ASSERT_EQ(Supp_AddWld(File("good.wld", "\"wld-kept\"\n\"kept\"\n").c_str()), 1);
+    EXPECT_EQ(Supp_AddWld((directory / W("missing.wld")).c_str()), 0);
+    EXPECT_EQ(Supp_AddWld(directory.Path().c_str()), 0);  // a directory
+    EXPECT_EQ(Translated("wld-kept"), W("kept"));
+}
+
+// What a process that has loaded no dictionary yet sees. Each runs in a
+// process of its own, started afresh; its findings come back on stderr.
+class FreshDictionaryDeathTest : public WldFiles {
+protected:
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(FreshDictionaryDeathTest, InitIsRefusedOnceADictionaryIsLoadedAndAddWldAdds) {
+    const WideString first = File("first.wld", "\"fresh-a\"\n\"A\"\n");
+    const WideString second = File("second.wld", "\"fresh-b\"\n\"B\"\n");
+    const WideString missing = directory / W("missing.wld");
+    EXPECT_EXIT(
+        {
+            const int failed = Supp_Init(missing.c_str());
+            const int loaded = Supp_Init(first.c_str());
+            const unsigned long codePage = Supp_GetACP();
+            const int again = Supp_Init(second.c_str());
+            const bool secondIgnored = Translated("fresh-b") == W("fresh-b");
+            const int added = Supp_AddWld(second.c_str());
+            std::fprintf(stderr, "%d %d %lu %d %d %d %s\n", failed, loaded, codePage, again,
+                         secondIgnored, added, Translated("fresh-b") == W("B") ? "B" : "-");
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), "0 1 0 0 1 1 B");
+}
+
+TEST_F(FreshDictionaryDeathTest, AddWldBeforeInitIsInit) {
+    const WideString first = File("first.wld", "\"fresh-a\"\n\"A\"\n");
+    EXPECT_EXIT(
+        {
+            const int added = Supp_AddWld(first.c_str());
+            std::fprintf(stderr, "%d %d\n", added, Supp_Init(first.c_str()));
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), "1 0");
+}
+
+TEST_F(FreshDictionaryDeathTest, InitWithoutAPathReadsAppWldInTheCurrentDirectory) {
+    File("app.wld", "\"fresh-app\"\n\"from app.wld\"\n");
+    const std::filesystem::path where(directory.Path());
+    EXPECT_EXIT(
+        {
+            std::filesystem::current_path(where);
+            const int loaded = Supp_Init(nullptr);
+            std::fprintf(stderr, "%d %s\n", loaded,
+                         Translated("fresh-app") == W("from app.wld") ? "found" : "-");
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), "1 found");
+}
+
+}  // namespace
+}  // namespace kt::test

@@ -1,0 +1,26 @@
+// Dialog layouts: `dlg` files, the twins of `wld` files, that enlarge a
+// translated dialog and move its controls. A parameter text:
+//
+//   [\app.dll\Dialogs\#100]     module file, "Dialogs", "#" and the id
+//   Dialog Size=z20,10          added to the dialog's width and height
+//   3=t0,0,10,0                 offsets of the edges of control 3
+//
+// in dialog units. A dialog named by text has no "#": [\app.dll\Dialogs\Main].
+#pragma once
+
+#include "kticore/platform/Platform.h"
+#include "translation/SuppDictionary.h"
+
+namespace kt {
+
+// The name of the size value; every other value of kind rectangle is a
+// control's edge offsets, named by the control's position in the template.
+constexpr char kDialogSizeValue[] = "Dialog Size";
+
+// Adds the layouts of the file at `path` to `dictionary.dialogs`, by the
+// case-blind hash of each dialog's resource key; a dialog defined again
+// replaces its layout. 1, or 0 when the file is missing or unreadable (a
+// CXFileException); a file that is not parameter text throws.
+KTCORE_API int LoadDialogLayouts(CSuppDictionary& dictionary, const KTWCHAR* path);
+
+}  // namespace kt

@@ -1,0 +1,50 @@
+// Loading translation files: the dictionary, then its layout twin of the same
+// name. A dictionary file that fails is answered with 0, never thrown: the
+// texts stay as they were, with the pairs read before the failure.
+#include "kticore/core/Exception.h"
+#include "kticore/translation/Translation.h"
+#include "translation/DialogLayouts.h"
+#include "translation/WldFile.h"
+
+namespace {
+
+using kt::CSuppDictionary;
+
+constexpr KTWCHAR kLayoutExtension[] = KTW("dlg");
+
+// A null path names "app.wld" in the current directory, and nothing else.
+const KTWCHAR* DictionaryPath(const KTWCHAR* path) {
+    return path != nullptr ? path : KTW("app.wld");
+}
+
+// 1, or 0 when the dictionary file failed; the layout file does not count.
+int LoadFiles(CSuppDictionary& dictionary, const KTWCHAR* path) {
+    try {
+        kt::LoadWldFile(dictionary, path);
+    } catch (const CXFileException&) {
+        return 0;
+    }
+    CXStringW layouts(path);
+    layouts.ChangeFileExt(kLayoutExtension);
+    kt::LoadDialogLayouts(dictionary, layouts);
+    return 1;
+}
+
+}  // namespace
+
+int Supp_Init(const KTWCHAR* path) {
+    CSuppDictionary& dictionary = kt::SuppDictionary();
+    if (dictionary.initialised != 0 || LoadFiles(dictionary, DictionaryPath(path)) == 0)
+        return 0;
+    dictionary.initialised = 1;
+    // The interception of the modules that are loaded is installed here, once,
+    // at the first dictionary loaded.
+    return 1;
+}
+
+int Supp_AddWld(const KTWCHAR* path) {
+    CSuppDictionary& dictionary = kt::SuppDictionary();
+    if (dictionary.initialised == 0)
+        return Supp_Init(path);
+    return LoadFiles(dictionary, DictionaryPath(path));
+}

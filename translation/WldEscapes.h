@@ -1,0 +1,15 @@
+// The escapes of `wld` texts: \n, \r and \t, undone by a walk over the
+// multibyte characters of the current code page, so that a trail byte with
+// the code of a backslash escapes nothing.
+#pragma once
+
+#include "kticore/strings/XString.h"
+
+namespace kt {
+
+// A run of backslashes counts as one; before n, r or t it makes LF, CR or
+// TAB; before any other character it stays with it; at the end it is
+// dropped. A literal backslash before n, r or t cannot be written.
+KTCORE_API CXString UndoWldEscapes(const char* text);
+
+}  // namespace kt
