@@ -4,7 +4,9 @@
 // always sees a well-formed template.
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
+#include <string>
 
 #include "kticore/core/Exception.h"
 #include "kticore/strings/XStringW.h"

@@ -7,6 +7,7 @@
 
 #include "tests/translation/TemplateWalker.h"
 #include "tests/translation/TestDictionary.h"
+#include "translation/Lookup.h"
 #include "translation/ResourceRecords.h"
 
 namespace kt::test {
