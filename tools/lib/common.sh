@@ -15,6 +15,7 @@ kt_prerequisites() {
     command -v x86_64-w64-mingw32-g++-posix >/dev/null || missing+=(g++-mingw-w64-x86-64)
     [ -x /usr/lib/wine/wine64 ] || missing+=(wine wine64)
     [ -f /usr/src/googletest/CMakeLists.txt ] || missing+=(googletest)
+    command -v xvfb-run >/dev/null || missing+=(xvfb xauth)  # a display for dialogs under Wine
     local extra
     for extra in "$@"; do
         dpkg-query -W -f='${Status}' "$extra" 2>/dev/null | grep -q 'ok installed' || missing+=("$extra")
