@@ -80,7 +80,7 @@ Font DictionaryFont(std::uint16_t weight) {
 }
 
 TEST(DialogRewrite, TranslatesTheTitleAndTheCaptionsOfButtonsAndStaticsOnly) {
-    AddTranslations({{"rw.Title", "Titel"}, {"rw.OK", "Gut"}, {"rw.Label", "Beschriftung"}});
+    AddTranslations({{"rw.Title", "Titel"}, {"rw.OK", "Gut"}, {"rw.Label", "Beschriftung"}, {"rw.Blank", ""}});
     for (const Form& form : kForms) {
         DialogSpec source;
         source.extended = form.extended;
@@ -93,7 +93,8 @@ TEST(DialogRewrite, TranslatesTheTitleAndTheCaptionsOfButtonsAndStaticsOnly) {
                         Item(4, Field::Text(W("Button")), Field::Text(W("rw.OK")), {9, 9, 9, 9}),
                         Item(5, Field::Ordinal(kStatic), Field::Ordinal(5)),
                         Item(6, Field::Ordinal(kButton), Field::Text(W(""))),
-                        Item(7, Field::Ordinal(kButton), Field::Text(W("rw.NotInTheDictionary")))};
+                        Item(7, Field::Ordinal(kButton), Field::Text(W("rw.NotInTheDictionary"))),
+                        Item(8, Field::Ordinal(kButton), Field::Text(W("rw.Blank")))};
         DialogSpec expected = source;
         expected.title = W("Titel");
         expected.items[0].title = Field::Text(W("Gut"));
@@ -144,14 +145,6 @@ TEST(DialogRewrite, KeyedTranslationWinsAndOtherPrefixesFallBackToThePlainOne) {
         ASSERT_EQ(result.items.size(), 1u);
         EXPECT_EQ(result.items[0].title, Field::Text(W(c.shown)));
     }
-}
-
-TEST(DialogRewrite, AnEmptyTranslationKeepsTheTemplatesText) {
-    AddTranslations({{"rw.Blank", ""}});
-    DialogSpec source;
-    source.title = W("rw.Blank");
-    source.items = {Item(1, Field::Ordinal(kButton), Field::Text(W("rw.Blank")))};
-    EXPECT_EQ(Rewrite(source), source);
 }
 
 // Each caption grows by an odd number of characters and each item has
