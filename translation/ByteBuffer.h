@@ -5,7 +5,7 @@
 
 namespace kt {
 
-class KTCORE_API CByteBuffer {
+class CByteBuffer {
 public:
     // `growStep` is kept with the buffer and does not drive growth: an append
     // that does not fit moves the bytes to a block of exactly the size needed.
