@@ -4,6 +4,8 @@
 #pragma once
 
 #include "kticore/platform/Platform.h"
+// Supp_HashKey, the hash of a resource key.
+#include "kticore/translation/DialogTemplates.h"
 
 // Resource kinds of a key: "<module file>#<kind>#<id or name>".
 constexpr unsigned kSuppKindDialog = 1;
@@ -41,9 +43,6 @@ KTCORE_API unsigned Supp_TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, con
 // path cannot be read or holds no separator.
 KTCORE_API void Supp_MakeKeyA(HMODULE module, const void* id, char* out, unsigned kind);
 KTCORE_API void Supp_MakeKeyW(HMODULE module, const void* id, KTWCHAR* out, unsigned kind);
-
-// The case-blind hash of a resource key that identifies a dialog's layout.
-KTCORE_API DWORD Supp_HashKey(const char* key);
 
 #if defined(_WIN32)
 // The menu walk with a prefix, for the menu interceptors.

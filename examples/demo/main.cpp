@@ -1,8 +1,11 @@
 // What a host module can do with kticore so far, step by step, printed.
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "kticore/kticore.h"
 
@@ -406,6 +409,145 @@ void ProfileFile() {
     Fio_DeleteFile(temporary.c_str());
 }
 
+// A dialog template in memory, written as a resource compiler writes the
+// extended form: header, menu, class, title, font, then the items, each on a
+// multiple of 4 from the template's start.
+class TemplateWriter {
+public:
+    TemplateWriter& Word(int value) {
+        bytes.push_back(static_cast<unsigned char>(value & 0xFF));
+        bytes.push_back(static_cast<unsigned char>(value >> 8 & 0xFF));
+        return *this;
+    }
+    TemplateWriter& Dword(unsigned long value) {
+        return Word(static_cast<int>(value & 0xFFFF)).Word(static_cast<int>(value >> 16));
+    }
+    TemplateWriter& Text(const char* text) {
+        for (; *text != 0; ++text)
+            Word(*text);
+        return Word(0);
+    }
+    TemplateWriter& Align() {
+        while (bytes.size() % 4 != 0)
+            bytes.push_back(0);
+        return *this;
+    }
+    std::vector<unsigned char> bytes;
+};
+
+constexpr int kButtonClass = 0x80, kStaticClass = 0x82;
+constexpr unsigned long kDialogStyle = 0x80C80040;  // popup, caption, system menu, DS_SETFONT
+constexpr unsigned long kControlStyle = 0x50000000;  // child, visible
+
+std::vector<unsigned char> OptionsDialog() {
+    struct Control {
+        int windowClass;
+        const char* title;
+        int id, x, y, cx, cy;
+    };
+    const Control controls[] = {{kStaticClass, "Options", 3, 10, 10, 140, 8},
+                                {kButtonClass, "OK", 1, 10, 60, 50, 14},
+                                {kButtonClass, "Cancel", 2, 70, 60, 50, 14}};
+    TemplateWriter out;
+    out.Word(1).Word(0xFFFF).Dword(0).Dword(0).Dword(kDialogStyle).Word(3);
+    out.Word(0).Word(0).Word(160).Word(80).Text("").Text("").Text("Options");
+    out.Word(9).Word(400).Word(0).Text("Source Face");
+    for (const Control& control : controls) {
+        out.Align().Dword(0).Dword(0).Dword(kControlStyle);
+        out.Word(control.x).Word(control.y).Word(control.cx).Word(control.cy).Dword(static_cast<unsigned long>(control.id));
+        out.Word(0xFFFF).Word(control.windowClass).Text(control.title).Word(0);
+    }
+    return out.bytes;
+}
+
+// Reads the fields of an extended template back from its bytes and prints
+// them: the item count at 16, the size at 22, and in each item the rectangle
+// 12 bytes into its fixed part.
+class TemplateReader {
+public:
+    explicit TemplateReader(const unsigned char* bytes) : bytes(bytes) {}
+
+    void Print() {
+        at = 16;
+        const int count = Word();
+        at = 22;
+        const int cx = Short(), cy = Short();
+        Text();
+        Text();
+        const std::string title = Text();
+        const int pointSize = Word();
+        at += 4;
+        const std::string face = Text();
+        std::printf("     \"%s\" %dx%d, font %d \"%s\"\n", title.c_str(), cx, cy, pointSize, face.c_str());
+        for (int i = 0; i < count; ++i) {
+            at = (at + 3) / 4 * 4 + 12;
+            const int x = Short(), y = Short(), width = Short(), height = Short();
+            const unsigned long id = Word() | static_cast<unsigned long>(Word()) << 16;
+            Word();
+            const char* kind = Word() == kButtonClass ? "button" : "static";
+            const std::string caption = Text();
+            const int creationData = Word();
+            at += static_cast<size_t>(creationData);
+            std::printf("     %s %lu \"%s\" at %d,%d size %dx%d\n", kind, id, caption.c_str(), x, y, width, height);
+        }
+    }
+
+private:
+    int Word() {
+        const int value = bytes[at] | bytes[at + 1] << 8;
+        at += 2;
+        return value;
+    }
+    int Short() { return static_cast<short>(Word()); }
+    std::string Text() {
+        std::string text;
+        for (int unit = Word(); unit != 0; unit = Word())
+            text += unit < 0x80 ? static_cast<char>(unit) : '?';
+        return text;
+    }
+
+    const unsigned char* bytes;
+    size_t at = 0;
+};
+
+// A translator's dictionary and layout for dialog 100 of "demo.dll": the
+// dialog grows by 40 units, the OK button moves 10 to the right and the
+// Cancel button moves 20 and grows by 40 for its longer caption.
+void DialogTemplates() {
+    Step("Dialog templates are rewritten: captions, the dictionary's font, moved controls");
+    const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
+    const std::basic_string<KTWCHAR> wld = temporary + KTW(".wld"), dlg = temporary + KTW(".dlg");
+    const char dictionary[] =
+        "; the demo's dictionary\n"
+        "\"Options\"\n\"Einstellungen\"\n"
+        "\"OK\"\n\"Gut\"\n"
+        "\"demo.dll#1#100Cancel\"\n\"Abbrechen, nur hier\"\n";
+    const char layout[] =
+        "[\\demo.dll\\Dialogs\\#100]\n"
+        "Dialog Size=z40,0\n"
+        "1=t10,0,10,0\n"
+        "2=t20,0,60,0\n";
+    for (const auto& [name, text] : {std::make_pair(wld, dictionary), std::make_pair(dlg, layout)}) {
+        IXOutFile* file = Fio_OpenOut(name.c_str(), 0);
+        file->Write(text, static_cast<DWORD>(std::strlen(text)));
+        file->Commit();
+        file->Release();
+    }
+    std::printf("   Supp_AddWld: %d\n", Supp_AddWld(wld.c_str()));
+
+    const std::vector<unsigned char> original = OptionsDialog();
+    std::printf("   the template, %u bytes:\n", static_cast<unsigned>(original.size()));
+    TemplateReader(original.data()).Print();
+    unsigned size = 0;
+    void* rewritten = Supp_LayoutDialog(original.data(), Supp_HashKey("demo.dll#1#100"), &size, "demo.dll#1#100");
+    std::printf("   rewritten for demo.dll#1#100, %u bytes:\n", size);
+    TemplateReader(static_cast<const unsigned char*>(rewritten)).Print();
+    if (size != 0)
+        std::free(rewritten);
+    for (const auto& name : {wld, dlg, temporary})
+        Fio_DeleteFile(name.c_str());
+}
+
 }  // namespace
 
 // The factory of the demo's class, found by the registry among the
@@ -430,6 +572,7 @@ int main() {
     Files();
     ParameterTrees();
     ProfileFile();
+    DialogTemplates();
     std::printf("\ndone\n");
     return 0;
 }

@@ -22,5 +22,6 @@
 #include "kticore/params/Param.h"
 #include "kticore/params/ParamTools.h"
 #include "kticore/streams/Stream.h"
+#include "kticore/translation/DialogTemplates.h"
 #include "kticore/translation/Translation.h"
 #include "kticore/values/Variant.h"

@@ -15,6 +15,7 @@ kt_prerequisites() {
     command -v x86_64-w64-mingw32-g++-posix >/dev/null || missing+=(g++-mingw-w64-x86-64)
     [ -x /usr/lib/wine/wine64 ] || missing+=(wine wine64)
     [ -f /usr/src/googletest/CMakeLists.txt ] || missing+=(googletest)
+    command -v Xvfb >/dev/null || missing+=(xvfb)
     local extra
     for extra in "$@"; do
         dpkg-query -W -f='${Status}' "$extra" 2>/dev/null | grep -q 'ok installed' || missing+=("$extra")
@@ -43,14 +44,35 @@ kt_wine_environment() {
     export WINEDLLOVERRIDES="mscoree,mshtml="
 }
 
+# A virtual display for the run, unless there is a display already: the
+# tests make real dialogs, and Wine's desktop takes the display of the first
+# process that needs one, so it must be there before any Wine process starts.
+KT_XVFB_PID=
+kt_display() {
+    [ -z "${DISPLAY:-}" ] || return 0
+    local number=90
+    while [ -e "/tmp/.X$number-lock" ] || [ -e "/tmp/.X11-unix/X$number" ]; do
+        number=$((number + 1))
+    done
+    Xvfb ":$number" -nolisten tcp >/dev/null 2>&1 &
+    KT_XVFB_PID=$!
+    local wait
+    for wait in $(seq 50); do
+        [ -e "/tmp/.X11-unix/X$number" ] && break
+        sleep 0.1
+    done
+    export DISPLAY=":$number"
+}
+
 # One wine server for the whole run (each process start would otherwise start
-# its own), shut down when the calling script exits.
+# its own), shut down with the display when the calling script exits.
 kt_wine_session() {
     kt_wine_environment "$1"
+    kt_display
     if [ ! -f "$WINEPREFIX/system.reg" ]; then
         kt_say "Creating the Wine prefix $WINEPREFIX"
         wineboot -i >/dev/null 2>&1
     fi
     wineserver -p || true  # exits 2 when a server for this prefix is already running
-    trap 'wineserver -k 2>/dev/null || true' EXIT
+    trap 'wineserver -k 2>/dev/null || true; [ -z "$KT_XVFB_PID" ] || kill "$KT_XVFB_PID" 2>/dev/null || true' EXIT
 }
