@@ -12,9 +12,9 @@
 #include <algorithm>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <mutex>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -150,7 +150,10 @@ std::string Text(const Profile& profile) {
 // A missing or unreadable file is an empty profile.
 Profile Load(const std::string& name) {
     std::ifstream in(name, std::ios::binary);
-    return Parse(std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()));
+    std::ostringstream text;
+    if (in)
+        text << in.rdbuf();
+    return Parse(text.str());
 }
 
 // Writes a new file beside the old one and puts it in its place.
