@@ -30,9 +30,12 @@ CSuppDictionary dictionary;
 }  // namespace
 
 const KTWCHAR* CContext::WideForm() {
-    if (wide.GetLength() == 0) {
+    const auto isEmpty = [](const CXStringW& text) {
+        return *static_cast<const KTWCHAR*>(text) == 0;
+    };
+    if (isEmpty(wide)) {
         hostMultiByteToUnicode(value, wide);
-        if (wide.GetLength() == 0)
+        if (isEmpty(wide))
             wide = CXStringW(static_cast<const char*>(key));
     }
     return wide;
@@ -59,7 +62,7 @@ CContext* CSuppDictionary::Find(const KTWCHAR* text) {
     return texts.Lookup(text, entry) ? entry : nullptr;
 }
 
-CContext* CSuppDictionary::Add(const char* key, const char* value) {
+CContext* CSuppDictionary::Add(const CXString& key, const CXString& value) {
     const CXStringW wideKey(key);
     if (CContext* existing = Find(wideKey))
         return existing;
