@@ -58,6 +58,9 @@ CSuppDictionary::CSuppDictionary() {
 CSuppDictionary::~CSuppDictionary() = default;
 
 CContext* CSuppDictionary::Find(const KTWCHAR* text) {
+    // An empty dictionary answers without making its table.
+    if (texts.GetCount() == 0)
+        return nullptr;
     CContext* entry = nullptr;
     return texts.Lookup(text, entry) ? entry : nullptr;
 }
