@@ -1,6 +1,5 @@
 #include "translation/SuppDictionary.h"
 
-#include <string>
 
 #include "kticore/translation/Translation.h"
 #include "platform/DialogFont.h"
