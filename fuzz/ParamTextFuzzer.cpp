@@ -2,50 +2,29 @@
 // behind a line "FILE"; a token "@0" to "@3" in a file becomes the memory name
 // of that file, so includes (a file including itself among them) resolve to
 // memory names; memory names of the input's own are spelt out of use, since
-// a block of any size anywhere reads for ever. Whatever tree comes out must survive a trip through the
-// stream form byte for byte.
+// a block of any size anywhere reads for ever. Whatever tree comes out must survive a trip through
+// the stream form byte for byte.
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "fuzz/MemoryFiles.h"
 #include "fuzz/StableStreamForm.h"
 #include "kticore/core/Exception.h"
 #include "kticore/files/File.h"
 #include "kticore/params/ParamTools.h"
-#include "tests/support/LowBlock.h"
 
 namespace {
 
+using kt::fuzz::Block;
 using kt::fuzz::Check;
 using kt::fuzz::CheckStreamFormIsStable;
+using kt::fuzz::DisarmMemoryNames;
+using kt::fuzz::kBlockSize;
+using kt::fuzz::MemoryName;
 
 constexpr size_t kFiles = 4;
-constexpr size_t kBlockSize = 4u << 20;
 const std::string kFileSeparator = "\nFILE\n";
-
-// Where the files lie: memory names carry 32-bit addresses.
-kt::test::LowBlock& Block() {
-    static kt::test::LowBlock block(kBlockSize);
-    Check(block.data != nullptr);
-    return block;
-}
-
-std::string MemoryName(size_t offset, size_t size) {
-    return "fmem::" + std::to_string(reinterpret_cast<std::uintptr_t>(Block().data) + offset) + "," +
-           std::to_string(size);
-}
-
-// "fmem:" in any case becomes "xmem:".
-void DisarmMemoryNames(std::string& text) {
-    for (size_t at = 0; at + 5 <= text.size(); ++at) {
-        static const char kPrefix[] = "fmem:";
-        size_t i = 0;
-        while (i < 5 && (text[at + i] | 0x20) == (kPrefix[i] | 0x20))
-            ++i;
-        if (i == 5)
-            text[at] = 'x';
-    }
-}
 
 std::vector<std::string> SplitFiles(const std::uint8_t* data, size_t size) {
     std::string input(reinterpret_cast<const char*>(data), size);
@@ -72,7 +51,8 @@ std::vector<std::string> LayOut(std::vector<std::string> files) {
     for (size_t i = 0; i < files.size(); ++i) {
         size_t tokens = 0;
         for (size_t j = 0; j < files.size(); ++j)
-            for (size_t at = files[i].find(token(j)); at != std::string::npos; at = files[i].find(token(j), at + 2))
+            for (size_t at = files[i].find(token(j)); at != std::string::npos;
+                 at = files[i].find(token(j), at + 2))
                 ++tokens;
         sizes[i] = files[i].size() + tokens * (kNameWidth - 2);
     }
@@ -87,7 +67,8 @@ std::vector<std::string> LayOut(std::vector<std::string> files) {
     }
     for (std::string& file : files)
         for (size_t j = 0; j < names.size(); ++j)
-            for (size_t at = file.find(token(j)); at != std::string::npos; at = file.find(token(j), at + kNameWidth))
+            for (size_t at = file.find(token(j)); at != std::string::npos;
+                 at = file.find(token(j), at + kNameWidth))
                 file.replace(at, 2, names[j]);
     return files;
 }

@@ -14,7 +14,11 @@
 
 namespace kt::mbcs {
 
-inline bool IsLead(char byte) { return sys::IsLeadByte(static_cast<unsigned char>(byte)); }
+// No code page has a lead byte below 0x80: ASCII text needs no question.
+inline bool IsLead(char byte) {
+    return static_cast<unsigned char>(byte) >= 0x80 &&
+           sys::IsLeadByte(static_cast<unsigned char>(byte));
+}
 
 // Bytes of the character at `p`: 0 at the terminator, else 1 or 2.
 inline unsigned CharSize(const char* p) {

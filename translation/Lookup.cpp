@@ -143,5 +143,6 @@ const KTWCHAR* Supp_Translate(const KTWCHAR* text, const KTWCHAR* prefix) {
 const KTWCHAR* Supp_Translate(const char* text) {
     if (IsEmpty(text))
         return nullptr;
-    return SuppDictionary().Add(text, text)->WideForm();
+    const CXString source(text);
+    return SuppDictionary().Add(source, source)->WideForm();
 }

@@ -1,6 +1,5 @@
 #include "translation/SuppDictionary.h"
 
-#include <string>
 
 #include "kticore/translation/Translation.h"
 #include "platform/DialogFont.h"
@@ -30,9 +29,12 @@ CSuppDictionary dictionary;
 }  // namespace
 
 const KTWCHAR* CContext::WideForm() {
-    if (wide.GetLength() == 0) {
+    const auto isEmpty = [](const CXStringW& text) {
+        return *static_cast<const KTWCHAR*>(text) == 0;
+    };
+    if (isEmpty(wide)) {
         hostMultiByteToUnicode(value, wide);
-        if (wide.GetLength() == 0)
+        if (isEmpty(wide))
             wide = CXStringW(static_cast<const char*>(key));
     }
     return wide;
@@ -55,11 +57,14 @@ CSuppDictionary::CSuppDictionary() {
 CSuppDictionary::~CSuppDictionary() = default;
 
 CContext* CSuppDictionary::Find(const KTWCHAR* text) {
+    // An empty dictionary answers without making its table.
+    if (texts.GetCount() == 0)
+        return nullptr;
     CContext* entry = nullptr;
     return texts.Lookup(text, entry) ? entry : nullptr;
 }
 
-CContext* CSuppDictionary::Add(const char* key, const char* value) {
+CContext* CSuppDictionary::Add(const CXString& key, const CXString& value) {
     const CXStringW wideKey(key);
     if (CContext* existing = Find(wideKey))
         return existing;

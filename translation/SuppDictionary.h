@@ -40,6 +40,10 @@ struct KTDlgPos {
 
 constexpr int kFontNameCapacity = 256;
 
+// Buckets of the texts: a dictionary holds up to some 100,000 entries, and a
+// lookup walks one chain, so the chains must stay short.
+constexpr DWORD kTextBuckets = 65521;
+
 struct KTCORE_API CSuppDictionary {
     // Chooses the font of translated dialogs from the system's.
     CSuppDictionary();
@@ -51,7 +55,7 @@ struct KTCORE_API CSuppDictionary {
     CContext* Find(const KTWCHAR* text);
     // A new entry under the wide form of `key`, unless one of that hash is
     // there already (the first definition wins); the entry of that hash.
-    CContext* Add(const char* key, const char* value);
+    CContext* Add(const CXString& key, const CXString& value);
 
     // The code page that values are read in, 0 for the process's ANSI code
     // page. It is the code page in which narrow text becomes wide text
@@ -65,7 +69,7 @@ struct KTCORE_API CSuppDictionary {
     KTWCHAR fontName[kFontNameCapacity] = {};
     BYTE replaceFont = 1;
     HFONT font = nullptr;
-    CTMap<const KTWCHAR*, CContext*> texts;
+    CTMap<const KTWCHAR*, CContext*> texts{nullptr, kTextBuckets};
     CTMap<int, KTDlgPos*> dialogs;
 };
 

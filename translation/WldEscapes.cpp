@@ -1,7 +1,5 @@
 #include "translation/WldEscapes.h"
 
-#include <string>
-
 #include "strings/MultiByteText.h"
 
 namespace kt {
@@ -24,29 +22,33 @@ char Escaped(char letter) {
 
 }  // namespace
 
-CXString UndoWldEscapes(const char* text) {
-    std::string out;
+void UndoWldEscapes(const char* text, size_t size, std::string& out) {
+    out.clear();
+    const char* const end = text + size;
+    const char* run = text;  // the bytes since the last escape, copied as they stand
     // A backslash is never a lead byte, so one met at a character's start is
-    // a character of its own.
-    for (const char* p = text; *p != 0;) {
+    // a character of its own. A lead byte as the last byte is one character.
+    for (const char* p = text; p < end;) {
         if (*p != '\\') {
-            const unsigned size = mbcs::CharSize(p);
-            out.append(p, size);
-            p += size;
+            p += mbcs::IsLead(*p) && p + 1 < end ? 2 : 1;
             continue;
         }
-        while (*p == '\\')
+        out.append(run, p);
+        while (p < end && *p == '\\')
             ++p;
-        if (*p == 0)
+        if (p == end) {
+            run = end;
             break;
+        }
         if (const char control = Escaped(*p)) {
             out += control;
             ++p;
         } else {
             out += '\\';
         }
+        run = p;
     }
-    return CXString(out.c_str());
+    out.append(run, end);
 }
 
 }  // namespace kt

@@ -3,13 +3,16 @@
 // the code of a backslash escapes nothing.
 #pragma once
 
-#include "kticore/strings/XString.h"
+#include <string>
+
+#include "kticore/platform/Platform.h"
 
 namespace kt {
 
-// A run of backslashes counts as one; before n, r or t it makes LF, CR or
-// TAB; before any other character it stays with it; at the end it is
-// dropped. A literal backslash before n, r or t cannot be written.
-KTCORE_API CXString UndoWldEscapes(const char* text);
+// `size` bytes of `text` into `out`, escapes undone. A run of backslashes
+// counts as one; before n, r or t it makes LF, CR or TAB; before any other
+// character it stays with it; at the end it is dropped. A literal backslash
+// before n, r or t cannot be written.
+KTCORE_API void UndoWldEscapes(const char* text, size_t size, std::string& out);
 
 }  // namespace kt

@@ -1,10 +1,9 @@
 #include "translation/WldReader.h"
 
 #include <cstdlib>
-#include <cstring>
-#include <string>
 
 #include "platform/MultiByte.h"
+#include "strings/CaseMapping.h"
 #include "strings/MultiByteText.h"
 #include "translation/WldEscapes.h"
 
@@ -12,13 +11,19 @@ namespace kt {
 
 namespace {
 
-bool IsSpaceAt(const char* p) { return sys::IsSpaceCharacter(mbcs::CodeAt(p)); }
+// _ismbcspace: ASCII answers for itself, other characters ask the code page.
+bool IsSpaceAt(const char* p) {
+    if (static_cast<unsigned char>(*p) < 0x80)
+        return text::IsSpaceByte(*p);
+    return sys::IsSpaceCharacter(mbcs::CodeAt(p));
+}
 
-// The string that a line holds: the line stripped of white space at both
-// ends, by characters, without its first and its last character, which are
-// taken to be the quotes. False for a comment and for a line that does not
-// begin with a quote or is shorter than two characters.
-bool StringOfLine(const char* line, CXString& text) {
+// The string that a line holds, as the range [first, last): the line
+// stripped of white space at both ends, by characters, without its first and
+// its last character, which are taken to be the quotes. False for a comment
+// and for a line that does not begin with a quote or is shorter than two
+// characters.
+bool StringOfLine(const char* line, const char*& first, const char*& last) {
     if (line[0] == ';')
         return false;
     const char* start = line;
@@ -26,14 +31,12 @@ bool StringOfLine(const char* line, CXString& text) {
         start = mbcs::Next(start);
     if (*start != '"')
         return false;
-    const char* last = start;  // the last character that is not white space
+    last = start;  // the last character that is not white space
     for (const char* p = start; *p != 0; p = mbcs::Next(p))
         if (!IsSpaceAt(p))
             last = p;
-    if (last == start)
-        return false;
-    text = CXString(std::string(start + 1, last).c_str());
-    return true;
+    first = start + 1;
+    return last != start;
 }
 
 }  // namespace
@@ -41,8 +44,6 @@ bool StringOfLine(const char* line, CXString& text) {
 WldReader::WldReader(IXFile* file) : file(file) {}
 
 bool WldReader::Next(CXString& key, CXString& value) {
-    CXString rawKey;
-    CXString rawValue;
     if (ended || NextString(rawKey) != Line::String) {
         ended = true;
         return false;
@@ -52,22 +53,28 @@ bool WldReader::Next(CXString& key, CXString& value) {
         rawValue = rawKey;
         ended = valueLine == Line::End;
     }
-    if (std::strcmp(rawKey, kWldLanguageKey) == 0)
-        languageId = static_cast<unsigned>(std::atoi(rawValue));
-    key = UndoWldEscapes(rawKey);
-    value = UndoWldEscapes(rawValue);
+    if (rawKey == kWldLanguageKey)
+        languageId = static_cast<unsigned>(std::atoi(rawValue.c_str()));
+    UndoWldEscapes(rawKey.data(), rawKey.size(), unescaped);
+    key = unescaped.c_str();
+    UndoWldEscapes(rawValue.data(), rawValue.size(), unescaped);
+    value = unescaped.c_str();
     return true;
 }
 
-WldReader::Line WldReader::NextString(CXString& text) {
+WldReader::Line WldReader::NextString(std::string& text) {
     for (;;) {
         const DWORD before = file->GetPosition();
         // Nothing before the line feed, or nothing at all: an empty line has
         // moved the position by its line feed, the end of the file has not.
         if (file->ReadLine(line, kWldLineCapacity) == 0)
             return file->GetPosition() != before ? Line::Empty : Line::End;
-        if (StringOfLine(line, text))
+        const char* first = nullptr;
+        const char* last = nullptr;
+        if (StringOfLine(line, first, last)) {
+            text.assign(first, last);
             return Line::String;
+        }
     }
 }
 

@@ -3,6 +3,8 @@
 // ignored lines, an empty line or the end of the file closing the dictionary.
 #pragma once
 
+#include <string>
+
 #include "kticore/files/File.h"
 #include "kticore/strings/XString.h"
 
@@ -34,10 +36,14 @@ private:
 
     // Reads lines until one holds a string, or until an empty line or the
     // end of the file.
-    Line NextString(CXString& text);
+    Line NextString(std::string& text);
 
     IXFile* file;
     char line[kWldLineCapacity + 1];
+    // The pair as the file holds it, and a text with its escapes undone.
+    std::string rawKey;
+    std::string rawValue;
+    std::string unescaped;
     bool ended = false;
     unsigned languageId = 0;
 };

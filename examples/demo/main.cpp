@@ -409,6 +409,44 @@ void ProfileFile() {
     Fio_DeleteFile(temporary.c_str());
 }
 
+// A dictionary and its layout file, as a translator delivers them: the wld
+// translates texts, plainly or for one resource of one module; the dlg
+// enlarges dialog 100 of demo.dll and widens its fourth control.
+void Translation() {
+    Step("Translation: texts from a plain text dictionary, switched on and off");
+    const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
+    const std::basic_string<KTWCHAR> dictionary = temporary + KTW(".wld");
+    const std::basic_string<KTWCHAR> layouts = temporary + KTW(".dlg");
+    WriteTextFile(dictionary,
+                  "; French for the demo\n"
+                  "\"KT_WLD_LANG_ID\"\n\"1036\"\n"
+                  "\"Open\"\n\"Ouvrir\"\n"
+                  "; the same text in dialog 100 of demo.dll\n"
+                  "\"demo.dll#1#100Open\"\n\"Ouvrir le fichier\"\n"
+                  "\"Line one\\nline two\"\n\"Ligne un\\nligne deux\"\n");
+    WriteTextFile(layouts, "[\\demo.dll\\Dialogs\\#100]\r\nDialog Size=z20,10\r\n3=t0,0,10,0\r\n");
+    const int loaded = Supp_Init(dictionary.c_str());
+    std::printf("   Supp_Init: %d, code page of the translations: %lu\n", loaded, Supp_GetACP());
+    const KTWCHAR* const dialogKey = KTW("demo.dll#1#100");
+    std::printf("   Open                  -> %s\n", Narrow(Supp_Translate(KTW("Open"))).c_str());
+    std::printf("   Open in dialog 100    -> %s\n",
+                Narrow(Supp_Translate(KTW("Open"), dialogKey)).c_str());
+    std::printf("   Close in dialog 100   -> %s (no translation: the text itself)\n",
+                Narrow(Supp_Translate(KTW("Close"), dialogKey)).c_str());
+    std::string twoLines = Narrow(Supp_Translate("Line one\nline two"));
+    twoLines.replace(twoLines.find('\n'), 1, " | ");
+    std::printf("   an escaped line feed  -> %s\n", twoLines.c_str());
+    Supp_SetTranslationEnable(0);
+    std::printf("   switched off: %d; resources now load untranslated\n",
+                Supp_IsTranslationEnable());
+    Supp_SetTranslationEnable(1);
+    std::printf("   switched on again: %d\n", Supp_IsTranslationEnable());
+    std::printf("   font of translated dialogs: %s\n",
+                Supp_GetFont() != nullptr ? "the system's" : "MS Shell Dlg");
+    for (const auto& name : {dictionary, layouts, temporary})
+        Fio_DeleteFile(name.c_str());
+}
+
 // A dialog template in memory, written as a resource compiler writes the
 // extended form: header, menu, class, title, font, then the items, each on a
 // multiple of 4 from the template's start.
@@ -519,20 +557,16 @@ void DialogTemplates() {
     const std::basic_string<KTWCHAR> wld = temporary + KTW(".wld"), dlg = temporary + KTW(".dlg");
     const char dictionary[] =
         "; the demo's dictionary\n"
-        "\"Options\"\n\"Einstellungen\"\n"
-        "\"OK\"\n\"Gut\"\n"
-        "\"demo.dll#1#100Cancel\"\n\"Abbrechen, nur hier\"\n";
+        "\"Options\"\n\"Preferences\"\n"
+        "\"OK\"\n\"D'accord\"\n"
+        "\"demo.dll#1#100Cancel\"\n\"Annuler, ici seulement\"\n";
     const char layout[] =
         "[\\demo.dll\\Dialogs\\#100]\n"
         "Dialog Size=z40,0\n"
         "1=t10,0,10,0\n"
         "2=t20,0,60,0\n";
-    for (const auto& [name, text] : {std::make_pair(wld, dictionary), std::make_pair(dlg, layout)}) {
-        IXOutFile* file = Fio_OpenOut(name.c_str(), 0);
-        file->Write(text, static_cast<DWORD>(std::strlen(text)));
-        file->Commit();
-        file->Release();
-    }
+    WriteTextFile(wld, dictionary);
+    WriteTextFile(dlg, layout);
     std::printf("   Supp_AddWld: %d\n", Supp_AddWld(wld.c_str()));
 
     const std::vector<unsigned char> original = OptionsDialog();
@@ -572,6 +606,7 @@ int main() {
     Files();
     ParameterTrees();
     ProfileFile();
+    Translation();
     DialogTemplates();
     std::printf("\ndone\n");
     return 0;

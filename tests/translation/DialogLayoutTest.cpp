@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <ostream>
 #include <string>
 
 #include "kticore/translation/Translation.h"
@@ -29,7 +30,18 @@ struct Layout {
     int cx = 0;
     int cy = 0;
     std::map<int, Edges> items;
+
+    bool operator==(const Layout& other) const {
+        return found == other.found && cx == other.cx && cy == other.cy && items == other.items;
+    }
 };
+
+void PrintTo(const Layout& layout, std::ostream* out) {
+    *out << (layout.found ? "size " : "none, size ") << layout.cx << "," << layout.cy << ", items";
+    for (const auto& [position, edges] : layout.items)
+        *out << " " << position << "=(" << edges.left << "," << edges.top << "," << edges.right
+             << "," << edges.bottom << ")";
+}
 
 Layout LayoutOf(const char* key) {
     Layout layout;
@@ -63,11 +75,7 @@ TEST_F(DialogLayouts, AreFoundByTheCaseBlindKeyOfTheDialog) {
     ASSERT_EQ(Load("a.dlg",
                    "[\\Layout-Case.DLL\\Dialogs\\#100]\r\nDialog Size=z20,10\r\n3=t0,0,10,0\r\n"),
               1);
-    const Layout layout = LayoutOf("layout-case.dll#1#100");
-    ASSERT_TRUE(layout.found);
-    EXPECT_EQ(layout.cx, 20);
-    EXPECT_EQ(layout.cy, 10);
-    EXPECT_EQ(layout.items, (std::map<int, Edges>{{3, {0, 0, 10, 0}}}));
+    EXPECT_EQ(LayoutOf("layout-case.dll#1#100"), (Layout{true, 20, 10, {{3, {0, 0, 10, 0}}}}));
 }
 
 TEST_F(DialogLayouts, KeepRectanglesOnlyAndNameDialogsByText) {
@@ -83,16 +91,11 @@ TEST_F(DialogLayouts, KeepRectanglesOnlyAndNameDialogsByText) {
                    "[\\layout-kinds.dll\\Menus\\#7]\r\n"
                    "1=t1,1,1,1\r\n"),
               1);
-    const Layout main = LayoutOf("layout-kinds.dll#1#Main");
-    ASSERT_TRUE(main.found);
-    EXPECT_EQ(main.cx, 0);
-    EXPECT_EQ(main.cy, 0);
-    EXPECT_EQ(main.items, (std::map<int, Edges>{{0, {1, 2, 3, 4}}, {7, {-1, -2, 3, 4}}}));
-    EXPECT_EQ(LayoutOf("layout-kinds.dll#1#Named").items,
-              (std::map<int, Edges>{{0, {5, 6, 7, 8}}}));
-    const Layout empty = LayoutOf("layout-kinds.dll#1#9");
-    EXPECT_TRUE(empty.found) << "a dialog without values still has a layout";
-    EXPECT_TRUE(empty.items.empty());
+    EXPECT_EQ(LayoutOf("layout-kinds.dll#1#Main"),
+              (Layout{true, 0, 0, {{0, {1, 2, 3, 4}}, {7, {-1, -2, 3, 4}}}}));
+    EXPECT_EQ(LayoutOf("layout-kinds.dll#1#Named"), (Layout{true, 0, 0, {{0, {5, 6, 7, 8}}}}));
+    EXPECT_EQ(LayoutOf("layout-kinds.dll#1#9"), (Layout{true, 0, 0, {}}))
+        << "a dialog without values still has a layout";
     EXPECT_FALSE(LayoutOf("layout-kinds.dll#1#7").found);
     EXPECT_FALSE(LayoutOf("layout-kinds.dll#2#7").found);
 }
@@ -102,9 +105,7 @@ TEST_F(DialogLayouts, ASecondDefinitionReplacesTheFirst) {
         Load("a.dlg", "[\\layout-again.dll\\Dialogs\\#1]\r\nDialog Size=z5,5\r\n1=t1,1,1,1\r\n"),
         1);
     ASSERT_EQ(Load("b.dlg", "[\\LAYOUT-AGAIN.DLL\\Dialogs\\#1]\r\n2=t2,2,2,2\r\n"), 1);
-    const Layout layout = LayoutOf("layout-again.dll#1#1");
-    EXPECT_EQ(layout.cx, 0);
-    EXPECT_EQ(layout.items, (std::map<int, Edges>{{2, {2, 2, 2, 2}}}));
+    EXPECT_EQ(LayoutOf("layout-again.dll#1#1"), (Layout{true, 0, 0, {{2, {2, 2, 2, 2}}}}));
 }
 
 TEST_F(DialogLayouts, AMissingFileLoadsNothing) {

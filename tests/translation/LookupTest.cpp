@@ -76,12 +76,6 @@ TEST(Lookup, AnEmptyValueTranslatesToItsKey) {
     EXPECT_EQ(Wide(Supp_Translate(W("lookup-empty-value").c_str())), W("lookup-empty-value"));
 }
 
-TEST(Lookup, TheFirstDefinitionOfAKeyWins) {
-    Define("lookup-twice", "first");
-    Define("lookup-twice", "second");
-    EXPECT_EQ(Wide(Supp_Translate(W("lookup-twice").c_str())), W("first"));
-}
-
 TEST(Lookup, TwoKeysWithOneHashAreOneKey) {
     // h = h * 257 + c in 32 bits gives both 1991880547.
     Define("key-aeaea", "first");

@@ -33,21 +33,26 @@ protected:
 };
 
 TEST_F(WldFiles, JapaneseAndRussianValuesComeOutAsWideText) {
-    ASSERT_EQ(Supp_AddWld(File("ja.wld",
-                               "\"KT_WLD_LANG_ID\"\n\"1041\"\n"
-                               "\"wld-hello-ja\"\n\"\x82\xB1\x82\xF1\x82\xC9\x82\xBF\x82\xCD\"\n")
-                              .c_str()),
-              1);
-    EXPECT_EQ(Supp_GetACP(), 932u);
-    EXPECT_EQ(Translated("wld-hello-ja"), WideString(KTW("\u3053\u3093\u306B\u3061\u306F")));
-
-    ASSERT_EQ(Supp_AddWld(File("ru.wld",
-                               "\"KT_WLD_LANG_ID\"\n\"1049\"\n"
-                               "\"wld-hello-ru\"\n\"\xCF\xF0\xE8\xE2\xE5\xF2\"\n")
-                              .c_str()),
-              1);
-    EXPECT_EQ(Supp_GetACP(), 1251u);
-    EXPECT_EQ(Translated("wld-hello-ru"), WideString(KTW("\u041F\u0440\u0438\u0432\u0435\u0442")));
+    struct Language {
+        const char* locale;
+        unsigned long codePage;
+        const char* key;
+        const char* value;
+        WideString wide;
+    };
+    const Language languages[] = {
+        {"1041", 932, "wld-hello-ja", "\x82\xB1\x82\xF1\x82\xC9\x82\xBF\x82\xCD",
+         KTW("\u3053\u3093\u306B\u3061\u306F")},
+        {"1049", 1251, "wld-hello-ru", "\xCF\xF0\xE8\xE2\xE5\xF2",
+         KTW("\u041F\u0440\u0438\u0432\u0435\u0442")},
+    };
+    for (const Language& language : languages) {
+        const std::string text = std::string("\"KT_WLD_LANG_ID\"\n\"") + language.locale +
+                                 "\"\n\"" + language.key + "\"\n\"" + language.value + "\"\n";
+        ASSERT_EQ(Supp_AddWld(File("language.wld", text).c_str()), 1);
+        EXPECT_EQ(Supp_GetACP(), language.codePage);
+        EXPECT_EQ(Translated(language.key), language.wide);
+    }
 }
 
 TEST_F(WldFiles, KeysAreReadInTheCodePageBeforeTheFileValuesInTheOneAtFirstUse) {
