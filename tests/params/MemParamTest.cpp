@@ -234,7 +234,7 @@ TEST(MemParamInterfaces, AnswersForWhatIsRegisteredOnly) {
     EXPECT_EQ(other.References(), 2u);
     EXPECT_EQ(tree->QueryInterface(typeid(IParam), nullptr), 1);
     EXPECT_EQ(other.References(), 2u);  // a pure test adds nothing
-    kt::test::CCounted replacement;  // entered without a reference
+    kt::test::CCounted replacement;     // entered without a reference
     EXPECT_EQ(reg->RegisterInterface(&replacement, typeid(IParam), 0), 1);
     EXPECT_EQ(other.References(), 1u);
     EXPECT_EQ(reg->RegisterInterface(nullptr, typeid(IParam), 0), 1);

@@ -61,9 +61,9 @@ public:
 
 // A back end that lists the names it is given, finds none of its values,
 // and has one sub-section, which it gives out by any name. It writes down
-// each call as "label.Operation(name)", with what `watched` holds at that
-// moment behind a value's name, and throws a file failure at the one call
-// it is told to.
+// each call as "label.Operation(name)", a value's with "@" and the length of
+// `watched` at that moment, and throws a file failure at the one call it is
+// told to.
 class CScriptedTree final : public CKTUnknownImpl<IParam> {
 public:
     struct Script {
@@ -74,8 +74,11 @@ public:
 
     CScriptedTree(Script& script, const char* label, std::vector<const char*> sections,
                   std::vector<const char*> values, IParam* child = nullptr)
-        : script(script), label(label), sections(std::move(sections)),
-          values(std::move(values)), child(child) {}
+        : script(script),
+          label(label),
+          sections(std::move(sections)),
+          values(std::move(values)),
+          child(child) {}
 
     IParam* CreateSection(const char* name) override { return Child("CreateSection", name); }
     IParam* GetSection(const char* name, int) override { return Child("GetSection", name); }
@@ -132,14 +135,8 @@ TEST(StreamForm, EmptySectionsAreTwoZeroBytesEach) {
 TEST(StreamForm, AValueIsItsNameAndTheStoredVariant) {
     auto tree = NewTree();
     Set(tree.get(), "v", CKTVariant("xy"));
-    Ref<IXStream> variant(new_StreamOnMemory());
-    const CKTVariant value("xy");
-    variant->WriteVariant(&value);
-    Bytes expected = Text(std::string("\0v\0", 3));
-    const Bytes stored = AllBytes(variant.get());
-    expected.insert(expected.end(), stored.begin(), stored.end());
-    expected.push_back(0);
-    EXPECT_EQ(Saved(tree.get()), expected);
+    EXPECT_EQ(Saved(tree.get()),
+              Text(std::string("\0v\0", 3)) + VariantForm(CKTVariant("xy")) + Zeros(1));
 }
 
 TEST(StreamForm, ALoadReplacesAndAnEmptyStreamEmpties) {
@@ -228,7 +225,8 @@ TEST(StreamForm, ASaveWritesEachNameFirstAndAFailureEndsOnlyItsLevel) {
     const size_t behindV = named.size() + childForm.size() + 1 + 2;
     EXPECT_EQ(ScriptedSave("").script.calls,
               "root.EnumSections root.GetSection(s) s.EnumSections s.EnumValues s.GetValue(w)@5 "
-              "root.EnumValues root.GetValue(v)@" + std::to_string(behindV) + " ");
+              "root.EnumValues root.GetValue(v)@" +
+                  std::to_string(behindV) + " ");
 }
 
 // A file failure while a level is emptied ends that level with 0, and the
