@@ -33,6 +33,11 @@ DWORD CMemFile::Read(void* buffer, DWORD count) {
     return copied;
 }
 
+void CMemFile::CheckTypedRead(DWORD got, DWORD) {
+    if (got == 0)
+        throw CXException(XE_END_OF_FILE);
+}
+
 void CMemFile::Write(const void* buffer, DWORD count) {
     if (buffer == nullptr || count == 0)
         return;

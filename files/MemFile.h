@@ -28,6 +28,11 @@ public:
     DWORD GetLength() override { return size; }
     const KTWCHAR* GetName() override;
 
+protected:
+    // A value cut short holds the bytes that came: only a read of nothing is
+    // the end of the buffer.
+    void CheckTypedRead(DWORD got, DWORD wanted) override;
+
 private:
     void GrowTo(std::uint64_t needed);
 

@@ -70,13 +70,18 @@ protected:
         return target;
     }
 
-    // Throws XE_END_OF_FILE with operation 1 when bytes are missing; those
-    // that were there are consumed.
+    // What a typed read that got `got` of `wanted` bytes does. A file throws
+    // XE_END_OF_FILE with operation 1 when bytes are missing; those that
+    // were there are consumed.
+    virtual void CheckTypedRead(DWORD got, DWORD wanted) {
+        if (got < wanted)
+            throw CXFileException(XE_END_OF_FILE, this->GetName(), XFILEOP_READ);
+    }
+
     template <class T>
     T ReadValue() {
         T value{};
-        if (this->Read(&value, sizeof value) < sizeof value)
-            throw CXFileException(XE_END_OF_FILE, this->GetName(), XFILEOP_READ);
+        CheckTypedRead(this->Read(&value, sizeof value), sizeof value);
         return value;
     }
 

@@ -27,4 +27,12 @@ private:
     T* object;
 };
 
+// A reference of the caller's own on an object it was handed, if any.
+template <class T>
+Held<T> HoldAnother(T* object) {
+    if (object != nullptr)
+        object->AddRef();
+    return Held<T>(object);
+}
+
 }  // namespace kt::params

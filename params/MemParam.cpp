@@ -27,16 +27,16 @@ void CMemParam::NameList::Append(const char* name) {
         delete[] copy;
 }
 
-bool CMemParam::NameList::Take(const char* name) {
+std::unique_ptr<const char[]> CMemParam::NameList::Take(const char* name) {
     for (auto* node = First(); node != nullptr; node = Next(node)) {
         if (CompareNoCase(node->value, name) != 0)
             continue;
         Remove(node);
-        delete[] node->value;
+        std::unique_ptr<const char[]> taken(node->value);
         delete node;
-        return true;
+        return taken;
     }
-    return false;
+    return nullptr;
 }
 
 void CMemParam::NameList::Empty() {
@@ -118,14 +118,15 @@ IParam* CMemParam::GetSection(const char* path, int create) {
 }
 
 // A path through a `\` only empties its section; a name of this section
-// takes it out as well.
+// takes it out as well. `path` may be the list's own copy of the name (an
+// enumerator hands those out): it stays alive until the map is done with it.
 void CMemParam::DeleteSection(const char* path) {
     IParam* section = GetSection(path, 0);
     if (section != nullptr) {
         section->Clear();
         section->Release();
     }
-    if (sectionNames.Take(path))
+    if (const auto taken = sectionNames.Take(path))
         sections.Remove(path);
 }
 

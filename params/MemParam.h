@@ -4,6 +4,8 @@
 // hash are one entry.
 #pragma once
 
+#include <memory>
+
 #include "kticore/core/ListEnum.h"
 #include "kticore/core/Map.h"
 #include "params/RegisteredInterfaces.h"
@@ -43,9 +45,10 @@ private:
         ULONG InternalAddRef() override { return owner.AddRef(); }
         ULONG InternalRelease() override { return owner.Release(); }
         void Append(const char* name);
-        // Takes out the first name equal to `name` without regard to case;
-        // false when there is none.
-        bool Take(const char* name);
+        // Takes out the first name equal to `name` without regard to case
+        // and hands over its copy, which may be `name` itself; null when
+        // there is none.
+        std::unique_ptr<const char[]> Take(const char* name);
         // Empties the list and opens it again for new names.
         void Empty();
 

@@ -1,8 +1,12 @@
 // The stream form of a tree: for each sub-section its name and its own form,
 // an empty name; for each value its name and the stored variant, an empty
-// name. No header, no lengths.
+// name. No header, no lengths. Both directions walk the tree with a work list
+// of their own rather than by recursion, so that a tree of any depth goes
+// with a flat stack.
 #include <cstring>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "kticore/core/Exception.h"
 #include "kticore/objects/Persist.h"
@@ -12,6 +16,7 @@
 namespace {
 
 using kt::params::Held;
+using kt::params::HoldAnother;
 using NameEnum = CTEnum<const char*>;
 
 // A name is read back with this limit, terminator included, and ends at a
@@ -19,13 +24,6 @@ using NameEnum = CTEnum<const char*>;
 constexpr int kNameLimit = 1024;
 // A memory stream's ReadLine writes up to two bytes behind the limit.
 constexpr int kNameBufferSize = kNameLimit + 2;
-
-// Sections nest no deeper than this in the stream form, on the way out and
-// on the way in, so that neither walks the stack out.
-constexpr int kNestingLimit = 1000;
-
-// A form nested deeper than the limit: the whole load fails.
-struct TooDeep {};
 
 // A stored object's class name is read back as a line with this limit,
 // terminator included, and must not be empty.
@@ -36,8 +34,10 @@ bool FitsLine(const char* text, int limit) {
     return std::strlen(text) < static_cast<size_t>(limit - 1) && std::strchr(text, '\n') == nullptr;
 }
 
+// A name that would read back as another is refused: the empty name would
+// end its list, and one too long or with a line feed would be cut.
 void WriteName(IXStream* stream, const char* name) {
-    if (!FitsLine(name, kNameLimit))
+    if (name == nullptr || *name == 0 || !FitsLine(name, kNameLimit))
         throw CXException(XE_BAD_ARGUMENT);
     stream->WriteString(name);
 }
@@ -58,33 +58,75 @@ void CheckStorable(const CKTVariant& value) {
         throw CXException(XE_BAD_ARGUMENT);
 }
 
-int SaveLevel(IXStream* stream, IParam* param, int depth) {
-    if (depth > kNestingLimit)
-        throw CXException(XE_BAD_ARGUMENT);
-    Held<NameEnum> sections(param != nullptr ? param->EnumSections() : nullptr);
-    Held<NameEnum> values(param != nullptr ? param->EnumValues() : nullptr);
-    try {
-        const char* name = nullptr;
-        while (sections && sections->Next(1, &name, nullptr)) {
-            if (name == nullptr || *name == 0)
+// Walks the levels of a tree from `top` down with a work list. `advance`
+// goes on with the innermost level: true when it has filled `below` with the
+// level to go into next, false when its own level is done. Whatever escapes
+// it ends that level alone: `fail`, called in the handler, rethrows what it
+// does not take and otherwise gives the level's result. The walk's result
+// is that of the top level.
+template <class Level, class Advance, class Fail>
+int WalkLevels(Level top, Advance advance, Fail fail) {
+    std::vector<Level> levels;
+    levels.push_back(std::move(top));
+    int result = 1;
+    while (!levels.empty()) {
+        try {
+            Level below;
+            if (advance(levels.back(), below)) {
+                levels.push_back(std::move(below));
                 continue;
-            WriteName(stream, name);
-            Held<IParam> section(param->GetSection(name, 0));
-            SaveLevel(stream, section.get(), depth + 1);
+            }
+        } catch (...) {
+            const int failed = fail(levels.back());
+            if (levels.size() == 1)
+                result = failed;
         }
-        stream->WriteString("");
-        while (values && values->Next(1, &name, nullptr)) {
-            CKTVariant value;
-            param->GetValue(name, &value);
-            CheckStorable(value);
-            WriteName(stream, name);
-            stream->WriteVariant(&value);
-        }
-        stream->WriteString("");
-        return 1;
-    } catch (const CXFileException&) {
-        return 0;
+        levels.pop_back();
     }
+    return result;
+}
+
+struct SavedSection {
+    SavedSection() = default;
+    explicit SavedSection(IParam* top) : param(HoldAnother(top)) {}
+
+    Held<IParam> param;  // null for a section that was listed but not found
+    Held<NameEnum> sections;
+    bool begun = false;
+};
+
+void WriteValues(IXStream* stream, IParam* param) {
+    Held<NameEnum> values(param != nullptr ? param->EnumValues() : nullptr);
+    const char* name = nullptr;
+    while (values && values->Next(1, &name, nullptr)) {
+        WriteName(stream, name);
+        CKTVariant value;  // stays empty for a value that is not found
+        param->GetValue(name, &value);
+        CheckStorable(value);
+        stream->WriteVariant(&value);
+    }
+}
+
+// Writes the form of `level` on: up to the name of its next sub-section,
+// which goes into `below`, or to its end.
+bool WriteUpToNextSection(IXStream* stream, SavedSection& level, SavedSection& below) {
+    IParam* param = level.param.get();
+    if (!level.begun) {
+        level.begun = true;
+        level.sections.Reset(param != nullptr ? param->EnumSections() : nullptr);
+    }
+    const char* name = nullptr;
+    while (level.sections && level.sections->Next(1, &name, nullptr)) {
+        if (name == nullptr || *name == 0)
+            continue;  // left out, with all below it
+        WriteName(stream, name);
+        below.param.Reset(param->GetSection(name, 0));
+        return true;
+    }
+    stream->WriteString("");
+    WriteValues(stream, param);
+    stream->WriteString("");
+    return false;
 }
 
 void Empty(IParam* param) {
@@ -92,46 +134,84 @@ void Empty(IParam* param) {
     param->DeleteAllValues();
 }
 
-int LoadLevel(IXStream* stream, IParam* param, char* name, int depth) {
-    Empty(param);
-    try {
-        const unsigned length = stream->GetLength();
-        if (length == 0)
-            return 1;
-        while (stream->GetPosition() < length && stream->ReadLine(name, kNameLimit) >= 2) {
-            if (depth >= kNestingLimit)
-                throw TooDeep();
-            Held<IParam> section(param->CreateSection(name));
-            LoadLevel(stream, section.get(), name, depth + 1);
-        }
-        while (stream->GetPosition() < length && stream->ReadLine(name, kNameLimit) >= 2) {
-            CKTVariant value;
-            stream->ReadVariant(&value);
-            param->SetValue(name, &value);
-        }
-    } catch (const CXEofException&) {
-        // A cut stream: what has been read stays.
-    } catch (const CXMemException&) {
-        throw;
-    } catch (const CXException&) {
-        // A failing stream, or stored data that does not hold together (an
-        // object longer than what is left of the stream).
+struct LoadedSection {
+    LoadedSection() = default;
+    explicit LoadedSection(IParam* top) : param(HoldAnother(top)) {}
+
+    Held<IParam> param;
+    bool begun = false;
+    unsigned length = 0;
+    bool readingValues = false;
+};
+
+// The next name of a list into `name`; false at its end, the empty name, or
+// at the end of the stream.
+bool ReadName(IXStream* stream, unsigned length, char* name) {
+    return stream->GetPosition() < length && stream->ReadLine(name, kNameLimit) >= 2;
+}
+
+// Reads the form of `level` on: up to its next sub-section, which it makes
+// and puts into `below`, or to its end.
+bool ReadUpToNextSection(IXStream* stream, char* name, LoadedSection& level, LoadedSection& below) {
+    IParam* param = level.param.get();
+    if (!level.begun) {
+        level.begun = true;
         Empty(param);
-        return 0;
+        level.length = stream->GetLength();
     }
-    return 1;
+    if (!level.readingValues) {
+        if (ReadName(stream, level.length, name)) {
+            below.param.Reset(param->CreateSection(name));
+            return true;
+        }
+        level.readingValues = true;
+    }
+    while (ReadName(stream, level.length, name)) {
+        CKTVariant value;
+        stream->ReadVariant(&value);
+        param->SetValue(name, &value);
+    }
+    return false;
 }
 
 }  // namespace
 
-int SaveParamToXStream(IXStream* stream, IParam* param) { return SaveLevel(stream, param, 0); }
+int SaveParamToXStream(IXStream* stream, IParam* param) {
+    auto advance = [stream](SavedSection& level, SavedSection& below) {
+        return WriteUpToNextSection(stream, level, below);
+    };
+    auto fail = [](SavedSection&) {
+        try {
+            throw;
+        } catch (const CXFileException&) {
+            return 0;
+        }
+    };
+    return WalkLevels(SavedSection(param), advance, fail);
+}
 
 int LoadParamFromXStream(IXStream* stream, IParam* param) {
     const auto name = std::make_unique<char[]>(kNameBufferSize);
-    try {
-        return LoadLevel(stream, param, name.get(), 0);
-    } catch (const TooDeep&) {
-        Empty(param);
-        return 0;
-    }
+    auto advance = [stream, &name](LoadedSection& level, LoadedSection& below) {
+        return ReadUpToNextSection(stream, name.get(), level, below);
+    };
+    auto fail = [](LoadedSection& level) {
+        try {
+            throw;
+        } catch (const CXEofException&) {
+            return 1;  // a cut stream: what has been read stays
+        } catch (const CXMemException&) {
+            throw;
+        } catch (const CXException&) {
+            // A failing stream or tree, or stored data that does not hold
+            // together (an object longer than what is left of the stream).
+            try {
+                Empty(level.param.get());
+            } catch (const CXFileException&) {
+                // The level has failed already; what is left of it stays.
+            }
+            return 0;
+        }
+    };
+    return WalkLevels(LoadedSection(param), advance, fail);
 }

@@ -11,6 +11,7 @@
 namespace {
 
 using kt::params::Held;
+using kt::params::HoldAnother;
 using kt::params::NameEnum;
 
 // Calls `visit` with each name an enumerator gives; a null enumerator gives
@@ -29,12 +30,6 @@ NameEnum* Required(NameEnum* names) {
     if (names == nullptr)
         throw CXIFaceException(&typeid(NameEnum));
     return names;
-}
-
-// A reference of the walk's own on a section it was handed.
-Held<IParam> Hold(IParam* param) {
-    param->AddRef();
-    return Held<IParam>(param);
 }
 
 // One section of `a` and the section of the same path in `b`.
@@ -122,16 +117,16 @@ int Param_Cmp(IParam* a, IParam* b) {
     if (a == nullptr || b == nullptr)
         return 0;
     Comparison comparison;
-    kt::params::WalkSections(SectionPair{Hold(a), Hold(b)}, comparison);
+    kt::params::WalkSections(SectionPair{HoldAnother(a), HoldAnother(b)}, comparison);
     return comparison.equal ? 1 : 0;
 }
 
 void Param_CopyTo(IParam* from, IParam* to) {
     Copy copy;
-    kt::params::WalkSections(SectionPair{Hold(from), Hold(to)}, copy);
+    kt::params::WalkSections(SectionPair{HoldAnother(from), HoldAnother(to)}, copy);
 }
 
 void Dump_Param(IParam* param) {
     Dump dump;
-    kt::params::WalkSections(DumpedSection{Hold(param)}, dump);
+    kt::params::WalkSections(DumpedSection{HoldAnother(param)}, dump);
 }

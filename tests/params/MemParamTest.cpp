@@ -52,7 +52,9 @@ TEST(MemParamValues, AMissingValueLeavesTheCallersVariantAlone) {
     EXPECT_EQ(tree->GetValue("missing", &value), 0);
     EXPECT_EQ(tree->GetValue("no\\such", &value), 0);
     EXPECT_EQ(static_cast<int>(value), 42);
-    tree->DeleteValue("missing");  // no effect, no failure
+    Set(tree.get(), "kept", CKTVariant(1));
+    tree->DeleteValue("missing");
+    EXPECT_EQ(ValueNames(tree.get()), Names{"kept"});
 }
 
 TEST(MemParamValues, ValuesAreDeepCopiesInCreationOrder) {
@@ -187,6 +189,27 @@ TEST(MemParamSections, AWalkPassesOverNamesRemovedAheadOfIt) {
     }
 }
 
+// A name an enumerator hands out is the list's own copy, which the deletion
+// of its entry frees: it must not be read after that.
+TEST(MemParamSections, EntriesGoByTheNamesTheirEnumeratorsHandOut) {
+    auto tree = NewTree();
+    for (const char* name : {"a", "b", "c"}) {
+        Set(tree.get(), name, CKTVariant(1));
+        Ref<IParam>(tree->CreateSection(name));
+    }
+    auto deleteEach = [&](CTEnum<const char*>* names, void (IParam::*remove)(const char*)) {
+        const char* name = nullptr;
+        while (names->Next(1, &name, nullptr))
+            (tree.get()->*remove)(name);
+        names->Release();
+    };
+    deleteEach(tree->EnumValues(), &IParam::DeleteValue);
+    deleteEach(tree->EnumSections(), &IParam::DeleteSection);
+    EXPECT_TRUE(ValueNames(tree.get()).empty());
+    EXPECT_TRUE(SectionNames(tree.get()).empty());
+    EXPECT_EQ(tree->GetSection("b", 0), nullptr);
+}
+
 TEST(MemParamSections, ADeepTreeGoesWithoutExhaustingTheStack) {
     auto tree = NewTree();
     Ref<IParam> at(tree->CreateSection("s"));
@@ -211,8 +234,11 @@ TEST(MemParamInterfaces, AnswersForWhatIsRegisteredOnly) {
     EXPECT_EQ(other.References(), 2u);
     EXPECT_EQ(tree->QueryInterface(typeid(IParam), nullptr), 1);
     EXPECT_EQ(other.References(), 2u);  // a pure test adds nothing
-    EXPECT_EQ(reg->RegisterInterface(nullptr, typeid(IParam), 0), 1);
+    kt::test::CCounted replacement;     // entered without a reference
+    EXPECT_EQ(reg->RegisterInterface(&replacement, typeid(IParam), 0), 1);
     EXPECT_EQ(other.References(), 1u);
+    EXPECT_EQ(reg->RegisterInterface(nullptr, typeid(IParam), 0), 1);
+    EXPECT_EQ(replacement.References(), 1u);
     EXPECT_EQ(reg->RegisterInterface(nullptr, typeid(IParam), 0), 0);
 }
 

@@ -1,5 +1,6 @@
 // Comparing and copying trees through the interface, the round trips through
 // the text and the stream form, and the debug dump.
+#include <set>
 #include <string>
 
 #include "kticore/core/Exception.h"
@@ -93,17 +94,31 @@ TEST(ParamTools, ANullEnumeratorIsAMissingInterfaceForCopyAndDump) {
     EXPECT_EQ(stream->GetLength(), 2u);
 }
 
-// Memory to text to memory: equal but for the kinds the text form changes.
-TEST(RoundTrip, ThroughTheTextFormEveryKindComesBack) {
+// Memory to text to memory with a value of every kind: each comes back as it
+// was, but wide text, which turns narrow, and an object, which has no text
+// form.
+TEST(RoundTrip, ThroughTheTextFormEveryKindComesBackButWideTextAndObjects) {
+    kt::test::CCounted object;
     auto tree = NewTree();
     FillWithEveryKind(tree.get(), true);
+    Set(tree.get(), "object", CKTVariant(static_cast<IKTUnknown*>(&object)));
+    std::set<int> kinds;
+    for (const std::string& name : ValueNames(tree.get()))
+        kinds.insert(ValueAt(tree.get(), name.c_str()).vt);
+    ASSERT_EQ(kinds.size(), KTVT_WSTR + 1u);
+
     CXString text;
     Param_Param2String(tree.get(), text);
     auto back = NewTree();
+    Set(back.get(), "kept", CKTVariant(1));  // the text adds to what is there
     EXPECT_EQ(Param_String2Param(text, back.get()), 1);
     EXPECT_TRUE(ValueAt(back.get(), "wide") == CKTVariant("wide text"));
+    EXPECT_EQ(ValueAt(back.get(), "object").vt, 0xFFFF);
+    EXPECT_EQ(static_cast<int>(ValueAt(back.get(), "kept")), 1);
+    back->DeleteValue("kept");
     back->DeleteValue("wide");
     tree->DeleteValue("wide");
+    tree->DeleteValue("object");
     EXPECT_EQ(Param_Cmp(tree.get(), back.get()), 1);
     EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
     EXPECT_EQ(ValueNames(back.get()), ValueNames(tree.get()));

@@ -10,6 +10,7 @@
 #include "kticore/params/ParamTools.h"
 #include "tests/params/ParamTestSupport.h"
 #include "tests/support/ScratchDirectory.h"
+#include "tests/support/Streams.h"
 
 namespace {
 
@@ -57,6 +58,30 @@ TEST(DeepTree, EveryToolWalksItWithAFlatStack) {
         const std::string twoHundredLevels = line.substr(2, 2 * 200 - 1);  // "s\\s ... \\s"
         kt::test::Set(back.get(), (twoHundredLevels + "\\w").c_str(), CKTVariant(2));
         EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 0);  // a difference deep down counts
+
+        // Every level of the stream form: the name going down, then the end
+        // of its sections and of its values coming up.
+        Ref<IXStream> stream(new_StreamOnMemory());
+        ASSERT_EQ(SaveParamToXStream(stream.get(), tree.get()), 1);
+        std::string form;
+        for (int level = 0; level < kLevels; ++level)
+            form += std::string("s\0", 2);
+        Ref<IXStream> one(new_StreamOnMemory());
+        one->WriteString("");
+        one->WriteString("v");
+        const CKTVariant value(1);
+        one->WriteVariant(&value);
+        one->WriteString("");
+        kt::test::Bytes expected(form.begin(), form.end());
+        const kt::test::Bytes deepest = kt::test::AllBytes(one.get());
+        expected.insert(expected.end(), deepest.begin(), deepest.end());
+        expected.resize(expected.size() + 2 * kLevels, 0);
+        EXPECT_EQ(kt::test::AllBytes(stream.get()), expected);
+        stream->Seek(0, 0);
+        auto loaded = NewTree();
+        ASSERT_EQ(LoadParamFromXStream(stream.get(), loaded.get()), 1);
+        EXPECT_EQ(Param_Cmp(loaded.get(), tree.get()), 1);
+        EXPECT_EQ(Param_Cmp(tree.get(), loaded.get()), 1);
 
         ::testing::internal::CaptureStderr();
         Dump_Param(tree.get());
