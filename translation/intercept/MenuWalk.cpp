@@ -17,17 +17,19 @@ constexpr unsigned kPlainMenuCapacity = 256;
 
 bool DictionaryIsEmpty() { return kt::SuppDictionary().texts.GetCount() == 0; }
 
-// `translate(buffer, capacity)` replaces an item's text in the buffer.
+// `translate(buffer, capacity)` replaces an item's text in the buffer; it may
+// fill all of it without a terminator, so the buffer holds one unit more.
 template <unsigned kCapacity, class Translate>
 void WalkMenu(HMENU menu, const Translate& translate) {
     const int count = GetMenuItemCount(menu);
     for (int i = 0; i < count; ++i) {
         const UINT position = static_cast<UINT>(i);
-        KTWCHAR text[kCapacity];
+        KTWCHAR text[kCapacity + 1];
         // A separator, or an item without text.
         if (GetMenuStringW(menu, position, text, kCapacity, MF_BYPOSITION) == 0)
             continue;
         translate(text, kCapacity);
+        text[kCapacity] = 0;
         const UINT state = GetMenuState(menu, position, MF_BYPOSITION);
         const UINT flags = state == kNoSuchItem ? 0 : state & kKeptItemFlags;
         if (HMENU submenu = GetSubMenu(menu, i)) {

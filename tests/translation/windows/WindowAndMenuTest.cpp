@@ -14,8 +14,8 @@ namespace {
 void Define(const char* key, const char* value) { SuppDictionary().Add(key, value); }
 
 std::wstring ItemText(HMENU menu, UINT position) {
-    wchar_t text[256] = {};
-    GetMenuStringW(menu, position, text, 256, MF_BYPOSITION);
+    wchar_t text[1024] = {};
+    GetMenuStringW(menu, position, text, 1024, MF_BYPOSITION);
     return text;
 }
 
@@ -82,6 +82,13 @@ TEST_F(MenuWalk, WithAPrefixPrefersKeyedTextsAndKeepsGrayingAndCheckMarks) {
     EXPECT_EQ(ItemFlags(bar, 3) & MF_SEPARATOR, static_cast<UINT>(MF_SEPARATOR));
     EXPECT_EQ(ItemText(bar, 4), L"menu-no-id") << "an item with the id 0 is not written back";
     EXPECT_EQ(GetMenuItemCount(bar), 5);
+}
+
+TEST_F(MenuWalk, WithAPrefixCutsALongTranslationAtItsBuffer) {
+    Define("menu.exe#2#1menu-long", std::string(600, 'L').c_str());
+    AppendMenuW(bar, MF_STRING, 104, L"menu-long");
+    Supp_TranslateMenuKeyed(bar, L"menu.exe#2#1");
+    EXPECT_EQ(ItemText(bar, 5), std::wstring(512, L'L'));
 }
 
 TEST_F(MenuWalk, WithoutAPrefixTranslatesPlainTexts) {
