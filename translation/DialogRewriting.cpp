@@ -111,8 +111,10 @@ void MoveControl(BYTE* fixedPart, const TemplateForm& form, const CIRect& edges)
     store(form.itemCy, bottom - y);
 }
 
+// In unsigned 32-bit arithmetic, which wraps where a signed sum would overflow.
 void AddToWord(CByteBuffer& output, size_t offset, LONG delta) {
-    WriteTemplateWord(output.Data(), offset, static_cast<WORD>(ReadTemplateWord(output.Data(), offset) + delta));
+    const std::uint32_t sum = ReadTemplateWord(output.Data(), offset) + static_cast<std::uint32_t>(delta);
+    WriteTemplateWord(output.Data(), offset, static_cast<WORD>(sum & 0xFFFF));
 }
 
 // The layout pass: the template with the dialog's size and its controls'

@@ -219,6 +219,22 @@ TEST(DialogLayout, SizeDeltaAppliesToADialogWithoutItems) {
     EXPECT_EQ(Rewrite(source, nullptr, &layout), expected);
 }
 
+// Deltas far beyond 16 bits wrap the words they move, as the dialog manager
+// would read them.
+TEST(DialogLayout, HugeDeltasWrapIn16Bits) {
+    constexpr int kHuge = 0x7FFFFFFF;      // -1 in 16 bits
+    constexpr int kHugePlus16 = 0x7FFF0010;  // +16 in 16 bits
+    AddTranslations({{"rw.Huge", "Riesig"}});
+    const unsigned layout = AddLayout("layout.dll#1#Huge", {kHuge, kHugePlus16}, {{0, {kHuge, 0, kHugePlus16, 0}}});
+    DialogSpec source;
+    source.items.push_back(Item(0, Field::Ordinal(kButton), Field::Text(W("rw.Huge"))));
+    DialogSpec expected = source;
+    expected.cx = 199, expected.cy = 116;
+    expected.items[0].title = Field::Text(W("Riesig"));
+    expected.items[0].x = -1, expected.items[0].cx = 57;
+    EXPECT_EQ(Rewrite(source, nullptr, &layout), expected);
+}
+
 // With the dictionary empty, templates are handed back, layouts or not; then
 // an entry for the dictionary's face name replaces the font.
 void EmptyDictionaryThenFaceName() {
