@@ -1,5 +1,6 @@
 #include "translation/WldFile.h"
 
+#include "kticore/core/Exception.h"
 #include "kticore/files/File.h"
 #include "params/Held.h"
 #include "platform/Locale.h"
@@ -9,6 +10,9 @@ namespace kt {
 
 void LoadWldFile(CSuppDictionary& dictionary, const KTWCHAR* path) {
     params::Held<IXFile> file(Fio_Open(path, 0));
+    // Fio_Open answers null where memory ran out.
+    if (file.get() == nullptr)
+        throw CXFileException(XE_NO_MEMORY, path, XFILEOP_OPEN);
     WldReader reader(file.get());
     CXString key;
     CXString value;
