@@ -1,8 +1,9 @@
 // Loading translation files: the dictionary, then its layout twin of the same
-// name. A dictionary file that fails is answered with 0, never thrown: the
+// name; a memory name has no twin, since any other name names the same block. A dictionary file that fails is answered with 0, never thrown: the
 // texts stay as they were, with the pairs read before the failure.
 #include "kticore/core/Exception.h"
 #include "kticore/translation/Translation.h"
+#include "files/MemoryName.h"
 #include "translation/DialogLayouts.h"
 #include "translation/WldFile.h"
 
@@ -24,6 +25,8 @@ int LoadFiles(CSuppDictionary& dictionary, const KTWCHAR* path) {
     } catch (const CXFileException&) {
         return 0;
     }
+    if (kt::IsMemoryName(path))
+        return 1;
     CXStringW layouts(path);
     layouts.ChangeFileExt(kLayoutExtension);
     kt::LoadDialogLayouts(dictionary, layouts);
@@ -37,8 +40,8 @@ int Supp_Init(const KTWCHAR* path) {
     if (dictionary.initialised != 0 || LoadFiles(dictionary, DictionaryPath(path)) == 0)
         return 0;
     dictionary.initialised = 1;
-    // The interception of the modules that are loaded is installed here, once,
-    // at the first dictionary loaded.
+    // Installing the interception in the loaded modules belongs here, at the
+    // first dictionary loaded; it comes with the interception, not built yet.
     return 1;
 }
 

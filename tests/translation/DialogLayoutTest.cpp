@@ -1,12 +1,15 @@
 // Dialog layouts from `dlg` files, and the font that translated dialogs get.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
 #include <map>
 #include <ostream>
 #include <string>
 
 #include "kticore/translation/Translation.h"
 #include "platform/DialogFont.h"
+#include "tests/support/LowBlock.h"
 #include "tests/support/ScratchDirectory.h"
 #include "translation/DialogLayouts.h"
 #include "translation/Lookup.h"
@@ -120,6 +123,20 @@ TEST_F(DialogLayouts, ComeWithTheDictionaryOfTheSameName) {
     WriteContent(directory / W("alone.wld"), "\"layout-alone\"\n\"alone\"\n");
     EXPECT_EQ(Supp_AddWld((directory / W("alone.wld")).c_str()), 1)
         << "no layout file is no failure";
+}
+
+// A memory name changed to the layout extension names the same block, which
+// must not be read again as layouts.
+TEST_F(DialogLayouts, ADictionaryInMemoryHasNoTwin) {
+    const std::string text = "[\\layout-memory.dll\\Dialogs\\#4]\r\n0=t1,0,0,0\r\n\"layout-memory\"\r\n\"memory\"\r\n";
+    LowBlock block(4096);
+    ASSERT_NE(block.data, nullptr);
+    std::memcpy(block.data, text.data(), text.size());
+    const std::string name =
+        "fmem::" + std::to_string(reinterpret_cast<std::uintptr_t>(block.data)) + "," + std::to_string(text.size());
+    ASSERT_EQ(Supp_AddWld(W(name).c_str()), 1);
+    EXPECT_EQ(Wide(Supp_Translate("layout-memory")), W("memory"));
+    EXPECT_FALSE(LayoutOf("layout-memory.dll#1#4").found);
 }
 
 TEST(DialogFont, IsTheLogicalDialogFontWithoutDoubleByteSupportElseTheStockFont) {
