@@ -20,7 +20,8 @@ constexpr char kDialogSizeValue[] = "Dialog Size";
 // Adds the layouts of the file at `path` to `dictionary.dialogs`, by the
 // case-blind hash of each dialog's resource key; a dialog defined again
 // replaces its layout. 1, or 0 when the file is missing or unreadable (a
-// CXFileException); a file that is not parameter text throws.
+// CXFileException). Any bytes are read as parameter text (zero bytes are
+// dropped), so a file that is not one loads what its lines happen to say.
 KTCORE_API int LoadDialogLayouts(CSuppDictionary& dictionary, const KTWCHAR* path);
 
 }  // namespace kt
