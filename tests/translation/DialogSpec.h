@@ -39,36 +39,46 @@ struct Font {
     }
 };
 
+// Help ids and extended styles are not zero, so that a rewriter that lost
+// them would be seen.
 struct ItemSpec {
     std::uint32_t style = 0x50000000;  // WS_CHILD | WS_VISIBLE
+    std::uint32_t exStyle = 0x4;       // WS_EX_NOPARENTNOTIFY
+    std::uint32_t helpId = 0x1D;       // extended form only; the classic reads as this
     std::int16_t x = 0, y = 0, cx = 0, cy = 0;
     std::uint32_t id = 0;
     Field windowClass;
     Field title;
     Bytes creationData;
     bool operator==(const ItemSpec& other) const {
-        return style == other.style && x == other.x && y == other.y && cx == other.cx && cy == other.cy &&
-               id == other.id && windowClass == other.windowClass && title == other.title &&
+        return style == other.style && exStyle == other.exStyle && helpId == other.helpId &&
+               x == other.x && y == other.y && cx == other.cx && cy == other.cy && id == other.id &&
+               windowClass == other.windowClass && title == other.title &&
                creationData == other.creationData;
     }
 };
 
 constexpr std::uint32_t kDsSetFont = 0x40;
+constexpr std::uint16_t kDialogExVersion = 1, kDialogExSignature = 0xFFFF;
 constexpr std::uint16_t kButton = 0x80, kEdit = 0x81, kStatic = 0x82;
 
 struct DialogSpec {
     bool extended = false;
     std::uint32_t style = 0x80C80000;  // WS_POPUP | WS_CAPTION | WS_SYSMENU
-    std::int16_t x = 0, y = 0, cx = 200, cy = 100;
+    std::uint32_t exStyle = 0x10000;   // WS_EX_CONTROLPARENT
+    std::uint32_t helpId = 0x2A;       // extended form only; the classic reads as this
+    std::int16_t x = 7, y = 5, cx = 200, cy = 100;
     Field menu;         // the empty text: no menu
     Field windowClass;  // the empty text: the dialog class
     WideString title;
     Font font;  // written when style holds DS_SETFONT
     std::vector<ItemSpec> items;
     bool operator==(const DialogSpec& other) const {
-        return extended == other.extended && style == other.style && x == other.x && y == other.y &&
-               cx == other.cx && cy == other.cy && menu == other.menu && windowClass == other.windowClass &&
-               title == other.title && ((style & kDsSetFont) == 0 || font == other.font) && items == other.items;
+        return extended == other.extended && style == other.style && exStyle == other.exStyle &&
+               helpId == other.helpId && x == other.x && y == other.y && cx == other.cx &&
+               cy == other.cy && menu == other.menu && windowClass == other.windowClass &&
+               title == other.title && ((style & kDsSetFont) == 0 || font == other.font) &&
+               items == other.items;
     }
 };
 
@@ -82,15 +92,17 @@ inline std::ostream& operator<<(std::ostream& out, const Field& field) {
 }
 
 inline std::ostream& operator<<(std::ostream& out, const DialogSpec& dialog) {
-    out << (dialog.extended ? "DIALOGEX " : "DIALOG ") << dialog.x << "," << dialog.y << "," << dialog.cx << ","
-        << dialog.cy << " style " << std::hex << dialog.style << std::dec << " title "
-        << Field::Text(dialog.title);
+    out << (dialog.extended ? "DIALOGEX " : "DIALOG ") << dialog.x << "," << dialog.y << ","
+        << dialog.cx << "," << dialog.cy << " style " << std::hex << dialog.style << std::dec
+        << " title " << Field::Text(dialog.title);
     if ((dialog.style & kDsSetFont) != 0)
-        out << " font " << dialog.font.pointSize << "/" << dialog.font.weight << "/" << int{dialog.font.italic}
-            << "/" << int{dialog.font.charset} << " " << Field::Text(dialog.font.face);
+        out << " font " << dialog.font.pointSize << "/" << dialog.font.weight << "/"
+            << int{dialog.font.italic} << "/" << int{dialog.font.charset} << " "
+            << Field::Text(dialog.font.face);
     for (const ItemSpec& item : dialog.items)
-        out << "\n  " << item.id << " " << item.windowClass << " " << item.title << " " << item.x << ","
-            << item.y << "," << item.cx << "," << item.cy << " data " << item.creationData.size();
+        out << "\n  " << item.id << " " << item.windowClass << " " << item.title << " " << item.x
+            << "," << item.y << "," << item.cx << "," << item.cy << " data "
+            << item.creationData.size();
     return out;
 }
 

@@ -170,14 +170,16 @@ TEST(DialogRewrite, LongerCaptionsShiftLaterItemsWhichStayAligned) {
 
 TEST(DialogRewrite, KeepsMoreThan255Items) {
     AddTranslations({{"rw.Many", "Viele"}});
-    DialogSpec source;
-    source.extended = true;
-    for (std::uint32_t i = 0; i < 300; ++i)
-        source.items.push_back(Item(i, Field::Ordinal(kButton), Field::Text(W("rw.Many"))));
-    DialogSpec expected = source;
-    for (ItemSpec& item : expected.items)
-        item.title = Field::Text(W("Viele"));
-    EXPECT_EQ(Rewrite(source), expected);
+    for (const Form& form : kForms) {
+        DialogSpec source;
+        source.extended = form.extended;
+        for (std::uint32_t i = 0; i < 300; ++i)
+            source.items.push_back(Item(i, Field::Ordinal(kButton), Field::Text(W("rw.Many"))));
+        DialogSpec expected = source;
+        for (ItemSpec& item : expected.items)
+            item.title = Field::Text(W("Viele"));
+        EXPECT_EQ(Rewrite(source), expected) << form.name;
+    }
 }
 
 TEST(DialogLayout, MovesEachEdgeOfTheControlAtItsPositionAndGrowsTheDialog) {

@@ -13,9 +13,13 @@ public:
     static Bytes Build(const DialogSpec& dialog) {
         TemplateBuilder out;
         if (dialog.extended) {
-            out.Word(1).Word(0xFFFF).Dword(0).Dword(0).Dword(dialog.style);
+            out.Word(kDialogExVersion)
+                .Word(kDialogExSignature)
+                .Dword(dialog.helpId)
+                .Dword(dialog.exStyle)
+                .Dword(dialog.style);
         } else {
-            out.Dword(dialog.style).Dword(0);
+            out.Dword(dialog.style).Dword(dialog.exStyle);
         }
         out.Word(static_cast<int>(dialog.items.size()));
         out.Word(dialog.x).Word(dialog.y).Word(dialog.cx).Word(dialog.cy);
@@ -30,9 +34,9 @@ public:
             while (out.bytes.size() % 4 != 0)
                 out.Byte(0);
             if (dialog.extended)
-                out.Dword(0).Dword(0).Dword(item.style);
+                out.Dword(item.helpId).Dword(item.exStyle).Dword(item.style);
             else
-                out.Dword(item.style).Dword(0);
+                out.Dword(item.style).Dword(item.exStyle);
             out.Word(item.x).Word(item.y).Word(item.cx).Word(item.cy);
             if (dialog.extended)
                 out.Dword(item.id);
@@ -52,7 +56,8 @@ private:
     }
     // Signed or not: the low 16 bits.
     TemplateBuilder& Word(int value) {
-        return Byte(static_cast<std::uint8_t>(value & 0xFF)).Byte(static_cast<std::uint8_t>(value >> 8 & 0xFF));
+        return Byte(static_cast<std::uint8_t>(value & 0xFF))
+            .Byte(static_cast<std::uint8_t>(value >> 8 & 0xFF));
     }
     TemplateBuilder& Dword(std::uint32_t value) {
         return Word(static_cast<int>(value & 0xFFFF)).Word(static_cast<int>(value >> 16));

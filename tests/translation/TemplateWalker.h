@@ -24,7 +24,8 @@ public:
         if (!in.problem.empty())
             return ::testing::AssertionFailure() << in.problem;
         if (in.at != size)
-            return ::testing::AssertionFailure() << "the template ends at " << in.at << " of " << size << " bytes";
+            return ::testing::AssertionFailure()
+                   << "the template ends at " << in.at << " of " << size << " bytes";
         return ::testing::AssertionSuccess();
     }
 
@@ -35,14 +36,15 @@ private:
         dialog = DialogSpec();
         dialog.extended = size >= 4 && data[2] == 0xFF && data[3] == 0xFF;
         if (dialog.extended) {
+            if (Word() != kDialogExVersion)
+                problem = "the extended form's version is not 1";
             Word();
-            Word();
-            Dword();
-            Dword();
+            dialog.helpId = Dword();
+            dialog.exStyle = Dword();
             dialog.style = Dword();
         } else {
             dialog.style = Dword();
-            Dword();
+            dialog.exStyle = Dword();
         }
         const std::uint16_t count = Word();
         dialog.x = Short(), dialog.y = Short(), dialog.cx = Short(), dialog.cy = Short();
@@ -64,12 +66,12 @@ private:
                     problem = "padding that is not zero at " + std::to_string(at - 1);
             ItemSpec item;
             if (dialog.extended) {
-                Dword();
-                Dword();
+                item.helpId = Dword();
+                item.exStyle = Dword();
                 item.style = Dword();
             } else {
                 item.style = Dword();
-                Dword();
+                item.exStyle = Dword();
             }
             item.x = Short(), item.y = Short(), item.cx = Short(), item.cy = Short();
             item.id = dialog.extended ? Dword() : Word();
