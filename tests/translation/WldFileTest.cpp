@@ -12,6 +12,7 @@
 
 #include "kticore/translation/Translation.h"
 #include "tests/support/ScratchDirectory.h"
+#include "translation/SuppDictionary.h"
 
 namespace kt::test {
 namespace {
@@ -21,8 +22,12 @@ WideString W(const std::string& ascii) { return WideString(ascii.begin(), ascii.
 // The translation of an ASCII text.
 WideString Translated(const char* text) { return Wide(Supp_Translate(W(text).c_str())); }
 
+// Language ids switch the process's narrow code page; each test puts back
+// the one it found, so that later tests do not depend on the order.
 class WldFiles : public ::testing::Test {
 protected:
+    void TearDown() override { SuppDictionary().SetCodePage(codePageBefore); }
+
     WideString File(const char* leaf, const std::string& content) {
         const WideString name = directory / W(leaf);
         WriteContent(name, content);
@@ -30,6 +35,7 @@ protected:
     }
 
     ScratchDirectory directory;
+    const DWORD codePageBefore = Supp_GetACP();
 };
 
 TEST_F(WldFiles, JapaneseAndRussianValuesComeOutAsWideText) {
