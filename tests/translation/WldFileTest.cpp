@@ -85,14 +85,21 @@ TEST_F(WldFiles, AnUnknownOrZeroLanguageLeavesTheCodePage) {
 }
 
 TEST_F(WldFiles, AKeyDefinedAgainKeepsItsFirstValueWithinAndAcrossFiles) {
-    ASSERT_EQ(
-        Supp_AddWld(File("a.wld", "\"wld-twice\"\n\"first\"\n\"wld-twice\"\n\"second\"\n").c_str()),
-        1);
-    ASSERT_EQ(
-        Supp_AddWld(File("b.wld", "\"wld-twice\"\n\"third\"\n\"wld-added\"\n\"added\"\n").c_str()),
-        1);
+    // A narrow text asked for before any file defines itself.
+    Supp_Translate("wld-asked-first");
+    // wld-aeaea and wld-bagab have one hash: the second is the first again.
+    ASSERT_EQ(Supp_AddWld(File("a.wld", "\"wld-twice\"\n\"first\"\n\"wld-twice\"\n\"second\"\n"
+                                        "\"wld-aeaea\"\n\"one\"\n\"wld-bagab\"\n\"other\"\n")
+                              .c_str()),
+              1);
+    ASSERT_EQ(Supp_AddWld(File("b.wld", "\"wld-twice\"\n\"third\"\n\"wld-added\"\n\"added\"\n"
+                                        "\"wld-asked-first\"\n\"later\"\n")
+                              .c_str()),
+              1);
     EXPECT_EQ(Translated("wld-twice"), W("first"));
     EXPECT_EQ(Translated("wld-added"), W("added"));
+    EXPECT_EQ(Translated("wld-bagab"), W("one"));
+    EXPECT_EQ(Translated("wld-asked-first"), W("wld-asked-first"));
 }
 
 TEST_F(WldFiles, AFileThatCannotBeReadLoadsNothingAndThrowsNothing) {
