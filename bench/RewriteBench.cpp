@@ -21,13 +21,13 @@ constexpr char kDialogKey[] = "bench.dll#1#100";
 kt::test::WideString Wide(const std::string& text) { return kt::test::WideString(text.begin(), text.end()); }
 
 kt::test::Bytes FiftyControlDialog() {
-    kt::test::DialogSpec dialog;
+    kt::test::DialogShape dialog;
     dialog.extended = true;
     dialog.style |= kt::test::kDsSetFont;
     dialog.title = Wide("Options");
     dialog.font = {8, 400, 0, 0, Wide("MS Shell Dlg")};
     for (int i = 0; i < kControls; ++i) {
-        kt::test::ItemSpec item;
+        kt::test::ItemShape item;
         item.id = static_cast<std::uint32_t>(1000 + i);
         item.windowClass = kt::test::Field::Ordinal(i % 2 == 0 ? kt::test::kButton : kt::test::kStatic);
         item.title = kt::test::Field::Text(Wide("Caption " + std::to_string(i)));

@@ -33,8 +33,8 @@ struct Form {
 };
 constexpr Form kForms[] = {{"classic", false}, {"extended", true}};
 
-ItemSpec Item(std::uint32_t id, Field windowClass, Field title, Bytes creationData = {}) {
-    ItemSpec item;
+ItemShape Item(std::uint32_t id, Field windowClass, Field title, Bytes creationData = {}) {
+    ItemShape item;
     item.id = id;
     item.x = static_cast<std::int16_t>(4 * id);
     item.y = static_cast<std::int16_t>(3 * id);
@@ -47,8 +47,8 @@ ItemSpec Item(std::uint32_t id, Field windowClass, Field title, Bytes creationDa
 }
 
 // A dialog of the form with a font block.
-DialogSpec WithFont(const Form& form, const char* title) {
-    DialogSpec dialog;
+DialogShape WithFont(const Form& form, const char* title) {
+    DialogShape dialog;
     dialog.extended = form.extended;
     dialog.style |= kDsSetFont;
     dialog.font = {8, 400, 0, 0, W("Face")};
@@ -58,13 +58,13 @@ DialogSpec WithFont(const Form& form, const char* title) {
 
 // The template rewritten within its own bytes (or laid out first, when
 // `layout` is given) and read back.
-DialogSpec Rewrite(const DialogSpec& source, const char* prefix = nullptr, const unsigned* layout = nullptr) {
+DialogShape Rewrite(const DialogShape& source, const char* prefix = nullptr, const unsigned* layout = nullptr) {
     const Bytes bytes = TemplateBuilder::Build(source);
     unsigned size = 0;
     void* rewritten = layout != nullptr
                           ? LayoutDialogTemplate(bytes.data(), bytes.size(), *layout, &size, prefix)
                           : RewriteDialogTemplate(bytes.data(), bytes.size(), &size, prefix);
-    DialogSpec result;
+    DialogShape result;
     EXPECT_NE(rewritten, static_cast<const void*>(bytes.data()));
     if (rewritten != nullptr && rewritten != static_cast<const void*>(bytes.data())) {
         EXPECT_TRUE(TemplateWalker::Read(rewritten, size, result));
@@ -82,7 +82,7 @@ Font DictionaryFont(std::uint16_t weight) {
 TEST(DialogRewrite, TranslatesTheTitleAndTheCaptionsOfButtonsAndStaticsOnly) {
     AddTranslations({{"rw.Title", "Titel"}, {"rw.OK", "Gut"}, {"rw.Label", "Beschriftung"}, {"rw.Blank", ""}});
     for (const Form& form : kForms) {
-        DialogSpec source;
+        DialogShape source;
         source.extended = form.extended;
         source.menu = Field::Ordinal(7);
         source.windowClass = Field::Text(W("MyDialogClass"));
@@ -95,7 +95,7 @@ TEST(DialogRewrite, TranslatesTheTitleAndTheCaptionsOfButtonsAndStaticsOnly) {
                         Item(6, Field::Ordinal(kButton), Field::Text(W(""))),
                         Item(7, Field::Ordinal(kButton), Field::Text(W("rw.NotInTheDictionary"))),
                         Item(8, Field::Ordinal(kButton), Field::Text(W("rw.Blank")))};
-        DialogSpec expected = source;
+        DialogShape expected = source;
         expected.title = W("Titel");
         expected.items[0].title = Field::Text(W("Gut"));
         expected.items[1].title = Field::Text(W("Beschriftung"));
@@ -116,13 +116,13 @@ TEST(DialogRewrite, TranslatesTheTitleAndTheCaptionsOfButtonsAndStaticsOnly) {
 TEST(DialogRewrite, FontBlockTakesTheDictionarysFontAndKeepsTheWeight) {
     AddTranslations({{"rw.FontTitle", "Schrift"}});
     for (const Form& form : kForms) {
-        DialogSpec source;
+        DialogShape source;
         source.extended = form.extended;
         source.style |= kDsSetFont;
         source.title = W("rw.FontTitle");
         source.font = {12, 700, 1, 2, W("Source Face")};
         source.items = {Item(1, Field::Ordinal(kButton), Field::Text(W("rw.FontTitle")))};
-        DialogSpec expected = source;
+        DialogShape expected = source;
         expected.title = W("Schrift");
         expected.items[0].title = Field::Text(W("Schrift"));
         expected.font = DictionaryFont(form.extended ? 700 : 0);
@@ -132,7 +132,7 @@ TEST(DialogRewrite, FontBlockTakesTheDictionarysFontAndKeepsTheWeight) {
 
 TEST(DialogRewrite, KeyedTranslationWinsAndOtherPrefixesFallBackToThePlainOne) {
     AddTranslations({{"rw.Keyed", "plain"}, {"app.dll#1#7rw.Keyed", "keyed"}});
-    DialogSpec source;
+    DialogShape source;
     source.title = W("rw.Keyed");
     source.items = {Item(1, Field::Ordinal(kStatic), Field::Text(W("rw.Keyed")))};
     const struct {
@@ -140,7 +140,7 @@ TEST(DialogRewrite, KeyedTranslationWinsAndOtherPrefixesFallBackToThePlainOne) {
         const char* shown;
     } cases[] = {{"app.dll#1#7", "keyed"}, {"app.dll#1#8", "plain"}, {nullptr, "plain"}};
     for (const auto& c : cases) {
-        const DialogSpec result = Rewrite(source, c.prefix);
+        const DialogShape result = Rewrite(source, c.prefix);
         EXPECT_EQ(result.title, W(c.shown)) << (c.prefix != nullptr ? c.prefix : "null");
         ASSERT_EQ(result.items.size(), 1u);
         EXPECT_EQ(result.items[0].title, Field::Text(W(c.shown)));
@@ -153,12 +153,12 @@ TEST(DialogRewrite, KeyedTranslationWinsAndOtherPrefixesFallBackToThePlainOne) {
 TEST(DialogRewrite, LongerCaptionsShiftLaterItemsWhichStayAligned) {
     AddTranslations({{"rw.a", "rw.a, longer"}, {"rw.bb", "rw.bb, much longer"}, {"rw.ccc", "rw.ccc+"}});
     for (const Form& form : kForms) {
-        DialogSpec source = WithFont(form, "rw.bb");
+        DialogShape source = WithFont(form, "rw.bb");
         const char* captions[] = {"rw.a", "rw.bb", "rw.ccc", "rw.a", "rw.ccc"};
         for (std::uint32_t i = 0; i < 5; ++i)
             source.items.push_back(Item(10 + i, Field::Ordinal(i % 2 == 0 ? kButton : kStatic),
                                         Field::Text(W(captions[i])), Bytes(i, static_cast<std::uint8_t>(0xA0 + i))));
-        DialogSpec expected = source;
+        DialogShape expected = source;
         expected.title = W("rw.bb, much longer");
         expected.font = DictionaryFont(form.extended ? 400 : 0);
         const char* shown[] = {"rw.a, longer", "rw.bb, much longer", "rw.ccc+", "rw.a, longer", "rw.ccc+"};
@@ -171,12 +171,12 @@ TEST(DialogRewrite, LongerCaptionsShiftLaterItemsWhichStayAligned) {
 TEST(DialogRewrite, KeepsMoreThan255Items) {
     AddTranslations({{"rw.Many", "Viele"}});
     for (const Form& form : kForms) {
-        DialogSpec source;
+        DialogShape source;
         source.extended = form.extended;
         for (std::uint32_t i = 0; i < 300; ++i)
             source.items.push_back(Item(i, Field::Ordinal(kButton), Field::Text(W("rw.Many"))));
-        DialogSpec expected = source;
-        for (ItemSpec& item : expected.items)
+        DialogShape expected = source;
+        for (ItemShape& item : expected.items)
             item.title = Field::Text(W("Viele"));
         EXPECT_EQ(Rewrite(source), expected) << form.name;
     }
@@ -187,15 +187,15 @@ TEST(DialogLayout, MovesEachEdgeOfTheControlAtItsPositionAndGrowsTheDialog) {
     const unsigned layout = AddLayout("layout.dll#1#100", {20, 10},
                                       {{0, {10, 0, 10, 0}}, {3, {5, -3, 7, 2}}, {9, {50, 50, 50, 50}}});
     for (const Form& form : kForms) {
-        DialogSpec source = WithFont(form, "");
+        DialogShape source = WithFont(form, "");
         for (std::uint32_t i = 0; i < 5; ++i)
             source.items.push_back(Item(i, Field::Ordinal(kButton), Field::Text(W("rw.Moved")), Bytes(i % 2)));
         source.items[3].x = 10, source.items[3].y = 20, source.items[3].cx = 30, source.items[3].cy = 40;
 
-        DialogSpec expected = source;
+        DialogShape expected = source;
         expected.cx = 220, expected.cy = 110;
         expected.font = DictionaryFont(form.extended ? 400 : 0);
-        for (ItemSpec& item : expected.items)
+        for (ItemShape& item : expected.items)
             item.title = Field::Text(W("Bewegt"));
         expected.items[0].x = 10;  // moved right by 10, width kept
         expected.items[3].x = 15, expected.items[3].y = 17, expected.items[3].cx = 32, expected.items[3].cy = 45;
@@ -204,7 +204,7 @@ TEST(DialogLayout, MovesEachEdgeOfTheControlAtItsPositionAndGrowsTheDialog) {
         const unsigned otherDialog = Supp_HashKey("layout.dll#1#101");
         expected = source;
         expected.font = DictionaryFont(form.extended ? 400 : 0);
-        for (ItemSpec& item : expected.items)
+        for (ItemShape& item : expected.items)
             item.title = Field::Text(W("Bewegt"));
         EXPECT_EQ(Rewrite(source, "layout.dll#1#101", &otherDialog), expected) << form.name;
     }
@@ -213,9 +213,9 @@ TEST(DialogLayout, MovesEachEdgeOfTheControlAtItsPositionAndGrowsTheDialog) {
 TEST(DialogLayout, SizeDeltaAppliesToADialogWithoutItems) {
     AddTranslations({{"rw.Empty", "Leer"}});
     const unsigned layout = AddLayout("layout.dll#1#Empty", {-30, 5}, {});
-    DialogSpec source;
+    DialogShape source;
     source.title = W("rw.Empty");
-    DialogSpec expected = source;
+    DialogShape expected = source;
     expected.title = W("Leer");
     expected.cx = 170, expected.cy = 105;
     EXPECT_EQ(Rewrite(source, nullptr, &layout), expected);
@@ -228,9 +228,9 @@ TEST(DialogLayout, HugeDeltasWrapIn16Bits) {
     constexpr int kHugePlus16 = 0x7FFF0010;  // +16 in 16 bits
     AddTranslations({{"rw.Huge", "Riesig"}});
     const unsigned layout = AddLayout("layout.dll#1#Huge", {kHuge, kHugePlus16}, {{0, {kHuge, 0, kHugePlus16, 0}}});
-    DialogSpec source;
+    DialogShape source;
     source.items.push_back(Item(0, Field::Ordinal(kButton), Field::Text(W("rw.Huge"))));
-    DialogSpec expected = source;
+    DialogShape expected = source;
     expected.cx = 199, expected.cy = 116;
     expected.items[0].title = Field::Text(W("Riesig"));
     expected.items[0].x = -1, expected.items[0].cx = 57;
@@ -240,7 +240,7 @@ TEST(DialogLayout, HugeDeltasWrapIn16Bits) {
 // With the dictionary empty, templates are handed back, layouts or not; then
 // an entry for the dictionary's face name replaces the font.
 void EmptyDictionaryThenFaceName() {
-    DialogSpec source;
+    DialogShape source;
     source.style |= kDsSetFont;
     source.font = {8, 0, 0, 0, W("F")};
     source.title = W("rw.Alone");
@@ -272,7 +272,7 @@ TEST(DialogRewriteBounds, MalformedTemplatesAreHandedBackUnread) {
     AddTranslations({{"rw.Bounds", "Grenzen"}});
     const unsigned layout = AddLayout("bounds.dll#1#1", {1, 1}, {{0, {1, 1, 1, 1}}});
     for (const Form& form : kForms) {
-        DialogSpec source = WithFont(form, "rw.Bounds");
+        DialogShape source = WithFont(form, "rw.Bounds");
         source.items = {Item(1, Field::Ordinal(kButton), Field::Text(W("rw.Bounds")), {1, 2, 3}),
                         Item(2, Field::Text(W("Edit")), Field::Ordinal(3), {4})};
         const Bytes whole = TemplateBuilder::Build(source);

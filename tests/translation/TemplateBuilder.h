@@ -1,16 +1,16 @@
-// Writes a DialogSpec in the template format it names, as a resource
+// Writes a DialogShape in the template format it names, as a resource
 // compiler lays it out: items on multiples of 4 from the template's start.
 #pragma once
 
 #include <cstring>
 
-#include "tests/translation/DialogSpec.h"
+#include "tests/translation/DialogShape.h"
 
 namespace kt::test {
 
 class TemplateBuilder {
 public:
-    static Bytes Build(const DialogSpec& dialog) {
+    static Bytes Build(const DialogShape& dialog) {
         TemplateBuilder out;
         if (dialog.extended) {
             out.Word(kDialogExVersion)
@@ -30,7 +30,7 @@ public:
                 out.Word(dialog.font.weight).Byte(dialog.font.italic).Byte(dialog.font.charset);
             out.Text(dialog.font.face);
         }
-        for (const ItemSpec& item : dialog.items) {
+        for (const ItemShape& item : dialog.items) {
             while (out.bytes.size() % 4 != 0)
                 out.Byte(0);
             if (dialog.extended)

@@ -1,4 +1,4 @@
-// Reads a dialog template back into a DialogSpec, from the published format
+// Reads a dialog template back into a DialogShape, from the published format
 // and independently of the library's own walk. Items are read from the next
 // multiple of 4 from the template's start, as the dialog manager reads them,
 // so an item written elsewhere reads as garbage. A template that does not
@@ -11,14 +11,14 @@
 #include <cstring>
 #include <string>
 
-#include "tests/translation/DialogSpec.h"
+#include "tests/translation/DialogShape.h"
 
 namespace kt::test {
 
 class TemplateWalker {
 public:
     // The dialog in the `size` bytes at `data`; a failure names the offset.
-    static ::testing::AssertionResult Read(const void* data, size_t size, DialogSpec& dialog) {
+    static ::testing::AssertionResult Read(const void* data, size_t size, DialogShape& dialog) {
         TemplateWalker in(static_cast<const std::uint8_t*>(data), size);
         in.ReadDialog(dialog);
         if (!in.problem.empty())
@@ -32,8 +32,8 @@ public:
 private:
     TemplateWalker(const std::uint8_t* data, size_t size) : data(data), size(size) {}
 
-    void ReadDialog(DialogSpec& dialog) {
-        dialog = DialogSpec();
+    void ReadDialog(DialogShape& dialog) {
+        dialog = DialogShape();
         dialog.extended = size >= 4 && data[2] == 0xFF && data[3] == 0xFF;
         if (dialog.extended) {
             if (Word() != kDialogExVersion)
@@ -64,7 +64,7 @@ private:
             while (at % 4 != 0)
                 if (Byte() != 0 && problem.empty())
                     problem = "padding that is not zero at " + std::to_string(at - 1);
-            ItemSpec item;
+            ItemShape item;
             if (dialog.extended) {
                 item.helpId = Dword();
                 item.exStyle = Dword();

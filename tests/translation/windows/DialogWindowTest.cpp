@@ -45,8 +45,8 @@ RECT ClientRectOf(HWND control, HWND dialog) {
                                          << "," << expected.right << "," << expected.bottom << ")";
 }
 
-ItemSpec Control(std::uint32_t id, std::uint16_t windowClass, const char* title, std::int16_t y) {
-    ItemSpec item;
+ItemShape Control(std::uint32_t id, std::uint16_t windowClass, const char* title, std::int16_t y) {
+    ItemShape item;
     item.id = id;
     item.windowClass = Field::Ordinal(windowClass);
     item.title = Field::Text(W(title));
@@ -59,7 +59,7 @@ TEST(DialogWindow, ShowsTranslatedTextsMovedControlsAndTheDictionarysFont) {
     const unsigned layout = AddLayout("dw.exe#1#1", {30, 20}, {{0, {5, 2, 25, 2}}, {2, {0, 10, 0, 10}}});
     const CSuppDictionary& dictionary = SuppDictionary();
     for (bool extended : {false, true}) {
-        DialogSpec source;
+        DialogShape source;
         source.extended = extended;
         source.style = WS_POPUP | WS_CAPTION | kDsSetFont;
         source.title = W("dw.Title");

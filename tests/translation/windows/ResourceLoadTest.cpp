@@ -48,7 +48,7 @@ TEST(ResourceLoad, DialogsAreRewrittenOnceWithKeyedTextsAndLayoutAndSizedAsServe
         EXPECT_EQ(Supp_LoadResource(ThisModule(), record), served);
         EXPECT_NE(record->size, realSize);
 
-        DialogSpec dialog;
+        DialogShape dialog;
         ASSERT_TRUE(TemplateWalker::Read(served, record->size, dialog)) << id;
         EXPECT_EQ(dialog.title, W(id == 100 ? "Dialog 100" : "Dialog 101"));
         EXPECT_EQ(dialog.cx, id == 100 ? 160 : 200);

@@ -41,7 +41,7 @@ struct Font {
 
 // Help ids and extended styles are not zero, so that a rewriter that lost
 // them would be seen.
-struct ItemSpec {
+struct ItemShape {
     std::uint32_t style = 0x50000000;  // WS_CHILD | WS_VISIBLE
     std::uint32_t exStyle = 0x4;       // WS_EX_NOPARENTNOTIFY
     std::uint32_t helpId = 0x1D;       // extended form only; the classic reads as this
@@ -50,7 +50,7 @@ struct ItemSpec {
     Field windowClass;
     Field title;
     Bytes creationData;
-    bool operator==(const ItemSpec& other) const {
+    bool operator==(const ItemShape& other) const {
         return style == other.style && exStyle == other.exStyle && helpId == other.helpId &&
                x == other.x && y == other.y && cx == other.cx && cy == other.cy && id == other.id &&
                windowClass == other.windowClass && title == other.title &&
@@ -62,7 +62,7 @@ constexpr std::uint32_t kDsSetFont = 0x40;
 constexpr std::uint16_t kDialogExVersion = 1, kDialogExSignature = 0xFFFF;
 constexpr std::uint16_t kButton = 0x80, kEdit = 0x81, kStatic = 0x82;
 
-struct DialogSpec {
+struct DialogShape {
     bool extended = false;
     std::uint32_t style = 0x80C80000;  // WS_POPUP | WS_CAPTION | WS_SYSMENU
     std::uint32_t exStyle = 0x10000;   // WS_EX_CONTROLPARENT
@@ -72,8 +72,8 @@ struct DialogSpec {
     Field windowClass;  // the empty text: the dialog class
     WideString title;
     Font font;  // written when style holds DS_SETFONT
-    std::vector<ItemSpec> items;
-    bool operator==(const DialogSpec& other) const {
+    std::vector<ItemShape> items;
+    bool operator==(const DialogShape& other) const {
         return extended == other.extended && style == other.style && exStyle == other.exStyle &&
                helpId == other.helpId && x == other.x && y == other.y && cx == other.cx &&
                cy == other.cy && menu == other.menu && windowClass == other.windowClass &&
@@ -91,7 +91,7 @@ inline std::ostream& operator<<(std::ostream& out, const Field& field) {
     return out << '"';
 }
 
-inline std::ostream& operator<<(std::ostream& out, const DialogSpec& dialog) {
+inline std::ostream& operator<<(std::ostream& out, const DialogShape& dialog) {
     out << (dialog.extended ? "DIALOGEX " : "DIALOG ") << dialog.x << "," << dialog.y << ","
         << dialog.cx << "," << dialog.cy << " style " << std::hex << dialog.style << std::dec
         << " title " << Field::Text(dialog.title);
@@ -99,7 +99,7 @@ inline std::ostream& operator<<(std::ostream& out, const DialogSpec& dialog) {
         out << " font " << dialog.font.pointSize << "/" << dialog.font.weight << "/"
             << int{dialog.font.italic} << "/" << int{dialog.font.charset} << " "
             << Field::Text(dialog.font.face);
-    for (const ItemSpec& item : dialog.items)
+    for (const ItemShape& item : dialog.items)
         out << "\n  " << item.id << " " << item.windowClass << " " << item.title << " " << item.x
             << "," << item.y << "," << item.cx << "," << item.cy << " data "
             << item.creationData.size();
