@@ -29,9 +29,6 @@ constexpr DWORD kReadBuffer = 64000;
 // Bytes of a full section name or a child's name, terminator included.
 constexpr size_t kSectionNameBuffer = 512;
 
-// A line end would start a line of its own in the file.
-bool HoldsLineEnd(const std::string& text) { return text.find_first_of("\r\n") != std::string::npos; }
-
 // The platform trims names at both ends: a name of blanks only is no name,
 // and a name of no name would end a zero-terminated listing early. Its blanks
 // are those of the C locale and 0x1A.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 
 #include "kticore/core/Exception.h"
@@ -17,13 +18,17 @@ using kt::params::NameEnum;
 // reader's whole limit leaves the line feed for a read of its own, which the
 // reader takes for the end of the input.
 constexpr size_t kLongestLine = kt::params::kPhysicalLineLimit - 1;
+// The most bytes of one value's piece: it goes with its terminator into the
+// entry buffer of the form, and must come back as a line of its own at least.
+constexpr size_t kLongestEntry = std::min(kt::params::kEntryBufferSize, kLongestLine) - 1;
 constexpr char kLineEnd[] = "\r\n";
 
 // The marked text of a value as the text form writes it: wide text goes as
-// narrow text under the marker of text.
-bool AppendEntryValue(std::string& entry, const tagKTVARIANT& value) {
+// narrow text under the marker of text. A blob whose text would take more
+// than `longest` bytes goes with no digits.
+bool AppendEntryValue(std::string& entry, const tagKTVARIANT& value, size_t longest) {
     if (value.vt != KTVT_WSTR)
-        return kt::params::AppendMarkedValue(entry, value);
+        return kt::params::AppendMarkedValue(entry, value, longest);
     entry += 's';
     entry += static_cast<const char*>(CXString(value.pwszVal));
     return true;
@@ -73,7 +78,7 @@ private:
     void WriteHeader(const std::string& shown) {
         piece.assign(kLineEnd).append("[").append(shown).append("]\t");
         lineLength = piece.size() - (sizeof kLineEnd - 1);
-        if (lineLength + 1 > kLongestLine)
+        if (lineLength + 1 > kLongestLine || kt::params::HoldsLineEnd(shown))
             throw CXException(XE_BAD_ARGUMENT);
         Put(piece);
     }
@@ -86,11 +91,9 @@ private:
             if (!param->GetValue(name, &value))
                 continue;
             piece.assign("\t| ").append(name).append("=");
-            if (!AppendEntryValue(piece, value))
+            if (!AppendEntryValue(piece, value, kLongestEntry - std::min(piece.size(), kLongestEntry)))
                 continue;
-            // The entry goes with its terminator into the entry buffer of the
-            // form, and it must come back as a line of its own at least.
-            if (piece.size() + 1 > kt::params::kEntryBufferSize || piece.size() + 1 > kLongestLine)
+            if (piece.size() > kLongestEntry || kt::params::HoldsLineEnd(piece))
                 throw CXException(XE_BAD_ARGUMENT);
             if (lineLength + piece.size() + 1 > kLongestLine) {
                 Put(kLineEnd);
