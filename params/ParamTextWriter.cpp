@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstring>
 #include <string>
 
 #include "kticore/core/Exception.h"
@@ -32,6 +33,13 @@ bool AppendEntryValue(std::string& entry, const tagKTVARIANT& value, size_t long
     entry += 's';
     entry += static_cast<const char*>(CXString(value.pwszVal));
     return true;
+}
+
+// Whether the reader would take the piece of a value of this name for
+// another line (a comment, a directive, a section line) or for more than
+// one value.
+bool ReadsAsOtherLines(const char* name) {
+    return name[0] == ';' || name[0] == '#' || name[0] == '[' || std::strpbrk(name, "=|") != nullptr;
 }
 
 struct WrittenSection {
@@ -93,7 +101,7 @@ private:
             piece.assign("\t| ").append(name).append("=");
             if (!AppendEntryValue(piece, value, kLongestEntry - std::min(piece.size(), kLongestEntry)))
                 continue;
-            if (piece.size() > kLongestEntry || kt::params::HoldsLineEnd(piece))
+            if (piece.size() > kLongestEntry || kt::params::HoldsLineEnd(piece) || ReadsAsOtherLines(name))
                 throw CXException(XE_BAD_ARGUMENT);
             if (lineLength + piece.size() + 1 > kLongestLine) {
                 Put(kLineEnd);

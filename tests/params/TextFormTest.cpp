@@ -255,9 +255,10 @@ TEST(TextWriting, TheFileFormIsExact) {
     EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
 }
 
-// A line end in a name or a text would start a line of its own: the writer
-// refuses it rather than write what reads back as other values or sections.
-TEST(TextWriting, ALineEndInANameOrATextIsRefused) {
+// A line end in a name or a text would start a line of its own, and a name
+// can read as another line or as more than one value: the writer refuses
+// them rather than write what reads back as other values or sections.
+TEST(TextWriting, WhatWouldReadBackAsOtherLinesIsRefused) {
     struct Case {
         const char* path;
         CKTVariant value;
@@ -265,6 +266,8 @@ TEST(TextWriting, ALineEndInANameOrATextIsRefused) {
     const Case cases[] = {
         {"v", CKTVariant("a\r\nb=i7")}, {"v", CKTVariant("a\rb")}, {"v", CKTVariant(KTW("a\nb=i7"))},
         {"a\nb", CKTVariant(1)},         {"s\r\n[\\x]\\v", CKTVariant(1)},
+        {"#a", CKTVariant(1)},            {";a", CKTVariant(1)},                   {"[a", CKTVariant(1)},
+        {"a|b", CKTVariant(1)},           {"a=b", CKTVariant(1)},
     };
     for (const Case& c : cases) {
         auto tree = NewTree();
