@@ -63,8 +63,11 @@ public:
 
     // The path stands at the section's own when the walk arrives.
     NameEnum* Enter(WrittenSection& section) {
-        WriteHeader(path.empty() && rootOnTop ? "\\" : path);
-        WriteValues(section.param.get());
+        const bool isTop = path.empty() && rootOnTop;
+        WriteHeader(isTop ? "\\" : path);
+        // The root's child of no name has the root's header: the sections
+        // below it come back, values of its own would go to the root.
+        WriteValues(section.param.get(), !isTop && path == "\\");
         return section.param->EnumSections();
     }
     bool Descend(WrittenSection& parent, const char* name, WrittenSection& child) {
@@ -82,16 +85,16 @@ public:
 private:
     void Put(const std::string& text) { out->Write(text.data(), static_cast<DWORD>(text.size())); }
 
-    // Refused unless it comes back as one line.
+    // Refused unless it comes back as one line, and as one piece of it.
     void WriteHeader(const std::string& shown) {
         piece.assign(kLineEnd).append("[").append(shown).append("]\t");
         lineLength = piece.size() - (sizeof kLineEnd - 1);
-        if (lineLength + 1 > kLongestLine || kt::params::HoldsLineEnd(shown))
+        if (lineLength + 1 > kLongestLine || kt::params::HoldsLineEnd(shown) || shown.find('|') != std::string::npos)
             throw CXException(XE_BAD_ARGUMENT);
         Put(piece);
     }
 
-    void WriteValues(IParam* param) {
+    void WriteValues(IParam* param, bool headerIsAnothers) {
         Held<NameEnum> names(param->EnumValues());
         const char* name = nullptr;
         while (names && names->Next(1, &name, nullptr)) {
@@ -101,7 +104,8 @@ private:
             piece.assign("\t| ").append(name).append("=");
             if (!AppendEntryValue(piece, value, kLongestEntry - std::min(piece.size(), kLongestEntry)))
                 continue;
-            if (piece.size() > kLongestEntry || kt::params::HoldsLineEnd(piece) || ReadsAsOtherLines(name))
+            if (piece.size() > kLongestEntry || kt::params::HoldsLineEnd(piece) || ReadsAsOtherLines(name) ||
+                headerIsAnothers)
                 throw CXException(XE_BAD_ARGUMENT);
             if (lineLength + piece.size() + 1 > kLongestLine) {
                 Put(kLineEnd);

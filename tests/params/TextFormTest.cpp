@@ -267,7 +267,8 @@ TEST(TextWriting, WhatWouldReadBackAsOtherLinesIsRefused) {
         {"v", CKTVariant("a\r\nb=i7")}, {"v", CKTVariant("a\rb")}, {"v", CKTVariant(KTW("a\nb=i7"))},
         {"a\nb", CKTVariant(1)},         {"s\r\n[\\x]\\v", CKTVariant(1)},
         {"#a", CKTVariant(1)},            {";a", CKTVariant(1)},                   {"[a", CKTVariant(1)},
-        {"a|b", CKTVariant(1)},           {"a=b", CKTVariant(1)},
+        {"a|b", CKTVariant(1)},           {"a=b", CKTVariant(1)},                  {"s|x\\v", CKTVariant(1)},
+        {"\\v", CKTVariant(1)},  // the root's section of no name has the root's header
     };
     for (const Case& c : cases) {
         auto tree = NewTree();
@@ -281,6 +282,12 @@ TEST(TextWriting, WhatWouldReadBackAsOtherLinesIsRefused) {
         }
         EXPECT_EQ(failure, static_cast<DWORD>(XE_BAD_ARGUMENT)) << c.path;
     }
+    // Below that section, names come back: "[\\x]".
+    auto tree = NewTree();
+    Set(tree.get(), "\\x\\v", CKTVariant(1));
+    auto back = ReadText(OneLine(tree.get()));
+    EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
+    EXPECT_EQ(Param_Cmp(tree.get(), back.get()), 1);
 }
 
 TEST(TextWriting, TheOneLineFormIsExact) {
