@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstring>
 #include <string>
 
 #include "kticore/core/Exception.h"
@@ -36,10 +35,12 @@ bool AppendEntryValue(std::string& entry, const tagKTVARIANT& value, size_t long
 }
 
 // Whether the reader would take the piece of a value of this name for
-// another line (a comment, a directive, a section line) or for more than
-// one value.
-bool ReadsAsOtherLines(const char* name) {
-    return name[0] == ';' || name[0] == '#' || name[0] == '[' || std::strpbrk(name, "=|") != nullptr;
+// another line (a comment, a directive, a section line), for more than one
+// value, or for a value of another name: it cuts blanks at both ends.
+bool ReadsBackAsOthers(const std::string& name) {
+    return !name.empty() && (name[0] == ';' || name[0] == '#' || name[0] == '[' ||
+                             name.find_first_of("=|") != std::string::npos ||
+                             kt::params::IsBlank(name.front()) || kt::params::IsBlank(name.back()));
 }
 
 struct WrittenSection {
@@ -104,7 +105,7 @@ private:
             piece.assign("\t| ").append(name).append("=");
             if (!AppendEntryValue(piece, value, kLongestEntry - std::min(piece.size(), kLongestEntry)))
                 continue;
-            if (piece.size() > kLongestEntry || kt::params::HoldsLineEnd(piece) || ReadsAsOtherLines(name) ||
+            if (piece.size() > kLongestEntry || kt::params::HoldsLineEnd(piece) || ReadsBackAsOthers(name) ||
                 headerIsAnothers)
                 throw CXException(XE_BAD_ARGUMENT);
             if (lineLength + piece.size() + 1 > kLongestLine) {

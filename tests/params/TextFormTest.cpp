@@ -256,9 +256,10 @@ TEST(TextWriting, TheFileFormIsExact) {
 }
 
 // A line end in a name or a text would start a line of its own, and a name
-// can read as another line or as more than one value: the writer refuses
-// them rather than write what reads back as other values or sections.
-TEST(TextWriting, WhatWouldReadBackAsOtherLinesIsRefused) {
+// can read as another line, as more than one value or as another name: the
+// writer refuses them rather than write what reads back as other values or
+// sections.
+TEST(TextWriting, WhatWouldNotReadBackAsWrittenIsRefused) {
     struct Case {
         const char* path;
         CKTVariant value;
@@ -268,6 +269,7 @@ TEST(TextWriting, WhatWouldReadBackAsOtherLinesIsRefused) {
         {"a\nb", CKTVariant(1)},         {"s\r\n[\\x]\\v", CKTVariant(1)},
         {"#a", CKTVariant(1)},            {";a", CKTVariant(1)},                   {"[a", CKTVariant(1)},
         {"a|b", CKTVariant(1)},           {"a=b", CKTVariant(1)},                  {"s|x\\v", CKTVariant(1)},
+        {" a", CKTVariant(1)},            {"a\t", CKTVariant(1)},
         {"\\v", CKTVariant(1)},  // the root's section of no name has the root's header
     };
     for (const Case& c : cases) {
