@@ -2,9 +2,14 @@
 // behind a line "FILE"; a token "@0" to "@3" in a file becomes the memory name
 // of that file, so includes (a file including itself among them) resolve to
 // memory names; memory names of the input's own are spelt out of use, since
-// a block of any size anywhere reads for ever. Whatever tree comes out must survive a trip through
-// the stream form byte for byte.
+// a block of any size anywhere reads for ever. Whatever tree comes out must
+// survive a trip through the stream form byte for byte, and the text the writer
+// makes of it must read back into a tree that the writer writes the same way.
 #include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -12,6 +17,7 @@
 #include "fuzz/StableStreamForm.h"
 #include "kticore/core/Exception.h"
 #include "kticore/files/File.h"
+#include "kticore/files/FileUtilities.h"
 #include "kticore/params/ParamTools.h"
 
 namespace {
@@ -73,6 +79,89 @@ std::vector<std::string> LayOut(std::vector<std::string> files) {
     return files;
 }
 
+// The most header bytes the round trip of the text form lets a tree take:
+// each header holds its section's whole path, so a section line of 65536
+// bytes makes a tree of 32768 levels whose text is a gigabyte.
+constexpr size_t kLongestHeaders = 4u << 20;
+
+// The bytes of all the tree's paths, counted until they pass `bound`.
+size_t PathBytes(IParam* top, size_t bound) {
+    struct Level {
+        IParam* section;
+        CTEnum<const char*>* names;
+        size_t pathLength;
+    };
+    top->AddRef();
+    std::vector<Level> levels{{top, top->EnumSections(), 0}};
+    size_t total = 0;
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        const char* name = nullptr;
+        if (total <= bound && level.names != nullptr && level.names->Next(1, &name, nullptr)) {
+            if (IParam* child = level.section->GetSection(name, 0)) {
+                const size_t length = level.pathLength + 1 + std::strlen(name);
+                total += length;
+                levels.push_back({child, child->EnumSections(), length});
+            }
+            continue;
+        }
+        if (level.names != nullptr)
+            level.names->Release();
+        level.section->Release();
+        levels.pop_back();
+    }
+    return total;
+}
+
+// The file the round trip writes and reads, removed at the end of the run.
+class TextFile {
+public:
+    TextFile() : name(Fio_GetTempFileName()) {}
+    ~TextFile() { Fio_DeleteFile(name.c_str()); }
+    TextFile(const TextFile&) = delete;
+    TextFile& operator=(const TextFile&) = delete;
+
+    const KTWCHAR* Name() const { return name.c_str(); }
+    std::string Content() const {
+        std::ifstream in(std::filesystem::path(std::u16string(name.begin(), name.end())), std::ios::binary);
+        std::ostringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
+
+private:
+    const std::basic_string<KTWCHAR> name;
+};
+
+const TextFile& Scratch() {
+    static const TextFile file;
+    return file;
+}
+
+// The text form of the tree as the file writer makes it; empty when the
+// writer refuses the tree.
+std::string WrittenText(IParam* tree) {
+    try {
+        Check(Param_Param2IniFile(tree, Scratch().Name()) == 1);
+    } catch (const CXException& failure) {
+        Check(failure.code == XE_BAD_ARGUMENT);
+        return std::string();
+    }
+    return Scratch().Content();
+}
+
+void CheckTextFormIsStable(IParam* tree) {
+    if (PathBytes(tree, kLongestHeaders) > kLongestHeaders)
+        return;
+    const std::string first = WrittenText(tree);
+    if (first.empty())
+        return;
+    IParam* back = new_MemParam();
+    Check(Param_IniFile2Param(Scratch().Name(), back) == 1);
+    Check(WrittenText(back) == first);
+    back->Release();
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
@@ -94,6 +183,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     }
 
     CheckStreamFormIsStable(tree);
+    CheckTextFormIsStable(tree);
     tree->Release();
     return 0;
 }

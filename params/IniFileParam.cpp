@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 #include "kticore/core/Exception.h"
@@ -26,41 +27,54 @@ constexpr char kMarkerKey[] = "@";
 constexpr char kEmptyValue[] = "e";  // the marked text of an empty variant
 // Bytes of every read from the file: values and listings are cut to it.
 constexpr DWORD kReadBuffer = 64000;
+// The most bytes of marked text that a read gives back whole.
+constexpr size_t kLongestMarkedText = kReadBuffer - 1;
 // Bytes of a full section name or a child's name, terminator included.
 constexpr size_t kSectionNameBuffer = 512;
 
-// A line end would start a line of its own in the file.
-bool HoldsLineEnd(const std::string& text) { return text.find_first_of("\r\n") != std::string::npos; }
+// The blanks that the platform trims from names: those of the C locale and
+// 0x1A.
+constexpr char kBlanks[] = " \t\n\v\f\r\x1a";
 
-// The platform trims names at both ends: a name of blanks only is no name,
-// and a name of no name would end a zero-terminated listing early. Its blanks
-// are those of the C locale and 0x1A.
-bool IsBlankOnly(const std::string& text) {
-    return text.find_first_not_of(" \t\n\v\f\r\x1a") == std::string::npos;
+bool IsBlankOnly(const std::string& text) { return text.find_first_not_of(kBlanks) == std::string::npos; }
+bool EndsInBlank(const std::string& text) {
+    return !text.empty() && std::string_view(kBlanks).find(text.back()) != std::string_view::npos;
 }
 
 // What the file can hold as the name of a key: no "=", which would end it, no
-// line end, no start that reads as a section or a comment, and some name.
+// line end, no start that reads as a section or a comment, and some name: a
+// name of blanks only is no name, and a name of no name would end a
+// zero-terminated listing early.
 bool FitsKeyName(const char* name) {
     const std::string text(name);
     return text.find('=') == std::string::npos && !HoldsLineEnd(text) && text[0] != '[' &&
-           text[0] != ';' && !IsBlankOnly(text) && text.size() <= sys::kLongestProfileText;
+           text[0] != ';' && !IsBlankOnly(text) && text.size() <= sys::kLongestProfileName;
 }
 
-// Below the root every piece between the separators needs a name too.
-bool FitsSectionName(const std::string& name) {
-    if (name.size() >= kSectionNameBuffer || HoldsLineEnd(name))
-        return false;
-    if (name == kRootSection)
-        return true;
-    for (size_t start = 1;;) {
-        const size_t end = std::min(name.find('\\', start), name.size());
-        if (IsBlankOnly(name.substr(start, end - start)))
-            return false;
-        if (end == name.size())
-            return true;
-        start = end + 1;
-    }
+// Whether the file would take the full section name `name` for another
+// section's, or for none: a line end cannot stand in a name, the platform
+// trims blanks from its end, and "\" alone is the root's. An empty piece
+// ("\a\", "\\x") is a name like any other.
+bool NamesAnotherSection(const std::string& name, bool isRoot) {
+    return HoldsLineEnd(name) || EndsInBlank(name) || (name == kRootSection && !isRoot);
+}
+
+// Whether the section of that full name keeps values of its own: a name of
+// its own, short of the section buffer.
+bool HoldsValues(const std::string& name, bool isRoot) {
+    return !NamesAnotherSection(name, isRoot) && name.size() < kSectionNameBuffer;
+}
+
+// What the full names of the sections below the section `name` begin with:
+// the root's children are "\a", the others' "\a\b".
+std::string ChildPrefix(const std::string& name, bool isRoot) { return isRoot ? name : name + '\\'; }
+
+// Whether the listed section lies below the section whose children's names
+// begin with `prefix` ("\" for the root, which is not below itself).
+bool IsBelow(const char* listed, const std::string& prefix, bool isRoot) {
+    const size_t length = std::strlen(listed);
+    return length >= prefix.size() + (isRoot ? 1 : 0) &&
+           CompareNoCase(std::string(listed, prefix.size()).c_str(), prefix.c_str()) == 0;
 }
 
 // The names of a listing as a block of zero-terminated names ending with an
@@ -87,29 +101,18 @@ CTEnum<const char*>* NewEnumerator(const std::string& block, IParam* owner) {
 
 }  // namespace
 
-CIniFileParam::CIniFileParam(const char* file, const char* baseSection, const char* path,
-                             IParam* parent)
-    : file(file) {
-    section = baseSection;
-    if (path != nullptr) {
-        if (section != kRootSection)
-            section += '\\';
-        section += path;
-    }
-    if (!FitsSectionName(section))
-        throw CXException(XE_BAD_ARGUMENT);
+CIniFileParam::CIniFileParam(const char* file, const std::string& section, IParam* parent)
+    : file(file), section(section), sectionLength(static_cast<int>(section.size())), isRoot(parent == nullptr) {
     registered.Register(static_cast<IRegisterIface*>(this), typeid(IRegisterIface), 0);
-
     // A section without keys does not exist for the file: the marker key
     // makes this one.
     char probe[2];
-    if (sys::ReadProfileString(section.c_str(), kMarkerKey, probe, sizeof probe, file) == 0) {
+    if (HoldsOwnValues() &&
+        sys::ReadProfileString(section.c_str(), kMarkerKey, probe, sizeof probe, file) == 0) {
         Fio_CreateDirectory(CXStringW(file).FilePath());
         sys::WriteProfileString(section.c_str(), kMarkerKey, kEmptyValue, file);
     }
-    sectionLength = static_cast<int>(section.size());
-    isRoot = section == kRootSection;
-    SetParent(parent);  // last: a failure above leaves no reference behind
+    SetParent(parent);
 }
 
 CIniFileParam::~CIniFileParam() { SetParent(nullptr); }
@@ -143,12 +146,14 @@ IParam* CIniFileParam::GetParent() {
     return parent;
 }
 
+bool CIniFileParam::HoldsOwnValues() const { return HoldsValues(section, isRoot != 0); }
+
 std::string CIniFileParam::SectionBelow(const char* path) const {
-    return (isRoot ? section : section + '\\') + (path != nullptr ? path : "");
+    return ChildPrefix(section, isRoot != 0) + (path != nullptr ? path : "");
 }
 
 IParam* CIniFileParam::OpenBelow(const char* path) {
-    return new CIniFileParam(file.c_str(), section.c_str(), path != nullptr ? path : "", this);
+    return new CIniFileParam(file.c_str(), SectionBelow(path), this);
 }
 
 IParam* CIniFileParam::CreateSection(const char* path) {
@@ -159,42 +164,42 @@ IParam* CIniFileParam::CreateSection(const char* path) {
 IParam* CIniFileParam::GetSection(const char* path, int create) {
     const std::string name = SectionBelow(path);
     std::vector<char> keys(kReadBuffer);
-    if (!FitsSectionName(name) ||
-        sys::ReadProfileKeyNames(name.c_str(), keys.data(), kReadBuffer, file.c_str()) == 0)
-        return create != 0 ? OpenBelow(path) : nullptr;  // sections below it stay
-    return OpenBelow(path);
+    if (create == 0 && (!HoldsValues(name, false) ||
+                        sys::ReadProfileKeyNames(name.c_str(), keys.data(), kReadBuffer, file.c_str()) == 0))
+        return nullptr;
+    return OpenBelow(path);  // a missing section is made; sections below it stay
 }
 
-// A section that has only sections below it in the file, and no keys of its
-// own, is still listed as a child: it is opened for its removal, so that
-// nothing below a deleted or cleared section stays behind.
-void CIniFileParam::DeleteSection(const char* path) {
-    Held<IParam> found(GetSection(path, 0));
-    if (!found && HasSectionsBelow(SectionBelow(path)))
-        found.Reset(OpenBelow(path));
-    if (found)
-        found->Clear();
-}
+void CIniFileParam::DeleteSection(const char* path) { RemoveSections(SectionBelow(path), false, true); }
 
-void CIniFileParam::DeleteAllSections() {
-    Held<CTEnum<const char*>> names(EnumSections());
-    const char* name = nullptr;
-    while (names->Next(1, &name, nullptr))
-        DeleteSection(name);
-}
+void CIniFileParam::DeleteAllSections() { RemoveSections(section, isRoot != 0, false); }
 
 std::string CIniFileParam::AllSectionNames() const {
     std::vector<char> buffer(kReadBuffer);
     return ListedNames(buffer, sys::ReadProfileSectionNames(buffer.data(), kReadBuffer, file.c_str()));
 }
 
-bool CIniFileParam::HasSectionsBelow(const std::string& name) const {
-    const std::string all = AllSectionNames();
-    for (const char* listed = all.data(); *listed != 0; listed += std::strlen(listed) + 1)
-        if (std::strlen(listed) > name.size() && listed[name.size()] == '\\' &&
-            CompareNoCase(std::string(listed, name.size()).c_str(), name.c_str()) == 0)
-            return true;
-    return false;
+// Every section below, also those that no child's name leads to (a piece of
+// no name, one too long to be listed), goes by its name in the listing. A
+// listing holds no more than its buffer: each pass lists anew, until one
+// finds nothing more that goes.
+void CIniFileParam::RemoveSections(const std::string& name, bool nameIsRoot, bool itself) const {
+    const std::string prefix = ChildPrefix(name, nameIsRoot);
+    std::vector<std::string> removed;
+    for (;;) {
+        std::vector<std::string> below;
+        const std::string all = AllSectionNames();
+        for (const char* listed = all.data(); *listed != 0; listed += std::strlen(listed) + 1)
+            if (IsBelow(listed, prefix, nameIsRoot))
+                below.emplace_back(listed);
+        if (below.empty() || below == removed)
+            break;
+        for (const std::string& each : below)
+            sys::DeleteProfileSection(each.c_str(), file.c_str());
+        removed = std::move(below);
+    }
+    if (itself && !NamesAnotherSection(name, nameIsRoot))
+        sys::DeleteProfileSection(name.c_str(), file.c_str());
 }
 
 int CIniFileParam::GetValue(const char* path, tagKTVARIANT* value) {
@@ -205,10 +210,12 @@ int CIniFileParam::GetValue(const char* path, tagKTVARIANT* value) {
         Held<IParam> below(GetSection(split.Section(), 0));
         return below ? below->GetValue(split.Name(), value) : 0;
     }
+    KTVariantClear(value);
+    if (!HoldsOwnValues())
+        return 0;
     std::vector<char> text(kReadBuffer);
     const DWORD length = sys::ReadProfileString(section.c_str(), ValueName(kRules, path), text.data(),
                                                 kReadBuffer, file.c_str());
-    KTVariantClear(value);
     CKTVariant read;
     if (length == 0 || !ReadMarkedValue(text.data(), read))
         return 0;
@@ -217,39 +224,39 @@ int CIniFileParam::GetValue(const char* path, tagKTVARIANT* value) {
 }
 
 // What the file has no form for is dropped without a word, as objects and
-// wide text are: a section or a key name it cannot hold, a text with a line
-// end or longer than the platform takes, a blob longer than the text form
-// writes. A path beyond its buffer is refused, as in every back end.
+// wide text are: the values of a section whose name the file would take for
+// another, a key name it cannot hold, a text with a line end or longer than a
+// read takes back. A blob too long goes with no digits, as in the text form.
+// A path beyond its buffer is refused, as in every back end.
 void CIniFileParam::SetValue(const char* path, const tagKTVARIANT* value) {
     const ValuePath split(path);
     if (split.HasSection()) {
         if (!split.Fits())
             throw CXException(XE_BAD_ARGUMENT);
-        if (!FitsSectionName(SectionBelow(split.Section())))
-            return;
         Held<IParam> below(GetSection(split.Section(), 1));
         below->SetValue(split.Name(), value);
         return;
     }
-    if (value == nullptr || !Stores(kRules, value->vt))
-        return;
-    std::string text;
-    if (!AppendMarkedValue(text, *value))
-        return;
     const char* name = ValueName(kRules, path);
-    // A blob too long for the text form is written without digits.
-    const bool wholeBlob = value->vt != KTVT_BLOB || text.size() == 1 + 2 * size_t{value->blobVal.size};
-    if (!FitsKeyName(name) || HoldsLineEnd(text) || text.size() > sys::kLongestProfileText ||
-        !wholeBlob)
+    std::string text;
+    if (value == nullptr || !Stores(kRules, value->vt) || !HoldsOwnValues() || !FitsKeyName(name) ||
+        !AppendMarkedValue(text, *value, kLongestMarkedText))
         return;
-    sys::WriteProfileString(section.c_str(), name, text.c_str(), file.c_str());
+    // A value that is not stored leaves no older one behind.
+    if (HoldsLineEnd(text) || text.size() > kLongestMarkedText)
+        sys::DeleteProfileKey(section.c_str(), name, file.c_str());
+    else
+        sys::WriteProfileString(section.c_str(), name, text.c_str(), file.c_str());
 }
 
 void CIniFileParam::DeleteValue(const char* name) {
-    sys::DeleteProfileKey(section.c_str(), name, file.c_str());
+    if (HoldsOwnValues())
+        sys::DeleteProfileKey(section.c_str(), name, file.c_str());
 }
 
 void CIniFileParam::DeleteAllValues() {
+    if (!HoldsOwnValues())
+        return;
     Held<CTEnum<const char*>> names(EnumValues());
     const char* name = nullptr;
     while (names->Next(1, &name, nullptr))
@@ -262,39 +269,28 @@ void CIniFileParam::DeleteAllValues() {
 
 CTEnum<const char*>* CIniFileParam::EnumValues() {
     std::vector<char> buffer(kReadBuffer);
-    const DWORD length = sys::ReadProfileKeyNames(section.c_str(), buffer.data(), kReadBuffer, file.c_str());
+    const DWORD length = HoldsOwnValues() ? sys::ReadProfileKeyNames(section.c_str(), buffer.data(),
+                                                                     kReadBuffer, file.c_str())
+                                          : 0;
     return NewEnumerator(ListedNames(buffer, length), this);
 }
 
-void CIniFileParam::Clear() {
-    DeleteAllSections();
-    sys::DeleteProfileSection(section.c_str(), file.c_str());
-}
+void CIniFileParam::Clear() { RemoveSections(section, isRoot != 0, true); }
 
 CTEnum<const char*>* CIniFileParam::EnumSectionsImpl() {
     const std::string all = AllSectionNames();
+    const std::string prefix = ChildPrefix(section, isRoot != 0);
     std::string children;
     std::vector<std::string> seen;
     for (const char* name = all.data(); *name != 0; name += std::strlen(name) + 1) {
-        const std::string candidate(name);
-        if (candidate == kRootSection || candidate.size() < section.size() ||
-            CompareNoCase(candidate.substr(0, section.size()).c_str(), section.c_str()) != 0)
+        if (!IsBelow(name, prefix, isRoot != 0))
             continue;
-        size_t start = section.size();
-        if (!isRoot) {
-            if (candidate[start] != '\\')
-                continue;
-            ++start;
-        }
-        if (start >= candidate.size())
-            continue;
-        const std::string child = candidate.substr(start, candidate.find('\\', start) - start);
+        const std::string below(name + prefix.size());
+        const std::string child = below.substr(0, below.find('\\'));
+        // A child of no name would end the list.
         if (child.empty() || child.size() >= kSectionNameBuffer || children.size() + child.size() + 2 > kReadBuffer)
             continue;
-        bool known = false;
-        for (const std::string& other : seen)
-            known = known || other == child;
-        if (known)
+        if (std::find(seen.begin(), seen.end(), child) != seen.end())
             continue;
         seen.push_back(child);
         children.append(child).push_back('\0');
@@ -308,5 +304,5 @@ CTEnum<const char*>* CIniFileParam::EnumSectionsImpl() {
 IParam* new_IParamIniFile(const KTWCHAR* file) {
     if (file == nullptr)
         throw CXException(XE_BAD_ARGUMENT);
-    return new kt::params::CIniFileParam(CXString(file), kt::params::kRootSection, nullptr, nullptr);
+    return new kt::params::CIniFileParam(CXString(file), kt::params::kRootSection, nullptr);
 }

@@ -13,10 +13,10 @@ namespace kt::params {
 
 class CIniFileParam final : public IParam, public IRegisterIface {
 public:
-    // The section `path` below `baseSection`, or `baseSection` itself for a
-    // null `path`. Throws XE_BAD_ARGUMENT for a section name the file cannot
-    // hold.
-    CIniFileParam(const char* file, const char* baseSection, const char* path, IParam* parent);
+    // The section of the full name `section`: the root for a null `parent`.
+    // Writes its marker key when the file lacks it and the section can hold
+    // values of its own (see HoldsOwnValues).
+    CIniFileParam(const char* file, const std::string& section, IParam* parent);
     ~CIniFileParam();
     CIniFileParam(const CIniFileParam&) = delete;
     CIniFileParam& operator=(const CIniFileParam&) = delete;
@@ -46,6 +46,12 @@ public:
     virtual IParam* GetParent();
 
 private:
+    // False for a section whose name the file would take for another's (it
+    // ends in a blank, or it is the root's child of no name, "\" like the
+    // root itself), or cannot hold (a line end, 512 bytes or more): such a
+    // section drops its own values without a word, while the sections below
+    // it may have names of their own.
+    bool HoldsOwnValues() const;
     // A new object on the section `path` below this one, which it writes
     // when the file lacks it.
     IParam* OpenBelow(const char* path);
@@ -54,8 +60,9 @@ private:
     // Every section name of the file, as a block of zero-terminated names
     // that ends with an empty one.
     std::string AllSectionNames() const;
-    // Whether the file has a section deeper below the full name `name`.
-    bool HasSectionsBelow(const std::string& name) const;
+    // Removes from the file every section below the full name `name`, and
+    // with `itself` that section too, unless its name is another's.
+    void RemoveSections(const std::string& name, bool nameIsRoot, bool itself) const;
 
     CRegisteredInterfaces registered;
     ULONG refCount = 1;

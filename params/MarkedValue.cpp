@@ -212,8 +212,10 @@ void AppendList(std::string& out, std::initializer_list<N> numbers) {
     }
 }
 
-void AppendBlob(std::string& out, const tagKTBLOB& blob) {
-    if (std::uint64_t{blob.size} * 2 >= kBlobTextLimit)
+// `room`: the bytes the digits may take.
+void AppendBlob(std::string& out, const tagKTBLOB& blob, size_t room) {
+    const std::uint64_t digits = std::uint64_t{blob.size} * 2;
+    if (digits >= kBlobTextLimit || digits > room)
         return;
     for (ULONG i = 0; i < blob.size; ++i) {
         out += kHexDigits[blob.data[i] >> 4];
@@ -223,7 +225,7 @@ void AppendBlob(std::string& out, const tagKTBLOB& blob) {
 
 }  // namespace
 
-bool AppendMarkedValue(std::string& out, const tagKTVARIANT& value) {
+bool AppendMarkedValue(std::string& out, const tagKTVARIANT& value, size_t longest) {
     const MarkerRow* row = RowOfKind(value.vt);
     if (row == nullptr)
         return false;
@@ -272,7 +274,7 @@ bool AppendMarkedValue(std::string& out, const tagKTVARIANT& value) {
         AppendList<double>(out, {value.rrcVal.left, value.rrcVal.top, value.rrcVal.right, value.rrcVal.bottom});
         break;
     case KTVT_BLOB:
-        AppendBlob(out, value.blobVal);
+        AppendBlob(out, value.blobVal, longest > 0 ? longest - 1 : 0);
         break;
     default:
         break;

@@ -35,9 +35,13 @@ const char* SkipBlanksAndSign(const char* text, bool& negative) {
 }
 
 // Whether a number that does not fit a double is too small rather than too
-// large: a negative exponent, or no digit but 0 before the point.
-bool IsTiny(const char* begin, const char* end) {
-    const char* exponent = std::find_if(begin, end, [](char c) { return c == 'e' || c == 'E' || c == 'p' || c == 'P'; });
+// large: a negative exponent, or no digit but 0 before the point. A
+// hexadecimal number's exponent is the one behind `p`: `e` is a digit there.
+bool IsTiny(const char* begin, const char* end, bool hexadecimal) {
+    const auto isExponent = [hexadecimal](char c) {
+        return c == 'p' || c == 'P' || (!hexadecimal && (c == 'e' || c == 'E'));
+    };
+    const char* exponent = std::find_if(begin, end, isExponent);
     if (exponent != end)
         return exponent + 1 < end && exponent[1] == '-';
     for (; begin != end && *begin != '.'; ++begin)
@@ -80,16 +84,20 @@ const char* ReadReal(const char* text, double& value) {
     const char* end = at;
     while (*end != 0)
         ++end;
-    std::from_chars_result result{};
-    if (at[0] == '0' && (at[1] == 'x' || at[1] == 'X') && (IsHexDigit(at[2]) || at[2] == '.'))
-        result = std::from_chars(at + 2, end, value, std::chars_format::hex);
-    else
-        result = std::from_chars(at, end, value, std::chars_format::general);
+    // One sign only: from_chars would take a second minus.
+    if (*at == '-' || *at == '+')
+        return nullptr;
+    // "0x" counts only before a hexadecimal digit, else the 0 alone is read.
+    const bool hexadecimal = at[0] == '0' && (at[1] == 'x' || at[1] == 'X') &&
+                             (IsHexDigit(at[2]) || (at[2] == '.' && IsHexDigit(at[3])));
+    const std::from_chars_result result =
+        hexadecimal ? std::from_chars(at + 2, end, value, std::chars_format::hex)
+                    : std::from_chars(at, end, value, std::chars_format::general);
     if (result.ec == std::errc::invalid_argument)
         return nullptr;
     // strtod gives 0 and infinity there.
     if (result.ec == std::errc::result_out_of_range)
-        value = IsTiny(at, result.ptr) ? 0.0 : std::numeric_limits<double>::infinity();
+        value = IsTiny(at, result.ptr, hexadecimal) ? 0.0 : std::numeric_limits<double>::infinity();
     if (negative)
         value = -value;
     return result.ptr;

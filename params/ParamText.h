@@ -9,8 +9,12 @@
 // Writes `param` and everything below it through out->Write. `path` is null
 // at the top; below, it names the section in its header. A header or a value
 // that does not fit the buffers of the form, or would not come back as one
-// physical line, throws XE_BAD_ARGUMENT. Values that would take their
-// header's line past the reader's limit go on further lines.
+// physical line (a name or a text with a line end), throws XE_BAD_ARGUMENT,
+// as does a `|` in a header, a value name that would read back as another
+// line, as more than one value or as another name, and a value of the root's
+// section of no name, whose header is the root's; a blob too long for its
+// entry goes with no digits instead. Values that
+// would take their header's line past the reader's limit go on further lines.
 void ParamText_Write(IParam* param, IXFile* out, const char* path);
 
 // Adds the tree in the text of `in` to `root`. 0 for a null argument, else 1.

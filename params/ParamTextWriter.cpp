@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 
 #include "kticore/core/Exception.h"
@@ -17,16 +18,29 @@ using kt::params::NameEnum;
 // reader's whole limit leaves the line feed for a read of its own, which the
 // reader takes for the end of the input.
 constexpr size_t kLongestLine = kt::params::kPhysicalLineLimit - 1;
+// The most bytes of one value's piece: it goes with its terminator into the
+// entry buffer of the form, and must come back as a line of its own at least.
+constexpr size_t kLongestEntry = std::min(kt::params::kEntryBufferSize, kLongestLine) - 1;
 constexpr char kLineEnd[] = "\r\n";
 
 // The marked text of a value as the text form writes it: wide text goes as
-// narrow text under the marker of text.
-bool AppendEntryValue(std::string& entry, const tagKTVARIANT& value) {
+// narrow text under the marker of text. A blob whose text would take more
+// than `longest` bytes goes with no digits.
+bool AppendEntryValue(std::string& entry, const tagKTVARIANT& value, size_t longest) {
     if (value.vt != KTVT_WSTR)
-        return kt::params::AppendMarkedValue(entry, value);
+        return kt::params::AppendMarkedValue(entry, value, longest);
     entry += 's';
     entry += static_cast<const char*>(CXString(value.pwszVal));
     return true;
+}
+
+// Whether the reader would take the piece of a value of this name for
+// another line (a comment, a directive, a section line), for more than one
+// value, or for a value of another name: it cuts blanks at both ends.
+bool ReadsBackAsOthers(const std::string& name) {
+    return !name.empty() && (name[0] == ';' || name[0] == '#' || name[0] == '[' ||
+                             name.find_first_of("=|") != std::string::npos ||
+                             kt::params::IsBlank(name.front()) || kt::params::IsBlank(name.back()));
 }
 
 struct WrittenSection {
@@ -50,8 +64,11 @@ public:
 
     // The path stands at the section's own when the walk arrives.
     NameEnum* Enter(WrittenSection& section) {
-        WriteHeader(path.empty() && rootOnTop ? "\\" : path);
-        WriteValues(section.param.get());
+        const bool isTop = path.empty() && rootOnTop;
+        WriteHeader(isTop ? "\\" : path);
+        // The root's child of no name has the root's header: the sections
+        // below it come back, values of its own would go to the root.
+        WriteValues(section.param.get(), !isTop && path == "\\");
         return section.param->EnumSections();
     }
     bool Descend(WrittenSection& parent, const char* name, WrittenSection& child) {
@@ -69,16 +86,16 @@ public:
 private:
     void Put(const std::string& text) { out->Write(text.data(), static_cast<DWORD>(text.size())); }
 
-    // Refused unless it comes back as one line.
+    // Refused unless it comes back as one line, and as one piece of it.
     void WriteHeader(const std::string& shown) {
         piece.assign(kLineEnd).append("[").append(shown).append("]\t");
         lineLength = piece.size() - (sizeof kLineEnd - 1);
-        if (lineLength + 1 > kLongestLine)
+        if (lineLength + 1 > kLongestLine || kt::params::HoldsLineEnd(shown) || shown.find('|') != std::string::npos)
             throw CXException(XE_BAD_ARGUMENT);
         Put(piece);
     }
 
-    void WriteValues(IParam* param) {
+    void WriteValues(IParam* param, bool headerIsAnothers) {
         Held<NameEnum> names(param->EnumValues());
         const char* name = nullptr;
         while (names && names->Next(1, &name, nullptr)) {
@@ -86,11 +103,10 @@ private:
             if (!param->GetValue(name, &value))
                 continue;
             piece.assign("\t| ").append(name).append("=");
-            if (!AppendEntryValue(piece, value))
+            if (!AppendEntryValue(piece, value, kLongestEntry - std::min(piece.size(), kLongestEntry)))
                 continue;
-            // The entry goes with its terminator into the entry buffer of the
-            // form, and it must come back as a line of its own at least.
-            if (piece.size() + 1 > kt::params::kEntryBufferSize || piece.size() + 1 > kLongestLine)
+            if (piece.size() > kLongestEntry || kt::params::HoldsLineEnd(piece) || ReadsBackAsOthers(name) ||
+                headerIsAnothers)
                 throw CXException(XE_BAD_ARGUMENT);
             if (lineLength + piece.size() + 1 > kLongestLine) {
                 Put(kLineEnd);

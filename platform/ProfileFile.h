@@ -24,8 +24,9 @@
 //   not written, on either build (Wine, run by a privileged user, would).
 // - A name without a directory part names a file in the Windows directory,
 //   not in the current one (see ProfileFilePath).
-// - Texts longer than kLongestProfileText are refused unread and unwritten:
-//   Wine's functions fail or fault on them.
+// - Section and key names longer than kLongestProfileName are refused unread
+//   and unwritten: Wine's functions would take them for other names. Texts of
+//   any length are written, and read cut to the buffer.
 #pragma once
 
 #include <cstring>
@@ -35,10 +36,10 @@
 
 namespace kt::sys {
 
-// The longest section name, key name or value that the profile functions
-// take: Wine converts each argument through a counted string of 16-bit
+// The longest section or key name that the profile functions take: Wine's
+// ANSI functions convert each argument through a counted string of 16-bit
 // lengths.
-constexpr DWORD kLongestProfileText = 32766;
+constexpr DWORD kLongestProfileName = 32766;
 
 // Whether the profile functions look for `file` in the Windows directory: a
 // name with neither a separator nor a drive in front.

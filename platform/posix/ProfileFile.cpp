@@ -48,8 +48,8 @@ std::mutex& ProfileLock() {
     return lock;
 }
 
-// A name or text that is there and that the platform's functions take.
-bool Fits(const char* text) { return text != nullptr && std::strlen(text) <= kLongestProfileText; }
+// A name that is there and that the platform's functions take.
+bool Fits(const char* name) { return name != nullptr && std::strlen(name) <= kLongestProfileName; }
 
 DWORD Nothing(char* buffer, DWORD size) {
     if (size > 0)
@@ -229,7 +229,7 @@ struct Edit {
 
 bool Change(const char* file, bool (*edit)(Profile&, const Edit&), const char* section,
             const char* key, const char* text) {
-    if (!Fits(section) || (key != nullptr && !Fits(key)) || (text != nullptr && !Fits(text)))
+    if (!Fits(section) || (key != nullptr && !Fits(key)))
         return false;
     std::lock_guard<std::mutex> hold(ProfileLock());
     const std::string name = ProfileFilePath(file);

@@ -1,15 +1,25 @@
 // The Win32 implementation of the profile-file seam: the platform's own
-// functions, behind two guards that Wine needs.
+// functions, behind the guards that Wine needs.
 #include "platform/ProfileFile.h"
 
 #include <cstring>
+#include <string>
 
 namespace kt::sys {
 
 namespace {
 
-// A name or text that is there and that the platform's functions take.
-bool Fits(const char* text) { return text != nullptr && std::strlen(text) <= kLongestProfileText; }
+// A name that is there and that the platform's functions take.
+bool Fits(const char* name) { return name != nullptr && std::strlen(name) <= kLongestProfileName; }
+
+// ANSI text as 16-bit text, converted as the ANSI functions convert it.
+std::wstring Wide(const char* text) {
+    const int units = ::MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
+    std::wstring wide(units > 0 ? static_cast<size_t>(units) : 1, L'\0');
+    ::MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), static_cast<int>(wide.size()));
+    wide.resize(wide.size() - 1);
+    return wide;
+}
 
 // Nothing is read: the answer of a missing key or an empty list.
 DWORD Nothing(char* buffer, DWORD size) {
@@ -26,12 +36,16 @@ bool IsReadOnlyFile(const char* file) {
            !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
-// A null key or text asks for a removal.
+// A null key or text asks for a removal. Wine's WritePrivateProfileStringA
+// writes a few garbled bytes for a text of more than kLongestProfileName
+// bytes; its 16-bit twin, given the same conversion, writes any length.
 bool Write(const char* section, const char* key, const char* text, const char* file) {
-    if (!Fits(section) || (key != nullptr && !Fits(key)) || (text != nullptr && !Fits(text)) ||
-        IsReadOnlyFile(file))
+    if (!Fits(section) || (key != nullptr && !Fits(key)) || IsReadOnlyFile(file))
         return false;
-    return ::WritePrivateProfileStringA(section, key, text, file) != 0;
+    const std::wstring wideKey = key != nullptr ? Wide(key) : std::wstring();
+    const std::wstring wideText = text != nullptr ? Wide(text) : std::wstring();
+    return ::WritePrivateProfileStringW(Wide(section).c_str(), key != nullptr ? wideKey.c_str() : nullptr,
+                                        text != nullptr ? wideText.c_str() : nullptr, Wide(file).c_str()) != 0;
 }
 
 }  // namespace

@@ -61,11 +61,33 @@ TEST_F(TextFiles, IncludesFindTheirFilesFromBothBaseDirectories) {
     EXPECT_EQ(ValueNames(tree.get()), (Names{"from", "beside", "base", "last"}));
 }
 
-// Twice: without a limit on the includes of one reading, the depth limit
-// alone would let it be read 2^32 times.
-TEST_F(TextFiles, AFileThatIncludesItselfStopsAtTheLimits) {
-    auto tree = ReadContent("[\\]\n#include ./top.ini\n#include ./top.ini\ncount\n");
-    EXPECT_EQ(ValueNames(tree.get()), Names{"count"});
+// At most 32 inputs are open at once, the top file among them, and one
+// reading opens at most 1024 includes: without the second limit, a file that
+// includes itself twice would be read 2^32 times before the first stopped it.
+TEST_F(TextFiles, IncludesStopAtTheDepthAndCountLimits) {
+    Names chain;
+    for (int i = 1; i <= 40; ++i) {
+        const std::string leaf = "f" + std::to_string(i) + ".ini";
+        WriteContent(directory / WideString(leaf.begin(), leaf.end()),
+                     "v" + std::to_string(i) + "\n#include ./f" + std::to_string(i + 1) + ".ini\n");
+    }
+    auto deep = ReadContent("[\\]\nv0\n#include ./f1.ini\n");
+    for (int i = 0; i < 32; ++i)
+        chain.push_back("v" + std::to_string(i));
+    EXPECT_EQ(ValueNames(deep.get()), chain);
+
+    WriteContent(directory / KTW("one.ini"), "one\n");
+    WriteContent(directory / KTW("last.ini"), "last\n");
+    for (const int before : {1023, 1024}) {
+        std::string text = "[\\]\n";
+        for (int i = 0; i < before; ++i)
+            text += "#include ./one.ini\n";
+        auto tree = ReadContent(text + "#include ./last.ini\n");
+        EXPECT_EQ(ValueNames(tree.get()), before < 1024 ? (Names{"one", "last"}) : Names{"one"});
+    }
+
+    auto itself = ReadContent("[\\]\n#include ./top.ini\n#include ./top.ini\ncount\n");
+    EXPECT_EQ(ValueNames(itself.get()), Names{"count"});
 }
 
 // A physical line of exactly the limit leaves its line feed for the next
@@ -96,11 +118,15 @@ TEST_F(TextFiles, BytesThatAreNotTextReadWithoutHarm) {
     auto tree = ReadContent(wide);
     EXPECT_EQ(IntAt(tree.get(), "a\\v"), 5);
 
+    // One physical line of any bytes but a line feed, in two pieces: the
+    // reader comes out of it in step with the lines behind.
     std::string garbage;
-    for (unsigned i = 0; i < 70000; ++i)
-        garbage += static_cast<char>((i * 2654435761u) >> 24);
-    auto other = ReadContent("[\\]\n" + garbage);
-    EXPECT_FALSE(ValueNames(other.get()).empty());
+    for (unsigned i = 0; i < 70000; ++i) {
+        const char byte = static_cast<char>((i * 2654435761u) >> 24);
+        garbage += byte == '\n' ? ' ' : byte;
+    }
+    auto other = ReadContent("[\\]\n" + garbage + "\r\n[\\k]\r\nknown=i7\r\n");
+    EXPECT_EQ(IntAt(other.get(), "k\\known"), 7);
 }
 
 TEST_F(TextFiles, AFailedWriteLeavesTheOldFileWhole) {
@@ -116,6 +142,9 @@ TEST_F(TextFiles, AFailedWriteLeavesTheOldFileWhole) {
     Param_Param2IniFile(tree.get(), name.c_str());
     const std::string fits = ContentOf(name);
     EXPECT_NE(fits, before);
+    auto fitting = ReadFile(name);
+    EXPECT_EQ(Param_Cmp(fitting.get(), tree.get()), 1);
+    EXPECT_EQ(Param_Cmp(tree.get(), fitting.get()), 1);
 
     Set(tree.get(), "w", CKTVariant(std::string(65529, 'b').c_str()));
     try {
@@ -125,6 +154,7 @@ TEST_F(TextFiles, AFailedWriteLeavesTheOldFileWhole) {
         EXPECT_EQ(failure.code, static_cast<DWORD>(XE_BAD_ARGUMENT));
     }
     EXPECT_EQ(ContentOf(name), fits);
+    EXPECT_EQ(Param_Cmp(ReadFile(name).get(), fitting.get()), 1);
     EXPECT_EQ(directory.Entries().size(), 1u);  // no temporary file left behind
 }
 

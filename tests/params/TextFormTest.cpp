@@ -3,6 +3,7 @@
 // bytes, and the limits of the form's buffers.
 #include <clocale>
 #include <cmath>
+#include <cstdlib>
 #include <string>
 
 #include "kticore/core/Exception.h"
@@ -119,15 +120,51 @@ TEST(MarkedValueWriting, RealsKeepFourteenSignificantDigits) {
     EXPECT_EQ(OneLine(tree.get()), "[\\]\t\t|v=R0.33333333333333|");
 }
 
-// A blob whose digits would not fit the entry buffer of the form is written
-// with none, and reads back empty.
-TEST(MarkedValueWriting, ABlobOf32768BytesIsWrittenWithoutDigits) {
-    auto tree = NewTree();
-    Set(tree.get(), "v", CKTVariant(KTBlob(32768)));
-    EXPECT_EQ(OneLine(tree.get()), "[\\]\t\t|v=x|");
-    const CKTVariant back = ValueAt(ReadText("[\\]|v=x").get(), "v");
-    EXPECT_EQ(back.vt, KTVT_BLOB);
-    EXPECT_EQ(back.blobVal.size, 0u);
+// A blob whose entry would not fit the form's buffers is written with no
+// digits, as one of 32768 bytes or more always is, and reads back empty;
+// the rest of the tree is written all the same.
+TEST(MarkedValueWriting, ABlobTooLongForItsEntryIsWrittenWithoutDigits) {
+    kt::test::ScratchDirectory directory;
+    const auto file = directory / KTW("tree.ini");
+    for (const unsigned long size : {32764ul, 32765ul, 32767ul, 32768ul}) {
+        auto tree = NewTree();
+        Set(tree.get(), "v", CKTVariant(KTBlob(size)));
+        Set(tree.get(), "w", CKTVariant(1));
+        EXPECT_EQ(Param_Param2IniFile(tree.get(), file.c_str()), 1);
+        const bool fits = size == 32764;  // "\t| v=x" and its digits take 65534 bytes
+        const std::string written = fits ? "\t\r\n\t| v=x" + std::string(2 * size, '0') + "\r\n" : "\t\t| v=x";
+        EXPECT_EQ(kt::test::ContentOf(file), "\r\n[\\]" + written + "\t| w=i1") << size;
+
+        auto back = NewTree();
+        EXPECT_EQ(Param_IniFile2Param(file.c_str(), back.get()), 1);
+        EXPECT_EQ(ValueAt(back.get(), "v").blobVal.size, fits ? size : 0u) << size;
+        EXPECT_EQ(static_cast<int>(ValueAt(back.get(), "w")), 1) << size;
+    }
+}
+
+// The real rule reads what the C library's strtod reads in the "C" locale,
+// which the tests run in: the same value, and no value where strtod consumes
+// nothing. Behind the marker the text stands as written.
+TEST(RealRule, ReadsWhatStrtodReads) {
+    const char* const texts[] = {
+        "1.5",   " -2.5e3", "+.5",          "--1",        "+-2",          "-+3",   "- 1",
+        "0x1p4", "0x.8p1",  "0x.",          "0x",         "0xep-99999",   "0x1p-99999",
+        "0X1P",  "0x.p1",   "0x-1",         "1e-99999",   "1e99999",      "-0x1p99999",
+        "inf",   "-Infinity", "nan",        ".",          "e5",           "1e",
+        "1.5.2", "00.5e+1", "2.4e-320",     "4.9406564584125e-324",       "1e-330"};
+    for (const char* text : texts) {
+        char* end = nullptr;
+        const double expected = std::strtod(text, &end);
+        const CKTVariant read = ValueAt(ReadText(std::string("[\\]|v=R") + text).get(), "v");
+        if (end == text) {
+            EXPECT_EQ(read.vt, kMissing) << text;
+            continue;
+        }
+        const double value = read.vt == KTVT_DOUBLE ? read.dblVal : -1234.5;
+        EXPECT_TRUE(std::isnan(expected) ? std::isnan(value)
+                                         : value == expected && std::signbit(value) == std::signbit(expected))
+            << text << " reads " << value << ", strtod gives " << expected;
+    }
 }
 
 // What a text reads as: the value at `path`, or kMissing.
@@ -216,6 +253,43 @@ TEST(TextWriting, TheFileFormIsExact) {
     EXPECT_EQ(Param_IniFile2Param(file.c_str(), back.get()), 1);
     EXPECT_EQ(Param_Cmp(tree.get(), back.get()), 1);
     EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
+}
+
+// A line end in a name or a text would start a line of its own, and a name
+// can read as another line, as more than one value or as another name: the
+// writer refuses them rather than write what reads back as other values or
+// sections.
+TEST(TextWriting, WhatWouldNotReadBackAsWrittenIsRefused) {
+    struct Case {
+        const char* path;
+        CKTVariant value;
+    };
+    const Case cases[] = {
+        {"v", CKTVariant("a\r\nb=i7")}, {"v", CKTVariant("a\rb")}, {"v", CKTVariant(KTW("a\nb=i7"))},
+        {"a\nb", CKTVariant(1)},         {"s\r\n[\\x]\\v", CKTVariant(1)},
+        {"#a", CKTVariant(1)},            {";a", CKTVariant(1)},                   {"[a", CKTVariant(1)},
+        {"a|b", CKTVariant(1)},           {"a=b", CKTVariant(1)},                  {"s|x\\v", CKTVariant(1)},
+        {" a", CKTVariant(1)},            {"a\t", CKTVariant(1)},
+        {"\\v", CKTVariant(1)},  // the root's section of no name has the root's header
+    };
+    for (const Case& c : cases) {
+        auto tree = NewTree();
+        Set(tree.get(), c.path, c.value);
+        CXString text;
+        DWORD failure = XE_NONE;
+        try {
+            Param_Param2String(tree.get(), text);
+        } catch (const CXException& thrown) {
+            failure = thrown.code;
+        }
+        EXPECT_EQ(failure, static_cast<DWORD>(XE_BAD_ARGUMENT)) << c.path;
+    }
+    // Below that section, names come back: "[\\x]".
+    auto tree = NewTree();
+    Set(tree.get(), "\\x\\v", CKTVariant(1));
+    auto back = ReadText(OneLine(tree.get()));
+    EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
+    EXPECT_EQ(Param_Cmp(tree.get(), back.get()), 1);
 }
 
 TEST(TextWriting, TheOneLineFormIsExact) {

@@ -3,9 +3,11 @@
 // changes at once. Sections are flattened onto the file's sections by their
 // full path ("[\]" for the root, "[\a\b]" below it), and values are keys
 // whose text is the marked value text. What the file has no form for is
-// dropped without a word: objects, wide text, names the file cannot hold,
-// texts with line ends or too long for the platform's functions. A value path
-// of 512 bytes or more is refused with XE_BAD_ARGUMENT, as in every back end.
+// dropped without a word: objects, wide text, key names the file cannot hold,
+// the values of a section whose name the file would take for another's,
+// texts with line ends or longer than a read of 64000 bytes takes back (a
+// blob that long goes without digits, and reads back empty). A value path of
+// 512 bytes or more is refused with XE_BAD_ARGUMENT, as in every back end.
 #pragma once
 
 #include "kticore/params/Param.h"
