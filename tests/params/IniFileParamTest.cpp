@@ -11,36 +11,14 @@
 #include "tests/params/ParamTestSupport.h"
 #include "tests/support/ScratchDirectory.h"
 
+namespace kt::test {
 namespace {
-
-using kt::test::ContentOf;
-using kt::test::Names;
-using kt::test::NewTree;
-using kt::test::Ref;
-using kt::test::ScratchDirectory;
-using kt::test::SectionNames;
-using kt::test::Set;
-using kt::test::ValueAt;
-using kt::test::ValueNames;
-using kt::test::WideString;
-using kt::test::WriteContent;
-
-constexpr unsigned short kMissing = 0xFFFF;  // the kind ValueAt gives a missing value
 
 CKTVariant Blob(unsigned long size) {
     KTBlob blob(size);
     for (unsigned long i = 0; i < size; ++i)
         blob.data[i] = static_cast<unsigned char>(i * 7);
     return CKTVariant(blob);
-}
-
-DWORD FailureOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const CXException& failure) {
-        return failure.code;
-    }
-    return XE_NONE;
 }
 
 class IniFileParam : public ::testing::Test {
@@ -145,7 +123,7 @@ TEST_F(IniFileParam, TwoTreesOnOneFileSeeEachOtherAtOnce) {
 // The row of the profile file in the table of back ends: kinds 0 to 17 are
 // kept, objects and wide text are dropped without a word.
 TEST_F(IniFileParam, CarriesEveryKindUpToBlobsBetweenMemoryAndTheFile) {
-    kt::test::CCounted object;
+    CCounted object;
     auto memory = NewTree();
     const tagRECT rect{1, 2, 30, 40};
     const tagRRECT realRect{1, 2, 3, 4.25};
@@ -367,3 +345,4 @@ TEST_F(IniFileParam, AListingThatJustFitsKeepsItsLastName) {
 }
 
 }  // namespace
+}  // namespace kt::test

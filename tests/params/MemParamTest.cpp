@@ -5,15 +5,8 @@
 #include "kticore/core/Exception.h"
 #include "tests/params/ParamTestSupport.h"
 
+namespace kt::test {
 namespace {
-
-using kt::test::Names;
-using kt::test::NewTree;
-using kt::test::Ref;
-using kt::test::SectionNames;
-using kt::test::Set;
-using kt::test::ValueAt;
-using kt::test::ValueNames;
 
 TEST(MemParamValues, EmptyNameAndAtAreTheDefaultValue) {
     auto tree = NewTree();
@@ -23,7 +16,7 @@ TEST(MemParamValues, EmptyNameAndAtAreTheDefaultValue) {
     EXPECT_EQ(static_cast<int>(ValueAt(tree.get(), nullptr)), 2);
     EXPECT_EQ(ValueNames(tree.get()), Names{"@"});
     tree->DeleteValue("");
-    EXPECT_EQ(ValueAt(tree.get(), "@").vt, 0xFFFF);
+    EXPECT_EQ(ValueAt(tree.get(), "@").vt, kMissing);
 }
 
 TEST(MemParamValues, CaseIsFoldedAndTheFirstSpellingIsListed) {
@@ -76,13 +69,9 @@ TEST(MemParamValues, APathBeyondItsBufferIsRefusedWithoutAChange) {
     const std::string tooLong = std::string(510, 'a') + "\\v";
     Set(tree.get(), fits.c_str(), CKTVariant(1));
     EXPECT_EQ(static_cast<int>(ValueAt(tree.get(), fits.c_str())), 1);
-    try {
-        Set(tree.get(), tooLong.c_str(), CKTVariant(2));
-        FAIL() << "a path of 512 bytes was taken";
-    } catch (const CXException& failure) {
-        EXPECT_EQ(failure.code, static_cast<DWORD>(XE_BAD_ARGUMENT));
-    }
-    EXPECT_EQ(ValueAt(tree.get(), tooLong.c_str()).vt, 0xFFFF);
+    EXPECT_EQ(FailureOf([&] { Set(tree.get(), tooLong.c_str(), CKTVariant(2)); }), static_cast<DWORD>(XE_BAD_ARGUMENT))
+        << "a path of 512 bytes was taken";
+    EXPECT_EQ(ValueAt(tree.get(), tooLong.c_str()).vt, kMissing);
     EXPECT_EQ(SectionNames(tree.get()), Names{std::string(509, 'a')});
 }
 
@@ -114,7 +103,7 @@ TEST(MemParamSections, DeletingThroughAPathEmptiesButKeepsTheSection) {
     Ref<IParam> a(tree->GetSection("a", 0));
     tree->DeleteSection("a\\b");
     EXPECT_EQ(SectionNames(a.get()), Names{"b"});
-    EXPECT_EQ(ValueAt(tree.get(), "a\\b\\v").vt, 0xFFFF);
+    EXPECT_EQ(ValueAt(tree.get(), "a\\b\\v").vt, kMissing);
     a->DeleteSection("B");
     EXPECT_TRUE(SectionNames(a.get()).empty());
     EXPECT_EQ(a->GetSection("b", 0), nullptr);
@@ -184,8 +173,8 @@ TEST(MemParamSections, AWalkPassesOverNamesRemovedAheadOfIt) {
         CTEnum<const char*>* sections = tree->EnumSections();
         ASSERT_EQ(values->Skip(1) + sections->Skip(1), 2);
         c.remove(tree.get());
-        EXPECT_EQ(kt::test::NamesOf(values), c.rest);
-        EXPECT_EQ(kt::test::NamesOf(sections), c.rest);
+        EXPECT_EQ(NamesOf(values), c.rest);
+        EXPECT_EQ(NamesOf(sections), c.rest);
     }
 }
 
@@ -229,12 +218,12 @@ TEST(MemParamInterfaces, AnswersForWhatIsRegisteredOnly) {
     ASSERT_EQ(tree->QueryInterface(typeid(IRegisterIface), reinterpret_cast<void**>(&reg)), 1);
     Ref<IRegisterIface> held(reg);
 
-    kt::test::CCounted other;
+    CCounted other;
     EXPECT_EQ(reg->RegisterInterface(&other, typeid(IParam), 1), 1);
     EXPECT_EQ(other.References(), 2u);
     EXPECT_EQ(tree->QueryInterface(typeid(IParam), nullptr), 1);
     EXPECT_EQ(other.References(), 2u);  // a pure test adds nothing
-    kt::test::CCounted replacement;     // entered without a reference
+    CCounted replacement;     // entered without a reference
     EXPECT_EQ(reg->RegisterInterface(&replacement, typeid(IParam), 0), 1);
     EXPECT_EQ(other.References(), 1u);
     EXPECT_EQ(reg->RegisterInterface(nullptr, typeid(IParam), 0), 1);
@@ -243,3 +232,4 @@ TEST(MemParamInterfaces, AnswersForWhatIsRegisteredOnly) {
 }
 
 }  // namespace
+}  // namespace kt::test

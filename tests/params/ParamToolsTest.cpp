@@ -7,16 +7,8 @@
 #include "kticore/params/ParamTools.h"
 #include "tests/params/AllKinds.h"
 
+namespace kt::test {
 namespace {
-
-using kt::test::FillWithEveryKind;
-using kt::test::Names;
-using kt::test::NewTree;
-using kt::test::Ref;
-using kt::test::SectionNames;
-using kt::test::Set;
-using kt::test::ValueAt;
-using kt::test::ValueNames;
 
 TEST(ParamCmp, AsksWhetherTheSecondHoldsAllOfTheFirst) {
     auto empty = NewTree();
@@ -98,7 +90,7 @@ TEST(ParamTools, ANullEnumeratorIsAMissingInterfaceForCopyAndDump) {
 // was, but wide text, which turns narrow, and an object, which has no text
 // form.
 TEST(RoundTrip, ThroughTheTextFormEveryKindComesBackButWideTextAndObjects) {
-    kt::test::CCounted object;
+    CCounted object;
     auto tree = NewTree();
     FillWithEveryKind(tree.get(), true);
     Set(tree.get(), "object", CKTVariant(static_cast<IKTUnknown*>(&object)));
@@ -113,7 +105,7 @@ TEST(RoundTrip, ThroughTheTextFormEveryKindComesBackButWideTextAndObjects) {
     Set(back.get(), "kept", CKTVariant(1));  // the text adds to what is there
     EXPECT_EQ(Param_String2Param(text, back.get()), 1);
     EXPECT_TRUE(ValueAt(back.get(), "wide") == CKTVariant("wide text"));
-    EXPECT_EQ(ValueAt(back.get(), "object").vt, 0xFFFF);
+    EXPECT_EQ(ValueAt(back.get(), "object").vt, kMissing);
     EXPECT_EQ(static_cast<int>(ValueAt(back.get(), "kept")), 1);
     back->DeleteValue("kept");
     back->DeleteValue("wide");
@@ -140,3 +132,4 @@ TEST(RoundTrip, ThroughTheStreamFormEveryKindComesBackExactly) {
 }
 
 }  // namespace
+}  // namespace kt::test

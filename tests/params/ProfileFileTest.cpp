@@ -13,13 +13,8 @@
 #include "tests/files/InDirectory.h"
 #include "tests/support/ScratchDirectory.h"
 
+namespace kt::test {
 namespace {
-
-using kt::test::ContentOf;
-using kt::test::InDirectory;
-using kt::test::ScratchDirectory;
-using kt::test::WideString;
-using kt::test::WriteContent;
 
 // The listings and values are read into a buffer of this size, as the
 // parameters read them.
@@ -324,3 +319,4 @@ TEST_F(ProfileFile, AReadOnlyFileIsNotWritten) {
 }
 
 }  // namespace
+}  // namespace kt::test

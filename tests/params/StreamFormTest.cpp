@@ -9,17 +9,8 @@
 #include "tests/params/ParamTestSupport.h"
 #include "tests/support/Streams.h"
 
+namespace kt::test {
 namespace {
-
-using kt::test::AllBytes;
-using kt::test::Bytes;
-using kt::test::Names;
-using kt::test::NewTree;
-using kt::test::Ref;
-using kt::test::SectionNames;
-using kt::test::Set;
-using kt::test::ValueAt;
-using kt::test::ValueNames;
 
 Bytes Saved(IParam* tree) {
     Ref<IXStream> stream(new_StreamOnMemory());
@@ -247,15 +238,10 @@ TEST(StreamForm, AFailingTreeEndsItsOwnLevelOfTheLoad) {
     }
 }
 
-// The code a save fails with, 0 when it does not.
+// The code a save fails with, XE_NONE when it does not.
 DWORD SaveFailure(IParam* tree) {
     Ref<IXStream> stream(new_StreamOnMemory());
-    try {
-        SaveParamToXStream(stream.get(), tree);
-        return 0;
-    } catch (const CXException& failure) {
-        return failure.code;
-    }
+    return FailureOf([&] { SaveParamToXStream(stream.get(), tree); });
 }
 
 TEST(StreamForm, NamesTheFormCannotCarryAreRefusedOnSave) {
@@ -279,3 +265,4 @@ TEST(StreamForm, NamesTheFormCannotCarryAreRefusedOnSave) {
 }
 
 }  // namespace
+}  // namespace kt::test

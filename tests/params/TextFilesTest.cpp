@@ -8,20 +8,9 @@
 #include "tests/params/ParamTestSupport.h"
 #include "tests/support/ScratchDirectory.h"
 
+namespace kt::test {
 namespace {
 
-using kt::test::ContentOf;
-using kt::test::Names;
-using kt::test::NewTree;
-using kt::test::Ref;
-using kt::test::SectionNames;
-using kt::test::Set;
-using kt::test::ValueAt;
-using kt::test::ValueNames;
-using kt::test::WideString;
-using kt::test::WriteContent;
-
-constexpr unsigned short kMissing = 0xFFFF;
 constexpr size_t kPhysicalLine = 65536;
 
 class TextFiles : public ::testing::Test {
@@ -37,7 +26,7 @@ protected:
     }
     int IntAt(IParam* tree, const char* path) { return static_cast<int>(ValueAt(tree, path)); }
 
-    kt::test::ScratchDirectory directory;
+    ScratchDirectory directory;
 };
 
 // An included file adds to the section in hand, and the section in hand at
@@ -147,12 +136,8 @@ TEST_F(TextFiles, AFailedWriteLeavesTheOldFileWhole) {
     EXPECT_EQ(Param_Cmp(tree.get(), fitting.get()), 1);
 
     Set(tree.get(), "w", CKTVariant(std::string(65529, 'b').c_str()));
-    try {
-        Param_Param2IniFile(tree.get(), name.c_str());
-        FAIL() << "an entry beyond its buffer was written";
-    } catch (const CXException& failure) {
-        EXPECT_EQ(failure.code, static_cast<DWORD>(XE_BAD_ARGUMENT));
-    }
+    EXPECT_EQ(FailureOf([&] { Param_Param2IniFile(tree.get(), name.c_str()); }), static_cast<DWORD>(XE_BAD_ARGUMENT))
+        << "an entry beyond its buffer was written";
     EXPECT_EQ(ContentOf(name), fits);
     EXPECT_EQ(Param_Cmp(ReadFile(name).get(), fitting.get()), 1);
     EXPECT_EQ(directory.Entries().size(), 1u);  // no temporary file left behind
@@ -175,19 +160,16 @@ TEST_F(TextFiles, EveryLineTheWriterMakesComesBackWhole) {
     EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
 
     Ref<IParam>(tree->CreateSection((longest + "h").c_str()));
-    try {
-        Param_Param2IniFile(tree.get(), name.c_str());
-        FAIL() << "a header beyond the line limit was written";
-    } catch (const CXException& failure) {
-        EXPECT_EQ(failure.code, static_cast<DWORD>(XE_BAD_ARGUMENT));
-    }
+    EXPECT_EQ(FailureOf([&] { Param_Param2IniFile(tree.get(), name.c_str()); }), static_cast<DWORD>(XE_BAD_ARGUMENT))
+        << "a header beyond the line limit was written";
 }
 
 TEST_F(TextFiles, AMissingFileThrowsTheFileLayersFailure) {
     auto tree = NewTree();
     const WideString name = directory / KTW("missing.ini");
-    const auto failure = kt::test::FileFailureOf([&] { Param_IniFile2Param(name.c_str(), tree.get()); });
+    const auto failure = FileFailureOf([&] { Param_IniFile2Param(name.c_str(), tree.get()); });
     EXPECT_EQ(failure.code, static_cast<DWORD>(XE_FILE_NOT_FOUND));
 }
 
 }  // namespace
+}  // namespace kt::test

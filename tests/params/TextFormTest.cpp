@@ -11,17 +11,8 @@
 #include "tests/params/ParamTestSupport.h"
 #include "tests/support/ScratchDirectory.h"
 
+namespace kt::test {
 namespace {
-
-using kt::test::Names;
-using kt::test::NewTree;
-using kt::test::Ref;
-using kt::test::SectionNames;
-using kt::test::Set;
-using kt::test::ValueAt;
-using kt::test::ValueNames;
-
-constexpr unsigned short kMissing = 0xFFFF;
 
 Ref<IParam> ReadText(const std::string& text) {
     auto tree = NewTree();
@@ -105,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(
     CaseName());
 
 TEST(MarkedValueWriting, WideTextGoesAsNarrowTextAndObjectsNotAtAll) {
-    kt::test::CCounted object;
+    CCounted object;
     auto tree = NewTree();
     Set(tree.get(), "w", CKTVariant(KTW("wide")));
     Set(tree.get(), "o", CKTVariant(static_cast<IKTUnknown*>(&object)));
@@ -124,7 +115,7 @@ TEST(MarkedValueWriting, RealsKeepFourteenSignificantDigits) {
 // digits, as one of 32768 bytes or more always is, and reads back empty;
 // the rest of the tree is written all the same.
 TEST(MarkedValueWriting, ABlobTooLongForItsEntryIsWrittenWithoutDigits) {
-    kt::test::ScratchDirectory directory;
+    ScratchDirectory directory;
     const auto file = directory / KTW("tree.ini");
     for (const unsigned long size : {32764ul, 32765ul, 32767ul, 32768ul}) {
         auto tree = NewTree();
@@ -133,7 +124,7 @@ TEST(MarkedValueWriting, ABlobTooLongForItsEntryIsWrittenWithoutDigits) {
         EXPECT_EQ(Param_Param2IniFile(tree.get(), file.c_str()), 1);
         const bool fits = size == 32764;  // "\t| v=x" and its digits take 65534 bytes
         const std::string written = fits ? "\t\r\n\t| v=x" + std::string(2 * size, '0') + "\r\n" : "\t\t| v=x";
-        EXPECT_EQ(kt::test::ContentOf(file), "\r\n[\\]" + written + "\t| w=i1") << size;
+        EXPECT_EQ(ContentOf(file), "\r\n[\\]" + written + "\t| w=i1") << size;
 
         auto back = NewTree();
         EXPECT_EQ(Param_IniFile2Param(file.c_str(), back.get()), 1);
@@ -241,13 +232,13 @@ INSTANTIATE_TEST_SUITE_P(
 // The text of the form's example: values on the line of their section's
 // header, values before sub-sections, nothing behind the last value.
 TEST(TextWriting, TheFileFormIsExact) {
-    kt::test::ScratchDirectory directory;
+    ScratchDirectory directory;
     auto tree = NewTree();
     Set(tree.get(), "Title", CKTVariant("abc"));
     Set(tree.get(), "Sub\\On", CKTVariant(1, KTVT_BOOL));
     const auto file = directory / KTW("tree.ini");
     EXPECT_EQ(Param_Param2IniFile(tree.get(), file.c_str()), 1);
-    EXPECT_EQ(kt::test::ContentOf(file), "\r\n[\\]\t\t| Title=sabc\r\n[\\Sub]\t\t| On=f1");
+    EXPECT_EQ(ContentOf(file), "\r\n[\\]\t\t| Title=sabc\r\n[\\Sub]\t\t| On=f1");
 
     auto back = NewTree();
     EXPECT_EQ(Param_IniFile2Param(file.c_str(), back.get()), 1);
@@ -276,13 +267,8 @@ TEST(TextWriting, WhatWouldNotReadBackAsWrittenIsRefused) {
         auto tree = NewTree();
         Set(tree.get(), c.path, c.value);
         CXString text;
-        DWORD failure = XE_NONE;
-        try {
-            Param_Param2String(tree.get(), text);
-        } catch (const CXException& thrown) {
-            failure = thrown.code;
-        }
-        EXPECT_EQ(failure, static_cast<DWORD>(XE_BAD_ARGUMENT)) << c.path;
+        EXPECT_EQ(FailureOf([&] { Param_Param2String(tree.get(), text); }), static_cast<DWORD>(XE_BAD_ARGUMENT))
+            << c.path;
     }
     // Below that section, names come back: "[\\x]".
     auto tree = NewTree();
@@ -331,3 +317,4 @@ TEST(TextReadingPaths, ThreeHundredLevelsAndEmptyParts) {
 }
 
 }  // namespace
+}  // namespace kt::test

@@ -13,4 +13,7 @@ inline WideString Wide(const KTWCHAR* text) {
     return text != nullptr ? WideString(text) : WideString();
 }
 
+// The 16-bit form of an ASCII text.
+inline WideString W(const std::string& ascii) { return WideString(ascii.begin(), ascii.end()); }
+
 }  // namespace kt::test

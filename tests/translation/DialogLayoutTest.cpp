@@ -17,8 +17,6 @@
 namespace kt::test {
 namespace {
 
-WideString W(const std::string& ascii) { return WideString(ascii.begin(), ascii.end()); }
-
 struct Edges {
     int left, top, right, bottom;
     bool operator==(const Edges& other) const {

@@ -12,10 +12,6 @@
 namespace kt::test {
 namespace {
 
-WideString W(const char* ascii) {
-    return WideString(ascii, ascii + std::char_traits<char>::length(ascii));
-}
-
 void Define(const char* key, const char* value) { SuppDictionary().Add(key, value); }
 
 TEST(Lookup, KeyedTextIsFoundBeforeThePlainTextAndThenTheTextItself) {

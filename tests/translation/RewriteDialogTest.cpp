@@ -18,8 +18,6 @@
 namespace kt::test {
 namespace {
 
-WideString W(const char* text) { return WideString(text, text + std::strlen(text)); }
-
 std::string Narrow(const KTWCHAR* text) {
     std::string narrow;
     for (; *text != 0; ++text)

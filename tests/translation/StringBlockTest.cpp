@@ -18,7 +18,6 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using Entries = std::vector<WideString>;
 
-WideString W(const std::string& text) { return WideString(text.begin(), text.end()); }
 
 Bytes BlockOf(const Entries& entries) {
     Bytes block;

@@ -12,10 +12,8 @@
 #include "tests/support/ScratchDirectory.h"
 #include "tests/support/Streams.h"
 
+namespace kt::test {
 namespace {
-
-using kt::test::NewTree;
-using kt::test::Ref;
 
 // A stack on which any of the tools, recursing, overflows long before 2000
 // levels.
@@ -42,8 +40,8 @@ TEST(DeepTree, EveryToolWalksItWithAFlatStack) {
     for (int level = 0; level < kLevels; ++level)
         line += "\\s";
     CXString text((line + "]|v=i1").c_str());
-    kt::test::ScratchDirectory directory;
-    const kt::test::WideString file = directory / KTW("deep.ini");
+    ScratchDirectory directory;
+    const WideString file = directory / KTW("deep.ini");
 
     RunOnSmallStack([&] {
         auto tree = NewTree();
@@ -56,7 +54,7 @@ TEST(DeepTree, EveryToolWalksItWithAFlatStack) {
         ASSERT_EQ(Param_IniFile2Param(file.c_str(), back.get()), 1);
         EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
         const std::string twoHundredLevels = line.substr(2, 2 * 200 - 1);  // "s\\s ... \\s"
-        kt::test::Set(back.get(), (twoHundredLevels + "\\w").c_str(), CKTVariant(2));
+        Set(back.get(), (twoHundredLevels + "\\w").c_str(), CKTVariant(2));
         EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 0);  // a difference deep down counts
 
         // Every level of the stream form: the name going down, then the end
@@ -72,11 +70,11 @@ TEST(DeepTree, EveryToolWalksItWithAFlatStack) {
         const CKTVariant value(1);
         one->WriteVariant(&value);
         one->WriteString("");
-        kt::test::Bytes expected(form.begin(), form.end());
-        const kt::test::Bytes deepest = kt::test::AllBytes(one.get());
+        Bytes expected(form.begin(), form.end());
+        const Bytes deepest = AllBytes(one.get());
         expected.insert(expected.end(), deepest.begin(), deepest.end());
         expected.resize(expected.size() + 2 * kLevels, 0);
-        EXPECT_EQ(kt::test::AllBytes(stream.get()), expected);
+        EXPECT_EQ(AllBytes(stream.get()), expected);
         stream->Seek(0, 0);
         auto loaded = NewTree();
         ASSERT_EQ(LoadParamFromXStream(stream.get(), loaded.get()), 1);
@@ -92,3 +90,4 @@ TEST(DeepTree, EveryToolWalksItWithAFlatStack) {
 }
 
 }  // namespace
+}  // namespace kt::test

@@ -13,8 +13,6 @@
 namespace kt::test {
 namespace {
 
-WideString W(const char* text) { return WideString(text, text + std::strlen(text)); }
-
 INT_PTR CALLBACK NoProcedure(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
 
 WideString TextOf(HWND window) {
