@@ -69,7 +69,8 @@ TEST(MemParamValues, APathBeyondItsBufferIsRefusedWithoutAChange) {
     const std::string tooLong = std::string(510, 'a') + "\\v";
     Set(tree.get(), fits.c_str(), CKTVariant(1));
     EXPECT_EQ(static_cast<int>(ValueAt(tree.get(), fits.c_str())), 1);
-    EXPECT_EQ(FailureOf([&] { Set(tree.get(), tooLong.c_str(), CKTVariant(2)); }), static_cast<DWORD>(XE_BAD_ARGUMENT))
+    EXPECT_EQ(FailureOf([&] { Set(tree.get(), tooLong.c_str(), CKTVariant(2)); }),
+              static_cast<DWORD>(XE_BAD_ARGUMENT))
         << "a path of 512 bytes was taken";
     EXPECT_EQ(ValueAt(tree.get(), tooLong.c_str()).vt, kMissing);
     EXPECT_EQ(SectionNames(tree.get()), Names{std::string(509, 'a')});
@@ -223,7 +224,7 @@ TEST(MemParamInterfaces, AnswersForWhatIsRegisteredOnly) {
     EXPECT_EQ(other.References(), 2u);
     EXPECT_EQ(tree->QueryInterface(typeid(IParam), nullptr), 1);
     EXPECT_EQ(other.References(), 2u);  // a pure test adds nothing
-    CCounted replacement;     // entered without a reference
+    CCounted replacement;               // entered without a reference
     EXPECT_EQ(reg->RegisterInterface(&replacement, typeid(IParam), 0), 1);
     EXPECT_EQ(other.References(), 1u);
     EXPECT_EQ(reg->RegisterInterface(nullptr, typeid(IParam), 0), 1);

@@ -136,7 +136,8 @@ TEST_F(TextFiles, AFailedWriteLeavesTheOldFileWhole) {
     EXPECT_EQ(Param_Cmp(tree.get(), fitting.get()), 1);
 
     Set(tree.get(), "w", CKTVariant(std::string(65529, 'b').c_str()));
-    EXPECT_EQ(FailureOf([&] { Param_Param2IniFile(tree.get(), name.c_str()); }), static_cast<DWORD>(XE_BAD_ARGUMENT))
+    EXPECT_EQ(FailureOf([&] { Param_Param2IniFile(tree.get(), name.c_str()); }),
+              static_cast<DWORD>(XE_BAD_ARGUMENT))
         << "an entry beyond its buffer was written";
     EXPECT_EQ(ContentOf(name), fits);
     EXPECT_EQ(Param_Cmp(ReadFile(name).get(), fitting.get()), 1);
@@ -160,7 +161,8 @@ TEST_F(TextFiles, EveryLineTheWriterMakesComesBackWhole) {
     EXPECT_EQ(Param_Cmp(back.get(), tree.get()), 1);
 
     Ref<IParam>(tree->CreateSection((longest + "h").c_str()));
-    EXPECT_EQ(FailureOf([&] { Param_Param2IniFile(tree.get(), name.c_str()); }), static_cast<DWORD>(XE_BAD_ARGUMENT))
+    EXPECT_EQ(FailureOf([&] { Param_Param2IniFile(tree.get(), name.c_str()); }),
+              static_cast<DWORD>(XE_BAD_ARGUMENT))
         << "a header beyond the line limit was written";
 }
 

@@ -267,7 +267,8 @@ TEST(TextWriting, WhatWouldNotReadBackAsWrittenIsRefused) {
         auto tree = NewTree();
         Set(tree.get(), c.path, c.value);
         CXString text;
-        EXPECT_EQ(FailureOf([&] { Param_Param2String(tree.get(), text); }), static_cast<DWORD>(XE_BAD_ARGUMENT))
+        EXPECT_EQ(FailureOf([&] { Param_Param2String(tree.get(), text); }),
+                  static_cast<DWORD>(XE_BAD_ARGUMENT))
             << c.path;
     }
     // Below that section, names come back: "[\\x]".

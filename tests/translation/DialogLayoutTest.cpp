@@ -72,13 +72,6 @@ protected:
     ScratchDirectory directory;
 };
 
-TEST_F(DialogLayouts, AreFoundByTheCaseBlindKeyOfTheDialog) {
-    ASSERT_EQ(Load("a.dlg",
-                   "[\\Layout-Case.DLL\\Dialogs\\#100]\r\nDialog Size=z20,10\r\n3=t0,0,10,0\r\n"),
-              1);
-    EXPECT_EQ(LayoutOf("layout-case.dll#1#100"), (Layout{true, 20, 10, {{3, {0, 0, 10, 0}}}}));
-}
-
 TEST_F(DialogLayouts, KeepRectanglesOnlyAndNameDialogsByText) {
     ASSERT_EQ(Load("a.dlg",
                    "[\\layout-kinds.dll\\Dialogs\\Main]\r\n"
@@ -101,10 +94,11 @@ TEST_F(DialogLayouts, KeepRectanglesOnlyAndNameDialogsByText) {
     EXPECT_FALSE(LayoutOf("layout-kinds.dll#2#7").found);
 }
 
-TEST_F(DialogLayouts, ASecondDefinitionReplacesTheFirst) {
+TEST_F(DialogLayouts, AreFoundByTheCaseBlindKeyAndASecondDefinitionReplacesTheFirst) {
     ASSERT_EQ(
-        Load("a.dlg", "[\\layout-again.dll\\Dialogs\\#1]\r\nDialog Size=z5,5\r\n1=t1,1,1,1\r\n"),
+        Load("a.dlg", "[\\Layout-Again.DLL\\Dialogs\\#1]\r\nDialog Size=z20,10\r\n3=t0,0,10,0\r\n"),
         1);
+    EXPECT_EQ(LayoutOf("layout-again.dll#1#1"), (Layout{true, 20, 10, {{3, {0, 0, 10, 0}}}}));
     ASSERT_EQ(Load("b.dlg", "[\\LAYOUT-AGAIN.DLL\\Dialogs\\#1]\r\n2=t2,2,2,2\r\n"), 1);
     EXPECT_EQ(LayoutOf("layout-again.dll#1#1"), (Layout{true, 0, 0, {{2, {2, 2, 2, 2}}}}));
 }

@@ -72,13 +72,6 @@ TEST(Lookup, AnEmptyValueTranslatesToItsKey) {
     EXPECT_EQ(Wide(Supp_Translate(W("lookup-empty-value").c_str())), W("lookup-empty-value"));
 }
 
-TEST(Lookup, TwoKeysWithOneHashAreOneKey) {
-    // h = h * 257 + c in 32 bits gives both 1991880547.
-    Define("key-aeaea", "first");
-    Define("key-bagab", "second");
-    EXPECT_EQ(Wide(Supp_Translate(W("key-bagab").c_str())), W("first"));
-}
-
 TEST(Lookup, KeyedTranslationInABufferIsCutWithoutTerminatorAndMeasured) {
     Define("lookup-buffer", "0123456789");
     KTWCHAR buffer[8] = {};

@@ -18,7 +18,6 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using Entries = std::vector<WideString>;
 
-
 Bytes BlockOf(const Entries& entries) {
     Bytes block;
     const auto word = [&](std::uint16_t value) {

@@ -17,8 +17,6 @@
 namespace kt::test {
 namespace {
 
-WideString W(const std::string& ascii) { return WideString(ascii.begin(), ascii.end()); }
-
 // The translation of an ASCII text.
 WideString Translated(const char* text) { return Wide(Supp_Translate(W(text).c_str())); }
 
@@ -87,7 +85,8 @@ TEST_F(WldFiles, AnUnknownOrZeroLanguageLeavesTheCodePage) {
 TEST_F(WldFiles, AKeyDefinedAgainKeepsItsFirstValueWithinAndAcrossFiles) {
     // A narrow text asked for before any file defines itself.
     Supp_Translate("wld-asked-first");
-    // wld-aeaea and wld-bagab have one hash: the second is the first again.
+    // wld-aeaea and wld-bagab have one hash (h = h * 257 + c in 32 bits):
+    // the second is the first again.
     ASSERT_EQ(Supp_AddWld(File("a.wld", "\"wld-twice\"\n\"first\"\n\"wld-twice\"\n\"second\"\n"
                                         "\"wld-aeaea\"\n\"one\"\n\"wld-bagab\"\n\"other\"\n")
                               .c_str()),

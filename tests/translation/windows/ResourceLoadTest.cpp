@@ -21,8 +21,6 @@ std::string KeyOf(int id, unsigned kind) {
     return key;
 }
 
-WideString W(const char* text) { return WideString(text, text + std::strlen(text)); }
-
 // FindResource as the interceptor runs it.
 SuppResource* Find(int id, const KTWCHAR* type) {
     HRSRC real = FindResourceW(ThisModule(), MAKEINTRESOURCEW(id), type);
