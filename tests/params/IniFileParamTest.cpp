@@ -35,8 +35,7 @@ TEST_F(IniFileParam, OpeningMakesTheDirectoryTheFileAndTheRootsMarker) {
     Ref<IParam> root(new_IParamIniFile(nested.c_str()));
     EXPECT_EQ(ContentOf(nested), "[\\]\r\n@=e\r\n");
     EXPECT_EQ(ValueNames(root.get()), Names{"@"});
-    const CKTVariant marker = ValueAt(root.get(), "@");
-    EXPECT_EQ(marker.vt, KTVT_EMPTY);
+    EXPECT_EQ(ValueAt(root.get(), "@").vt, KTVT_EMPTY);
     EXPECT_EQ(root->QueryInterface(typeid(IRegisterIface), nullptr), 1);
     EXPECT_EQ(root->QueryInterface(typeid(IParam), nullptr), 0);
 }

@@ -22,8 +22,8 @@ constexpr DWORD kListing = 64000;
 constexpr char kUntouched = '#';
 using Strings = std::vector<std::string>;
 
-std::vector<std::string> Names(const std::string& list) {
-    std::vector<std::string> names;
+Strings Names(const std::string& list) {
+    Strings names;
     for (size_t start = 0; start < list.size();) {
         const size_t end = std::min(list.find('\0', start), list.size());
         names.push_back(list.substr(start, end - start));
@@ -38,21 +38,24 @@ protected:
 
     std::string Value(const char* section, const char* key, DWORD size = kListing) {
         buffer.assign(size + 1, kUntouched);
-        const DWORD result = kt::sys::ReadProfileString(section, key, buffer.data(), size, file.c_str());
+        const DWORD result =
+            sys::ReadProfileString(section, key, buffer.data(), size, file.c_str());
         EXPECT_EQ(buffer[result], 0);
         EXPECT_EQ(buffer[size], kUntouched);
         return buffer.substr(0, result);
     }
-    std::vector<std::string> Keys(const char* section) {
+    Strings Keys(const char* section) {
         buffer.assign(kListing, kUntouched);
-        return Names(buffer.substr(0, kt::sys::ReadProfileKeyNames(section, buffer.data(), kListing, file.c_str())));
+        return Names(buffer.substr(
+            0, sys::ReadProfileKeyNames(section, buffer.data(), kListing, file.c_str())));
     }
-    std::vector<std::string> Sections() {
+    Strings Sections() {
         buffer.assign(kListing, kUntouched);
-        return Names(buffer.substr(0, kt::sys::ReadProfileSectionNames(buffer.data(), kListing, file.c_str())));
+        return Names(
+            buffer.substr(0, sys::ReadProfileSectionNames(buffer.data(), kListing, file.c_str())));
     }
     bool Write(const char* section, const char* key, const char* text) {
-        return kt::sys::WriteProfileString(section, key, text, file.c_str());
+        return sys::WriteProfileString(section, key, text, file.c_str());
     }
     std::string Content() { return ContentOf(wideFile); }
     void SetContent(const std::string& text) { WriteContent(wideFile, text); }
@@ -68,9 +71,9 @@ TEST_F(ProfileFile, MissingFileReadsEmptyAndIsNotMadeByReadsOrRemovals) {
     EXPECT_TRUE(Keys("\\").empty());
     EXPECT_TRUE(Sections().empty());
     EXPECT_EQ(buffer[0], 0);
-    EXPECT_TRUE(kt::sys::DeleteProfileKey("\\", "@", file.c_str()));
-    EXPECT_TRUE(kt::sys::DeleteProfileSection("\\", file.c_str()));
-    EXPECT_EQ(kt::sys::FileAttributes(wideFile.c_str()), kt::sys::kNoAttributes);
+    EXPECT_TRUE(sys::DeleteProfileKey("\\", "@", file.c_str()));
+    EXPECT_TRUE(sys::DeleteProfileSection("\\", file.c_str()));
+    EXPECT_EQ(sys::FileAttributes(wideFile.c_str()), sys::kNoAttributes);
 }
 
 TEST_F(ProfileFile, FirstWriteMakesTheFileButNotItsDirectory) {
@@ -78,8 +81,8 @@ TEST_F(ProfileFile, FirstWriteMakesTheFileButNotItsDirectory) {
     EXPECT_EQ(Content(), "[\\]\r\n@=e\r\n");
 
     const std::string nested = Narrow(directory / KTW("missing/settings.ini"));
-    EXPECT_FALSE(kt::sys::WriteProfileString("\\", "@", "e", nested.c_str()));
-    EXPECT_EQ(kt::sys::FileAttributes((directory / KTW("missing")).c_str()), kt::sys::kNoAttributes);
+    EXPECT_FALSE(sys::WriteProfileString("\\", "@", "e", nested.c_str()));
+    EXPECT_EQ(sys::FileAttributes((directory / KTW("missing")).c_str()), sys::kNoAttributes);
 }
 
 TEST_F(ProfileFile, ListsInFileOrderAndFindsNamesWithoutRegardToCase) {
@@ -89,8 +92,8 @@ TEST_F(ProfileFile, ListsInFileOrderAndFindsNamesWithoutRegardToCase) {
     ASSERT_TRUE(Write("\\b", "alpha", "2"));
     ASSERT_TRUE(Write("\\A", "KEY", "v2"));  // the existing key, in its place and spelling
 
-    EXPECT_EQ(Sections(), (std::vector<std::string>{"\\", "\\a", "\\b"}));
-    EXPECT_EQ(Keys("\\B"), (std::vector<std::string>{"zeta", "alpha"}));
+    EXPECT_EQ(Sections(), (Strings{"\\", "\\a", "\\b"}));
+    EXPECT_EQ(Keys("\\B"), (Strings{"zeta", "alpha"}));
     EXPECT_EQ(Value("\\a", "key"), "v2");
     EXPECT_EQ(Content(), "[\\]\r\n@=e\r\n[\\a]\r\nKey=v2\r\n[\\b]\r\nzeta=1\r\nalpha=2\r\n");
 }
@@ -116,7 +119,7 @@ TEST_F(ProfileFile, ValuesComeBackAsThePlatformKeepsThem) {
         EXPECT_EQ(Value("\\", "v"), c.read) << c.written;
     }
     ASSERT_TRUE(Write("\\", "  spaced  ", "sp"));
-    EXPECT_EQ(Keys("\\"), (std::vector<std::string>{"v", "spaced"}));
+    EXPECT_EQ(Keys("\\"), (Strings{"v", "spaced"}));
     EXPECT_EQ(Value("\\", "spaced"), "sp");
 }
 
@@ -125,8 +128,8 @@ TEST_F(ProfileFile, ReadsAForeignFileAndKeepsWhatItDoesNotUnderstand) {
         "  [ \\x ]  \r\n ; comment line\r\n# hash line\r\nbare\r\n  spaced key  =  val  \r\n"
         "k=first\r\nK=second\r\n[\\x]\r\nlater=1\r\n[nobackslash]\na=b\n[\\y]\nunix=1\n[\\z");
 
-    EXPECT_EQ(Sections(), (std::vector<std::string>{"\\x", "\\x", "nobackslash", "\\y"}));
-    EXPECT_EQ(Keys("\\x"), (std::vector<std::string>{"spaced key", "k", "K"}));
+    EXPECT_EQ(Sections(), (Strings{"\\x", "\\x", "nobackslash", "\\y"}));
+    EXPECT_EQ(Keys("\\x"), (Strings{"spaced key", "k", "K"}));
     EXPECT_EQ(Value("\\x", "k"), "first");          // the first key of the name
     EXPECT_EQ(Value("\\x", "later"), "");           // in the second section of the name
     EXPECT_EQ(Value("\\x", "bare"), "");
@@ -201,7 +204,7 @@ TEST_F(ProfileFile, WritesAsThePlatformDoes) {
     for (const Case& c : cases) {
         SetContent(c.content);
         const bool done = c.text != nullptr ? Write(c.section, c.key, c.text)
-                                            : kt::sys::DeleteProfileKey(c.section, c.key, file.c_str());
+                                            : sys::DeleteProfileKey(c.section, c.key, file.c_str());
         EXPECT_TRUE(done) << c.after;
         EXPECT_EQ(Content(), c.after);
     }
@@ -217,33 +220,33 @@ TEST_F(ProfileFile, ABareNameIsNotTheFileInTheCurrentDirectory) {
     const char* bare = "kt_profile_bare.ini";
     const WideString here = directory / KTW("kt_profile_bare.ini");
     WriteContent(here, "[s]\r\nk=here\r\n");
-    ASSERT_TRUE(kt::sys::SetReadOnly(here.c_str(), true));
+    ASSERT_TRUE(sys::SetReadOnly(here.c_str(), true));
     const InDirectory inside(directory.Path());
-    const std::string used = kt::sys::ProfileFilePath(bare);
+    const std::string used = sys::ProfileFilePath(bare);
     char text[16];
-    EXPECT_EQ(kt::sys::ReadProfileString("s", "k", text, sizeof text, bare), 0u);
-    EXPECT_EQ(kt::sys::WriteProfileString("s", "k", "there", bare), !used.empty());
+    EXPECT_EQ(sys::ReadProfileString("s", "k", text, sizeof text, bare), 0u);
+    EXPECT_EQ(sys::WriteProfileString("s", "k", "there", bare), !used.empty());
     if (!used.empty()) {
-        EXPECT_EQ(kt::sys::ReadProfileString("s", "k", text, sizeof text, bare), 5u);
-        EXPECT_TRUE(kt::sys::RemoveFile(WideString(used.begin(), used.end()).c_str()));
+        EXPECT_EQ(sys::ReadProfileString("s", "k", text, sizeof text, bare), 5u);
+        EXPECT_TRUE(sys::RemoveFile(WideString(used.begin(), used.end()).c_str()));
     }
     EXPECT_EQ(ContentOf(here), "[s]\r\nk=here\r\n");
-    EXPECT_TRUE(kt::sys::SetReadOnly(here.c_str(), false));
+    EXPECT_TRUE(sys::SetReadOnly(here.c_str(), false));
 }
 
 TEST_F(ProfileFile, RemovesAKeyAndTheFirstSectionOfAName) {
     SetContent("[\\a]\r\nk=1\r\n[\\b]\r\nj=2\r\n[\\A]\r\nk=3\r\nm=4\r\n");
 
-    ASSERT_TRUE(kt::sys::DeleteProfileSection("\\a", file.c_str()));
+    ASSERT_TRUE(sys::DeleteProfileSection("\\a", file.c_str()));
     EXPECT_EQ(Value("\\a", "k"), "3");  // the second section of the name is found now
-    ASSERT_TRUE(kt::sys::DeleteProfileKey("\\a", "K", file.c_str()));
-    ASSERT_TRUE(kt::sys::DeleteProfileKey("\\a", "m", file.c_str()));
-    ASSERT_TRUE(kt::sys::DeleteProfileKey("\\a", "nosuch", file.c_str()));
+    ASSERT_TRUE(sys::DeleteProfileKey("\\a", "K", file.c_str()));
+    ASSERT_TRUE(sys::DeleteProfileKey("\\a", "m", file.c_str()));
+    ASSERT_TRUE(sys::DeleteProfileKey("\\a", "nosuch", file.c_str()));
     EXPECT_TRUE(Keys("\\a").empty());
-    EXPECT_EQ(Sections(), (std::vector<std::string>{"\\b", "\\A"}));  // listed without keys
+    EXPECT_EQ(Sections(), (Strings{"\\b", "\\A"}));  // listed without keys
 
-    ASSERT_TRUE(kt::sys::DeleteProfileSection("\\a", file.c_str()));
-    ASSERT_TRUE(kt::sys::DeleteProfileSection("\\b", file.c_str()));
+    ASSERT_TRUE(sys::DeleteProfileSection("\\a", file.c_str()));
+    ASSERT_TRUE(sys::DeleteProfileSection("\\b", file.c_str()));
     EXPECT_EQ(Content(), "");
 }
 
@@ -263,14 +266,14 @@ TEST_F(ProfileFile, ShortBuffersAreCutInBounds) {
     };
     for (const Case& c : lists) {
         buffer.assign(c.size + 1, kUntouched);
-        const DWORD result = kt::sys::ReadProfileKeyNames("\\a", buffer.data(), c.size, file.c_str());
+        const DWORD result = sys::ReadProfileKeyNames("\\a", buffer.data(), c.size, file.c_str());
         EXPECT_EQ(result, c.result) << c.size;
         EXPECT_EQ(buffer.substr(0, result + 1), c.bytes) << c.size;
         EXPECT_EQ(buffer[c.size], kUntouched) << c.size;
     }
     buffer.assign(4, kUntouched);
-    EXPECT_EQ(kt::sys::ReadProfileKeyNames("\\a", buffer.data(), 0, file.c_str()), 0u);
-    EXPECT_EQ(kt::sys::ReadProfileString("\\a", "k1", buffer.data(), 0, file.c_str()), 0u);
+    EXPECT_EQ(sys::ReadProfileKeyNames("\\a", buffer.data(), 0, file.c_str()), 0u);
+    EXPECT_EQ(sys::ReadProfileString("\\a", "k1", buffer.data(), 0, file.c_str()), 0u);
     EXPECT_EQ(buffer, std::string(4, kUntouched));
     EXPECT_EQ(Value("\\a", "k1", 1), "");
     EXPECT_EQ(Value("\\a", "k1", 2), "v");
@@ -285,15 +288,15 @@ TEST_F(ProfileFile, LongValuesAndListingsStayInBounds) {
         ASSERT_TRUE(Write("\\", "v", text.c_str())) << length;
         EXPECT_EQ(Value("\\", "v"), text.substr(0, kListing - 1)) << length;
     }
-    const std::string longest(kt::sys::kLongestProfileName, 'N');
+    const std::string longest(sys::kLongestProfileName, 'N');
     ASSERT_TRUE(Write("\\", longest.c_str(), "x"));
     EXPECT_EQ(Value("\\", longest.c_str()), "x");
     const std::string tooLong = longest + "N";
     EXPECT_FALSE(Write("\\", tooLong.c_str(), "y"));
     EXPECT_FALSE(Write(tooLong.c_str(), "k", "y"));
-    EXPECT_FALSE(kt::sys::DeleteProfileKey("\\", tooLong.c_str(), file.c_str()));
+    EXPECT_FALSE(sys::DeleteProfileKey("\\", tooLong.c_str(), file.c_str()));
     EXPECT_EQ(Value("\\", tooLong.c_str()), "");
-    EXPECT_EQ(Keys("\\"), (std::vector<std::string>{"v", longest}));
+    EXPECT_EQ(Keys("\\"), (Strings{"v", longest}));
 
     // Another program's file may hold more than the buffer.
     std::string text = "[\\long]\r\nv=" + std::string(70000, 'M') + "\r\n[\\many]\r\n";
@@ -303,19 +306,19 @@ TEST_F(ProfileFile, LongValuesAndListingsStayInBounds) {
     SetContent(text);
     EXPECT_EQ(Value("\\long", "v"), std::string(kListing - 1, 'M'));
     buffer.assign(kListing, kUntouched);
-    EXPECT_EQ(kt::sys::ReadProfileSectionNames(buffer.data(), kListing, file.c_str()), kListing - 2);
+    EXPECT_EQ(sys::ReadProfileSectionNames(buffer.data(), kListing, file.c_str()), kListing - 2);
     EXPECT_EQ(buffer[kListing - 2], 0);
     EXPECT_EQ(Names(buffer.substr(0, 20)).front(), "\\long");
 }
 
 TEST_F(ProfileFile, AReadOnlyFileIsNotWritten) {
     ASSERT_TRUE(Write("\\", "k", "old"));
-    ASSERT_TRUE(kt::sys::SetReadOnly(wideFile.c_str(), true));
+    ASSERT_TRUE(sys::SetReadOnly(wideFile.c_str(), true));
     EXPECT_FALSE(Write("\\", "k", "new"));
-    EXPECT_FALSE(kt::sys::DeleteProfileKey("\\", "k", file.c_str()));
-    EXPECT_FALSE(kt::sys::DeleteProfileSection("\\", file.c_str()));
+    EXPECT_FALSE(sys::DeleteProfileKey("\\", "k", file.c_str()));
+    EXPECT_FALSE(sys::DeleteProfileSection("\\", file.c_str()));
     EXPECT_EQ(Value("\\", "k"), "old");
-    EXPECT_TRUE(kt::sys::SetReadOnly(wideFile.c_str(), false));
+    EXPECT_TRUE(sys::SetReadOnly(wideFile.c_str(), false));
 }
 
 }  // namespace

@@ -100,9 +100,7 @@ TEST(MarkedValueWriting, WideTextGoesAsNarrowTextAndObjectsNotAtAll) {
     auto tree = NewTree();
     Set(tree.get(), "w", CKTVariant(KTW("wide")));
     Set(tree.get(), "o", CKTVariant(static_cast<IKTUnknown*>(&object)));
-    EXPECT_EQ(OneLine(tree.get()), "[\\]\t\t|w=swide|");
-    auto back = ReadText(OneLine(tree.get()));
-    EXPECT_TRUE(ValueAt(back.get(), "w") == CKTVariant("wide"));
+    EXPECT_EQ(OneLine(tree.get()), "[\\]\t\t|w=swide|");  // read back in RoundTrip
 }
 
 TEST(MarkedValueWriting, RealsKeepFourteenSignificantDigits) {

@@ -190,21 +190,18 @@ TEST(DialogLayout, MovesEachEdgeOfTheControlAtItsPositionAndGrowsTheDialog) {
             source.items.push_back(Item(i, Field::Ordinal(kButton), Field::Text(W("rw.Moved")), Bytes(i % 2)));
         source.items[3].x = 10, source.items[3].y = 20, source.items[3].cx = 30, source.items[3].cy = 40;
 
-        DialogShape expected = source;
-        expected.cx = 220, expected.cy = 110;
-        expected.font = DictionaryFont(form.extended ? 400 : 0);
-        for (ItemShape& item : expected.items)
+        DialogShape translated = source;
+        translated.font = DictionaryFont(form.extended ? 400 : 0);
+        for (ItemShape& item : translated.items)
             item.title = Field::Text(W("Bewegt"));
+        const unsigned otherDialog = Supp_HashKey("layout.dll#1#101");
+        EXPECT_EQ(Rewrite(source, "layout.dll#1#101", &otherDialog), translated) << form.name;
+
+        DialogShape expected = translated;
+        expected.cx = 220, expected.cy = 110;
         expected.items[0].x = 10;  // moved right by 10, width kept
         expected.items[3].x = 15, expected.items[3].y = 17, expected.items[3].cx = 32, expected.items[3].cy = 45;
         EXPECT_EQ(Rewrite(source, "layout.dll#1#100", &layout), expected) << form.name;
-
-        const unsigned otherDialog = Supp_HashKey("layout.dll#1#101");
-        expected = source;
-        expected.font = DictionaryFont(form.extended ? 400 : 0);
-        for (ItemShape& item : expected.items)
-            item.title = Field::Text(W("Bewegt"));
-        EXPECT_EQ(Rewrite(source, "layout.dll#1#101", &otherDialog), expected) << form.name;
     }
 }
 
