@@ -6,6 +6,14 @@
 
 namespace kt::test {
 
+// A blob of `size` bytes that are not all alike.
+inline CKTVariant Blob(unsigned long size) {
+    KTBlob blob(size);
+    for (unsigned long i = 0; i < size; ++i)
+        blob.data[i] = static_cast<unsigned char>(i * 7);
+    return CKTVariant(blob);
+}
+
 inline void FillWithEveryKind(IParam* tree, bool withWideText) {
     Set(tree, "empty", CKTVariant());
     Set(tree, "bool", CKTVariant(1, KTVT_BOOL));
@@ -26,10 +34,7 @@ inline void FillWithEveryKind(IParam* tree, bool withWideText) {
     Set(tree, "rpoint", CKTVariant(tagRPOINT{1e10, -0.5}));
     Set(tree, "rect", CKTVariant(tagRECT{1, 2, 300, 400}));
     Set(tree, "rrect", CKTVariant(tagRRECT{0.5, 0.25, 10.5, 20.75}));
-    KTBlob blob(300);
-    for (ULONG i = 0; i < blob.size; ++i)
-        blob.data[i] = static_cast<unsigned char>(i * 7);
-    Set(tree, "blob", CKTVariant(blob));
+    Set(tree, "blob", Blob(300));
     if (withWideText)
         Set(tree, "wide", CKTVariant(KTW("wide text")));
     Set(tree, "Sub\\Deeper\\leaf", CKTVariant(1));

@@ -8,18 +8,11 @@
 #include "kticore/params/IniFileParam.h"
 #include "kticore/params/ParamTools.h"
 #include "platform/FileSystem.h"
-#include "tests/params/ParamTestSupport.h"
+#include "tests/params/AllKinds.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace kt::test {
 namespace {
-
-CKTVariant Blob(unsigned long size) {
-    KTBlob blob(size);
-    for (unsigned long i = 0; i < size; ++i)
-        blob.data[i] = static_cast<unsigned char>(i * 7);
-    return CKTVariant(blob);
-}
 
 class IniFileParam : public ::testing::Test {
 protected:

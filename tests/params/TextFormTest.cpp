@@ -175,11 +175,7 @@ TEST_P(TextReading, GivesTheValueTheGrammarSays) {
     }
 }
 
-CKTVariant Missing() {
-    CKTVariant missing;
-    missing.vt = kMissing;
-    return missing;
-}
+CKTVariant Missing() { return OfKind(CKTVariant(), kMissing); }
 
 INSTANTIATE_TEST_SUITE_P(
     Grammar, TextReading,

@@ -31,6 +31,9 @@ protected:
         WriteContent(name, content);
         return name;
     }
+    int AddWld(const char* leaf, const std::string& content) {
+        return Supp_AddWld(File(leaf, content).c_str());
+    }
 
     ScratchDirectory directory;
     const DWORD codePageBefore = Supp_GetACP();
@@ -53,19 +56,18 @@ TEST_F(WldFiles, JapaneseAndRussianValuesComeOutAsWideText) {
     for (const Language& language : languages) {
         const std::string text = std::string("\"KT_WLD_LANG_ID\"\n\"") + language.locale +
                                  "\"\n\"" + language.key + "\"\n\"" + language.value + "\"\n";
-        ASSERT_EQ(Supp_AddWld(File("language.wld", text).c_str()), 1);
+        ASSERT_EQ(AddWld("language.wld", text), 1);
         EXPECT_EQ(Supp_GetACP(), language.codePage);
         EXPECT_EQ(Translated(language.key), language.wide);
     }
 }
 
 TEST_F(WldFiles, KeysAreReadInTheCodePageBeforeTheFileValuesInTheOneAtFirstUse) {
-    ASSERT_EQ(Supp_AddWld(File("en.wld", "\"KT_WLD_LANG_ID\"\n\"1033\"\n").c_str()), 1);
+    ASSERT_EQ(AddWld("en.wld", "\"KT_WLD_LANG_ID\"\n\"1033\"\n"), 1);
     ASSERT_EQ(Supp_GetACP(), 1252u);
     const char cat[] = "\xCA\xEE\xF8\xEA\xE0";  // Russian in code page 1251
-    ASSERT_EQ(Supp_AddWld(File("ru.wld", std::string("\"KT_WLD_LANG_ID\"\n\"1049\"\n\"") + cat +
-                                             "\"\n\"" + cat + "\"\n")
-                              .c_str()),
+    ASSERT_EQ(AddWld("ru.wld", std::string("\"KT_WLD_LANG_ID\"\n\"1049\"\n\"") + cat + "\"\n\"" +
+                                   cat + "\"\n"),
               1);
     const WideString keyIn1252 = KTW("\u00CA\u00EE\u00F8\u00EA\u00E0");
     const WideString russian = KTW("\u041A\u043E\u0448\u043A\u0430");
@@ -75,9 +77,9 @@ TEST_F(WldFiles, KeysAreReadInTheCodePageBeforeTheFileValuesInTheOneAtFirstUse) 
 }
 
 TEST_F(WldFiles, AnUnknownOrZeroLanguageLeavesTheCodePage) {
-    ASSERT_EQ(Supp_AddWld(File("ru.wld", "\"KT_WLD_LANG_ID\"\n\"1049\"\n").c_str()), 1);
+    ASSERT_EQ(AddWld("ru.wld", "\"KT_WLD_LANG_ID\"\n\"1049\"\n"), 1);
     for (const char* id : {"0", "12345", "x"}) {
-        Supp_AddWld(File("other.wld", std::string("\"KT_WLD_LANG_ID\"\n\"") + id + "\"\n").c_str());
+        AddWld("other.wld", std::string("\"KT_WLD_LANG_ID\"\n\"") + id + "\"\n");
         EXPECT_EQ(Supp_GetACP(), 1251u) << id;
     }
 }
@@ -87,13 +89,13 @@ TEST_F(WldFiles, AKeyDefinedAgainKeepsItsFirstValueWithinAndAcrossFiles) {
     Supp_Translate("wld-asked-first");
     // wld-aeaea and wld-bagab have one hash (h = h * 257 + c in 32 bits):
     // the second is the first again.
-    ASSERT_EQ(Supp_AddWld(File("a.wld", "\"wld-twice\"\n\"first\"\n\"wld-twice\"\n\"second\"\n"
-                                        "\"wld-aeaea\"\n\"one\"\n\"wld-bagab\"\n\"other\"\n")
-                              .c_str()),
+    ASSERT_EQ(AddWld("a.wld",
+                     "\"wld-twice\"\n\"first\"\n\"wld-twice\"\n\"second\"\n"
+                     "\"wld-aeaea\"\n\"one\"\n\"wld-bagab\"\n\"other\"\n"),
               1);
-    ASSERT_EQ(Supp_AddWld(File("b.wld", "\"wld-twice\"\n\"third\"\n\"wld-added\"\n\"added\"\n"
-                                        "\"wld-asked-first\"\n\"later\"\n")
-                              .c_str()),
+    ASSERT_EQ(AddWld("b.wld",
+                     "\"wld-twice\"\n\"third\"\n\"wld-added\"\n\"added\"\n"
+                     "\"wld-asked-first\"\n\"later\"\n"),
               1);
     EXPECT_EQ(Translated("wld-twice"), W("first"));
     EXPECT_EQ(Translated("wld-added"), W("added"));
@@ -102,7 +104,7 @@ TEST_F(WldFiles, AKeyDefinedAgainKeepsItsFirstValueWithinAndAcrossFiles) {
 }
 
 TEST_F(WldFiles, AFileThatCannotBeReadLoadsNothingAndThrowsNothing) {
-    ASSERT_EQ(Supp_AddWld(File("good.wld", "\"wld-kept\"\n\"kept\"\n").c_str()), 1);
+    ASSERT_EQ(AddWld("good.wld", "\"wld-kept\"\n\"kept\"\n"), 1);
     EXPECT_EQ(Supp_AddWld((directory / W("missing.wld")).c_str()), 0);
     EXPECT_EQ(Supp_AddWld(directory.Path().c_str()), 0);  // a directory
     EXPECT_EQ(Translated("wld-kept"), W("kept"));
