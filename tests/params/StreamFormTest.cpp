@@ -114,19 +114,16 @@ private:
     IParam* child;
 };
 
-TEST(StreamForm, EmptySectionsAreTwoZeroBytesEach) {
+TEST(StreamForm, EmptySectionsAreTwoZeroBytesEachAndAValueItsNameAndVariant) {
     auto tree = NewTree();
     Ref<IParam> a(tree->CreateSection("a"));
     Ref<IParam> b(tree->CreateSection("b"));
     Ref<IParam> unnamed(tree->CreateSection(""));  // left out, with all below it
     Set(unnamed.get(), "lost", CKTVariant(1));
     EXPECT_EQ(Saved(tree.get()), Text(std::string("a\0\0\0b\0\0\0\0\0", 10)));
-}
-
-TEST(StreamForm, AValueIsItsNameAndTheStoredVariant) {
-    auto tree = NewTree();
-    Set(tree.get(), "v", CKTVariant("xy"));
-    EXPECT_EQ(Saved(tree.get()),
+    auto valued = NewTree();
+    Set(valued.get(), "v", CKTVariant("xy"));
+    EXPECT_EQ(Saved(valued.get()),
               Text(std::string("\0v\0", 3)) + VariantForm(CKTVariant("xy")) + Zeros(1));
 }
 

@@ -80,21 +80,17 @@ TEST_F(TextFiles, IncludesStopAtTheDepthAndCountLimits) {
 }
 
 // A physical line of exactly the limit leaves its line feed for the next
-// read, which finds an empty line: the end of the input.
-TEST_F(TextFiles, ALineOfTheLimitEndsTheInput) {
+// read, which finds an empty line: the end of the input. One byte more and
+// the line arrives in two pieces, each a line.
+TEST_F(TextFiles, ALineOfTheLimitEndsTheInputAndALongerOneArrivesInPieces) {
     const std::string line = "v=s" + std::string(kPhysicalLine - 3, 'a');
-    auto tree = ReadContent("[\\]\n" + line + "\nw=i1\n");
-    EXPECT_EQ(std::string(static_cast<char*>(ValueAt(tree.get(), "v"))), line.substr(3));
-    EXPECT_EQ(ValueAt(tree.get(), "w").vt, kMissing);
-}
-
-// One byte more and the line arrives in two pieces, each a line.
-TEST_F(TextFiles, ALongerLineArrivesInPieces) {
-    const std::string line = "v=s" + std::string(kPhysicalLine - 3, 'a') + "|u=i5";
-    auto tree = ReadContent("[\\]\n" + line + "\nw=i1\n");
-    EXPECT_EQ(std::string(static_cast<char*>(ValueAt(tree.get(), "v"))), line.substr(3, kPhysicalLine - 3));
-    EXPECT_EQ(IntAt(tree.get(), "u"), 5);
-    EXPECT_EQ(IntAt(tree.get(), "w"), 1);
+    auto atLimit = ReadContent("[\\]\n" + line + "\nw=i1\n");
+    EXPECT_EQ(std::string(static_cast<char*>(ValueAt(atLimit.get(), "v"))), line.substr(3));
+    EXPECT_EQ(ValueAt(atLimit.get(), "w").vt, kMissing);
+    auto longer = ReadContent("[\\]\n" + line + "|u=i5\nw=i1\n");
+    EXPECT_EQ(std::string(static_cast<char*>(ValueAt(longer.get(), "v"))), line.substr(3));
+    EXPECT_EQ(IntAt(longer.get(), "u"), 5);
+    EXPECT_EQ(IntAt(longer.get(), "w"), 1);
 }
 
 // Zero bytes are dropped from the lines, so 16-bit text reads as its
