@@ -3,6 +3,7 @@
 #include <string>
 
 #include "files/MemFile.h"
+#include "files/OpenOrThrow.h"
 #include "kticore/params/ParamTools.h"
 #include "params/Held.h"
 #include "params/InputBuffer.h"
@@ -54,13 +55,13 @@ int Param_String2Param(CXString& text, IParam* param) {
 }
 
 int Param_Param2IniFile(IParam* param, const KTWCHAR* path) {
-    Held<IXOutFile> out(Fio_OpenOut(path, FIO_WRITE));
+    Held<IXOutFile> out(kt::OpenOutOrThrow(path, FIO_WRITE));
     ParamText_Write(param, out.get(), nullptr);
     out->Commit();
     return 1;
 }
 
 int Param_IniFile2Param(const KTWCHAR* path, IParam* param) {
-    Held<IXFile> in(Fio_Open(path, 0));
+    Held<IXFile> in(kt::OpenOrThrow(path, 0));
     return ParamText_Read(in.get(), param);
 }

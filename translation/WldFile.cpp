@@ -1,7 +1,6 @@
 #include "translation/WldFile.h"
 
-#include "kticore/core/Exception.h"
-#include "kticore/files/File.h"
+#include "files/OpenOrThrow.h"
 #include "params/Held.h"
 #include "platform/Locale.h"
 #include "translation/WldReader.h"
@@ -9,10 +8,7 @@
 namespace kt {
 
 void LoadWldFile(CSuppDictionary& dictionary, const KTWCHAR* path) {
-    params::Held<IXFile> file(Fio_Open(path, 0));
-    // Fio_Open answers null where memory ran out.
-    if (file.get() == nullptr)
-        throw CXFileException(XE_NO_MEMORY, path, XFILEOP_OPEN);
+    params::Held<IXFile> file(OpenOrThrow(path, 0));
     WldReader reader(file.get());
     CXString key;
     CXString value;
