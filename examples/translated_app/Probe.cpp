@@ -1,0 +1,291 @@
+#include "Probe.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <thread>
+#include <vector>
+
+#include "AppIds.h"
+#include "MainDialog.h"
+#include "Panel.h"
+#include "Report.h"
+#include "kticore/translation/Interception.h"
+#include "kticore/translation/Translation.h"
+
+namespace {
+
+constexpr int kTextCapacity = 256;
+constexpr UINT kReadNow = WM_APP;
+constexpr int kMessageBoxTextId = 0xFFFF;  // the static that holds a message box's text
+constexpr wchar_t kDialogClass[] = L"#32770";
+constexpr unsigned kStressThreads = 4;
+const LPCWSTR kDialogTypeW = MAKEINTRESOURCEW(5);  // RT_DIALOG
+
+HMODULE App() { return GetModuleHandleW(nullptr); }
+
+HMODULE Panel() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<LPCWSTR>(&Panel_LoadMenu), &module);
+    return module;
+}
+
+std::wstring FromAnsi(const char* text) {
+    wchar_t wide[kTextCapacity] = {};
+    MultiByteToWideChar(CP_ACP, 0, text, -1, wide, kTextCapacity);
+    return wide;
+}
+
+// The application's own resource blocks, as it would fetch them itself.
+const void* LoadedA(LPCSTR type, unsigned id) {
+    return LockResource(LoadResource(App(), FindResourceA(App(), MAKEINTRESOURCEA(id), type)));
+}
+const void* LoadedW(LPCWSTR type, unsigned id) {
+    return LockResource(LoadResource(App(), FindResourceW(App(), MAKEINTRESOURCEW(id), type)));
+}
+
+void ReadStrings(Report& report) {
+    for (unsigned id : {IDS_GREETING, IDS_READY}) {
+        wchar_t wide[kTextCapacity] = {};
+        LoadStringW(App(), id, wide, kTextCapacity);
+        report[ItemName(App(), "string", id, "LoadStringW")] = wide;
+        char narrow[kTextCapacity] = {};
+        LoadStringA(App(), id, narrow, kTextCapacity);
+        report[ItemName(App(), "string", id, "LoadStringA")] = FromAnsi(narrow);
+        wchar_t source[kTextCapacity] = {};
+        LoadStringNotTransW(App(), id, source, kTextCapacity);
+        report[ItemName(App(), "notrans", id, "LoadStringNotTransW")] = source;
+    }
+    wchar_t panel[kTextCapacity] = {};
+    Panel_LoadString(IDS_PANEL_TITLE, panel, kTextCapacity);
+    report[ItemName(Panel(), "string", IDS_PANEL_TITLE, "LoadStringW")] = panel;
+}
+
+void ReadMenus(Report& report) {
+    const struct {
+        const char* way;
+        HMENU (*load)();
+    } kLoads[] = {
+        {"LoadMenuW", [] { return LoadMenuW(App(), MAKEINTRESOURCEW(IDM_MAIN)); }},
+        {"LoadMenuA", [] { return LoadMenuA(App(), MAKEINTRESOURCEA(IDM_MAIN)); }},
+        {"LoadMenuIndirectA", [] { return LoadMenuIndirectA(LoadedA(RT_MENU, IDM_MAIN)); }},
+    };
+    for (const auto& load : kLoads) {
+        HMENU menu = load.load();
+        ReadMenu(menu, ItemName(App(), "menu", IDM_MAIN, load.way), report);
+        DestroyMenu(menu);
+    }
+    HMENU panel = Panel_LoadMenu();
+    ReadMenu(panel, ItemName(Panel(), "menu", IDM_PANEL, "LoadMenuW"), report);
+    DestroyMenu(panel);
+}
+
+struct DialogRead {
+    Report* report;
+    std::string item;
+};
+
+// A modal dialog is read once its own message loop runs, then ended.
+INT_PTR CALLBACK ModalProbeProc(HWND dialog, UINT message, WPARAM, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+        PostMessageW(dialog, kReadNow, 0, 0);
+        return TRUE;
+    }
+    if (message == kReadNow) {
+        const auto* read = reinterpret_cast<const DialogRead*>(GetWindowLongPtrW(dialog, DWLP_USER));
+        ReadDialog(dialog, read->item, *read->report);
+        EndDialog(dialog, IDOK);
+        return TRUE;
+    }
+    return FALSE;
+}
+
+INT_PTR CALLBACK ModelessProc(HWND, UINT message, WPARAM, LPARAM) { return message == WM_INITDIALOG; }
+
+// Each way of opening the main dialog: a modal way returns once the dialog
+// was read, a modeless one gives the window.
+struct Opening {
+    const char* way;
+    INT_PTR (*modal)(LPARAM read);
+    HWND (*modeless)();
+};
+
+const Opening kOpenings[] = {
+    {"DialogBoxParamA",
+     [](LPARAM read) { return DialogBoxParamA(App(), MAKEINTRESOURCEA(IDD_MAIN), nullptr, ModalProbeProc, read); },
+     nullptr},
+    {"DialogBoxParamW",
+     [](LPARAM read) { return DialogBoxParamW(App(), MAKEINTRESOURCEW(IDD_MAIN), nullptr, ModalProbeProc, read); },
+     nullptr},
+    {"DialogBoxIndirectParamA",
+     [](LPARAM read) {
+         const auto* dialog = static_cast<LPCDLGTEMPLATEA>(LoadedA(RT_DIALOG, IDD_MAIN));
+         return DialogBoxIndirectParamA(App(), dialog, nullptr, ModalProbeProc, read);
+     },
+     nullptr},
+    {"DialogBoxIndirectParamW",
+     [](LPARAM read) {
+         const auto* dialog = static_cast<LPCDLGTEMPLATEW>(LoadedW(kDialogTypeW, IDD_MAIN));
+         return DialogBoxIndirectParamW(App(), dialog, nullptr, ModalProbeProc, read);
+     },
+     nullptr},
+    {"CreateDialogParamA", nullptr,
+     [] { return CreateDialogParamA(App(), MAKEINTRESOURCEA(IDD_MAIN), nullptr, ModelessProc, 0); }},
+    {"CreateDialogParamW", nullptr,
+     [] { return CreateDialogParamW(App(), MAKEINTRESOURCEW(IDD_MAIN), nullptr, ModelessProc, 0); }},
+    {"CreateDialogIndirectParamA", nullptr,
+     [] {
+         const auto* dialog = static_cast<LPCDLGTEMPLATEA>(LoadedA(RT_DIALOG, IDD_MAIN));
+         return CreateDialogIndirectParamA(App(), dialog, nullptr, ModelessProc, 0);
+     }},
+    {"CreateDialogIndirectParamW", nullptr,
+     [] {
+         const auto* dialog = static_cast<LPCDLGTEMPLATEW>(LoadedW(kDialogTypeW, IDD_MAIN));
+         return CreateDialogIndirectParamW(App(), dialog, nullptr, ModelessProc, 0);
+     }},
+    // A copy made by hand, as long as SizeofResource says.
+    {"CopiedTemplate", nullptr,
+     [] {
+         HRSRC found = FindResourceW(App(), MAKEINTRESOURCEW(IDD_MAIN), kDialogTypeW);
+         HGLOBAL loaded = LoadResource(App(), found);
+         const DWORD size = SizeofResource(App(), found);
+         std::vector<DWORD> copy((size + sizeof(DWORD) - 1) / sizeof(DWORD));
+         std::memcpy(copy.data(), LockResource(loaded), size);
+         FreeResource(loaded);
+         return CreateDialogIndirectParamW(App(), reinterpret_cast<LPCDLGTEMPLATEW>(copy.data()), nullptr,
+                                           ModelessProc, 0);
+     }},
+};
+
+void ReadDialogs(Report& report) {
+    for (const Opening& opening : kOpenings) {
+        DialogRead read = {&report, ItemName(App(), "dialog", IDD_MAIN, opening.way)};
+        if (opening.modal != nullptr) {
+            opening.modal(reinterpret_cast<LPARAM>(&read));
+            continue;
+        }
+        HWND dialog = opening.modeless();
+        ReadDialog(dialog, read.item, report);
+        DestroyWindow(dialog);
+    }
+    DialogRead panel = {&report, ItemName(Panel(), "dialog", IDD_PANEL, "DialogBoxParamW")};
+    Panel_DialogBox(nullptr, ModalProbeProc, reinterpret_cast<LPARAM>(&panel));
+}
+
+// The message box being read on this thread: read when it is activated, then
+// closed.
+thread_local DialogRead* boxRead = nullptr;
+
+LRESULT CALLBACK ReadMessageBox(int code, WPARAM wParam, LPARAM lParam) {
+    HWND box = reinterpret_cast<HWND>(wParam);
+    wchar_t windowClass[16] = {};
+    if (code == HCBT_ACTIVATE && boxRead != nullptr && GetClassNameW(box, windowClass, 16) &&
+        std::wcscmp(windowClass, kDialogClass) == 0) {
+        wchar_t text[kTextCapacity] = {};
+        GetWindowTextW(box, text, kTextCapacity);
+        (*boxRead->report)[boxRead->item + "/caption"] = text;
+        GetDlgItemTextW(box, kMessageBoxTextId, text, kTextCapacity);
+        (*boxRead->report)[boxRead->item + "/text"] = text;
+        boxRead = nullptr;
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
+    }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+void ReadMessageBoxes(Report& report) {
+    const struct {
+        const char* way;
+        void (*show)();
+    } kBoxes[] = {
+        {"MessageBoxA", [] { MessageBoxA(nullptr, kAboutText, kAboutCaption, MB_OK); }},
+        {"MessageBoxExA", [] { MessageBoxExA(nullptr, kAboutText, kAboutCaption, MB_OK, 0); }},
+        {"MessageBoxIndirectA",
+         [] {
+             MSGBOXPARAMSA params = {};
+             params.cbSize = sizeof params;
+             params.lpszText = kAboutText;
+             params.lpszCaption = kAboutCaption;
+             params.dwStyle = MB_OK;
+             MessageBoxIndirectA(&params);
+         }},
+    };
+    HHOOK hook = SetWindowsHookExW(WH_CBT, ReadMessageBox, nullptr, GetCurrentThreadId());
+    for (const auto& box : kBoxes) {
+        DialogRead read = {&report, ItemName(App(), "box", 0, box.way)};
+        boxRead = &read;
+        box.show();
+        boxRead = nullptr;
+    }
+    UnhookWindowsHookEx(hook);
+}
+
+// Everything but the message boxes, which the stress run leaves out.
+void ReadResources(Report& report) {
+    ReadStrings(report);
+    ReadMenus(report);
+    ReadDialogs(report);
+}
+
+struct StressThread {
+    Report first;
+    unsigned iterations = 0;
+    unsigned mismatches = 0;
+};
+
+void Stress(StressThread& thread, ULONGLONG until) {
+    do {
+        Report report;
+        ReadResources(report);
+        if (thread.iterations == 0)
+            thread.first = report;
+        else if (report != thread.first)
+            ++thread.mismatches;
+        ++thread.iterations;
+    } while (GetTickCount64() < until);
+}
+
+}  // namespace
+
+int RunProbe(const wchar_t* reportPath) {
+    std::FILE* out = _wfopen(reportPath, L"wb");
+    if (out == nullptr)
+        return 1;
+    const struct {
+        const char* phase;
+        int enable;
+    } kPhases[] = {{"on", 1}, {"off", 0}, {"again", 1}};
+    for (const auto& phase : kPhases) {
+        Supp_SetTranslationEnable(phase.enable);
+        Report report;
+        ReadResources(report);
+        ReadMessageBoxes(report);
+        WriteReport(out, phase.phase, report);
+    }
+    std::fclose(out);
+    return 0;
+}
+
+int RunStress(int seconds, const wchar_t* reportPath) {
+    std::FILE* out = _wfopen(reportPath, L"wb");
+    if (out == nullptr)
+        return 1;
+    const ULONGLONG until = GetTickCount64() + 1000ull * static_cast<unsigned>(seconds);
+    std::vector<StressThread> results(kStressThreads);
+    std::vector<std::thread> threads;
+    for (StressThread& result : results)
+        threads.emplace_back(Stress, std::ref(result), until);
+    Report counts;
+    for (unsigned n = 0; n < kStressThreads; ++n) {
+        threads[n].join();
+        WriteReport(out, ("stress" + std::to_string(n)).c_str(), results[n].first);
+        counts[std::to_string(n) + "|iterations"] = std::to_wstring(results[n].iterations);
+        counts[std::to_string(n) + "|mismatches"] = std::to_wstring(results[n].mismatches);
+    }
+    WriteReport(out, "count", counts);
+    std::fclose(out);
+    return 0;
+}
