@@ -12,6 +12,11 @@ constexpr unsigned kSuppKindDialog = 1;
 constexpr unsigned kSuppKindMenu = 2;
 constexpr unsigned kSuppKindString = 3;
 
+// Room for the key prefix of a resource with a number: a module's file name
+// (at most 255 characters) with its kind and number and their separators. A
+// named resource needs the length of its name more.
+constexpr unsigned kKeyPrefixRoom = 260 + 32;
+
 // Capacities of the composed key (prefix and text together) of a keyed
 // lookup.
 constexpr unsigned kKeyedCapacityW = 1024;

@@ -12,10 +12,6 @@
 namespace kt {
 namespace {
 
-// Room for a key of a module's file name (at most 255 characters) with its
-// kind and a number and their separators, before the name's own length.
-constexpr size_t kKeyRoomBeyondName = 260 + 32;
-
 // Every record of the process, in the order they were made. Records are
 // freed at unload; the blocks they served are not.
 class CResourceRecords {
@@ -57,7 +53,7 @@ unsigned KindOf(std::uintptr_t type) {
 // The key of the record's resource; a key that would not fit the record is
 // left out, since a cut key would match another resource's texts.
 void MakeKey(SuppResource& record, const char* name) {
-    std::string key(kKeyRoomBeyondName + (IsNumber(name) ? 0 : std::strlen(name)) + 1, '\0');
+    std::string key(kKeyPrefixRoom + (IsNumber(name) ? 0 : std::strlen(name)) + 1, '\0');
     Supp_MakeKeyA(record.module, name, key.data(), KindOf(record.type));
     if (std::strlen(key.c_str()) >= kResourceKeyCapacity)
         return;

@@ -6,6 +6,9 @@
 #include "files/MemoryName.h"
 #include "translation/DialogLayouts.h"
 #include "translation/WldFile.h"
+#if defined(_WIN32)
+#    include "translation/intercept/Installation.h"
+#endif
 
 namespace {
 
@@ -40,8 +43,9 @@ int Supp_Init(const KTWCHAR* path) {
     if (dictionary.initialised != 0 || LoadFiles(dictionary, DictionaryPath(path)) == 0)
         return 0;
     dictionary.initialised = 1;
-    // Installing the interception in the loaded modules belongs here, at the
-    // first dictionary loaded; it comes with the interception, not built yet.
+#if defined(_WIN32)
+    kt::InstallInFrameworkModules();
+#endif
     return 1;
 }
 
