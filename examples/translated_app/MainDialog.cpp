@@ -15,8 +15,21 @@ INT_PTR CALLBACK PanelDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARA
     return message == WM_INITDIALOG;
 }
 
+// A menu set on a dialog takes its height from the client area: the window
+// grows by it, so that the controls keep their room.
+void AddMenu(HWND dialog, HMENU menu) {
+    RECT client;
+    GetClientRect(dialog, &client);
+    SetMenu(dialog, menu);
+    const DWORD style = static_cast<DWORD>(GetWindowLongPtrW(dialog, GWL_STYLE));
+    const DWORD exStyle = static_cast<DWORD>(GetWindowLongPtrW(dialog, GWL_EXSTYLE));
+    AdjustWindowRectEx(&client, style, TRUE, exStyle);
+    SetWindowPos(dialog, nullptr, 0, 0, client.right - client.left, client.bottom - client.top,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 void Initialise(HWND dialog) {
-    SetMenu(dialog, LoadMenuW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDM_MAIN)));
+    AddMenu(dialog, LoadMenuW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDM_MAIN)));
     wchar_t greeting[kTextCapacity] = {};
     LoadStringW(GetModuleHandleW(nullptr), IDS_GREETING, greeting, kTextCapacity);
     SetDlgItemTextW(dialog, IDC_GREETING, greeting);

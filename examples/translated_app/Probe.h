@@ -9,7 +9,7 @@
 int RunProbe(const wchar_t* reportPath);
 
 // Four threads loading strings and menus and opening and closing dialogs for
-// `seconds`; each writes what it read first as phase "stress<n>", and
-// "<n>|iterations" and "<n>|mismatches" (reads that differed from its first)
+// `seconds`; each writes what it read first as phase "stress<n>", each item's
+// first text that differed from that as phase "odd<n>", and "<n>|iterations"
 // as phase "count".
 int RunStress(int seconds, const wchar_t* reportPath);

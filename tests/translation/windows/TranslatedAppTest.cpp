@@ -254,7 +254,8 @@ TEST_F(TranslatedApp, FourThreadsAtOnceSeeTheTranslationsEveryTime) {
         const std::string n = std::to_string(thread);
         ASSERT_EQ(stress.count("stress" + n), 1u) << thread;
         EXPECT_GT(std::stoul(stress.at("count").at(n + "|iterations")), 1ul) << thread;
-        EXPECT_EQ(stress.at("count").at(n + "|mismatches"), L"0") << thread;
+        const auto odd = stress.find("odd" + n);  // a phase without items is not written
+        EXPECT_EQ(odd != stress.end() ? odd->second : Items(), Items()) << thread;
         // Everything but the message boxes, as the probe saw it.
         Items expected;
         for (const auto& [name, text] : translated)
