@@ -236,17 +236,31 @@ struct StressThread {
     unsigned iterations = 0;
 };
 
+void CompareWithFirst(StressThread& thread, const Report& report) {
+    for (const auto& [item, text] : report) {
+        const auto first = thread.first.find(item);
+        if (first == thread.first.end() || text != first->second)
+            thread.odd.emplace(item, text);
+    }
+}
+
+// Strings and menus load in microseconds, a dialog takes milliseconds: many
+// loads go with each round of dialogs, so that the threads meet in both.
 void Stress(StressThread& thread, ULONGLONG until) {
+    constexpr int kLoadsPerDialogRound = 50;
     do {
-        Report report;
-        ReadResources(report);
-        if (thread.iterations++ == 0) {
-            thread.first = report;
-            continue;
+        Report everything;
+        ReadResources(everything);
+        if (thread.iterations++ == 0)
+            thread.first = everything;
+        else
+            CompareWithFirst(thread, everything);
+        for (int load = 0; load < kLoadsPerDialogRound; ++load) {
+            Report loads;
+            ReadStrings(loads);
+            ReadMenus(loads);
+            CompareWithFirst(thread, loads);
         }
-        for (const auto& [item, text] : report)
-            if (text != thread.first[item])
-                thread.odd.emplace(item, text);
     } while (GetTickCount64() < until);
 }
 
