@@ -21,3 +21,8 @@
 #define IDM_PANEL 400
 #define IDM_PANEL_REFRESH 4001
 #define IDS_PANEL_TITLE 500
+
+// order_forms.dll, a module that never asks for translation: its dialog is
+// handed to the dialog functions as a template, its string loaded by itself.
+#define IDD_FORM 600
+#define IDS_FORM_NOTE 700

@@ -1,16 +1,14 @@
-// An application with resources of its own and a module with its own, both
-// translated from the dictionary beside the executable
+// An application with resources of its own and a panel module with its own,
+// both translated from the dictionary beside the executable
 // (translated_app.wld and its layout twin translated_app.dlg) without a
-// change to their resources or their UI code.
+// change to their resources or their UI code; and a forms module that never
+// asks for translation.
 //
 //   translated_app                         the main dialog, modal
 //   translated_app --snapshot PNG          the main dialog saved as PNG, its
 //                                          texts printed
 //   translated_app --probe REPORT          see Probe.h
 //   translated_app --stress SECONDS REPORT see Probe.h
-//
-// --no-own-interception before the mode leaves the executable's own
-// resources to the system: only the panel module asks for translation.
 #include <windows.h>
 
 #include <cstdio>
@@ -35,34 +33,25 @@ std::wstring DictionaryBesideExecutable() {
 }
 
 int Usage() {
-    std::fputs("usage: translated_app [--no-own-interception] [--snapshot PNG | --probe REPORT | "
-               "--stress SECONDS REPORT]\n",
-               stderr);
+    std::fputs("usage: translated_app [--snapshot PNG | --probe REPORT | --stress SECONDS REPORT]\n", stderr);
     return 2;
 }
 
 int Run(int count, wchar_t** arguments) {
-    int next = 1;
-    const bool ownInterception = !(next < count && std::wcscmp(arguments[next], L"--no-own-interception") == 0);
-    if (!ownInterception)
-        ++next;
-
     // Without a dictionary file the application runs untranslated.
     Supp_Init(DictionaryBesideExecutable().c_str());
-    if (ownInterception)
-        Supp_InitResTranslation(GetModuleHandleW(nullptr));
+    Supp_InitResTranslation(GetModuleHandleW(nullptr));
 
-    const int left = count - next;
-    const wchar_t* mode = left > 0 ? arguments[next] : L"";
-    if (left == 0)
+    const wchar_t* mode = count > 1 ? arguments[1] : L"";
+    if (count == 1)
         return static_cast<int>(
             DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_MAIN), nullptr, MainDialogProc, 0) == -1);
-    if (left == 2 && std::wcscmp(mode, L"--snapshot") == 0)
-        return RunSnapshot(arguments[next + 1]);
-    if (left == 2 && std::wcscmp(mode, L"--probe") == 0)
-        return RunProbe(arguments[next + 1]);
-    if (left == 3 && std::wcscmp(mode, L"--stress") == 0)
-        return RunStress(std::wcstol(arguments[next + 1], nullptr, 10), arguments[next + 2]);
+    if (count == 3 && std::wcscmp(mode, L"--snapshot") == 0)
+        return RunSnapshot(arguments[2]);
+    if (count == 3 && std::wcscmp(mode, L"--probe") == 0)
+        return RunProbe(arguments[2]);
+    if (count == 4 && std::wcscmp(mode, L"--stress") == 0)
+        return RunStress(std::wcstol(arguments[2], nullptr, 10), arguments[3]);
     return Usage();
 }
 

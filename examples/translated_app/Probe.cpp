@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "AppIds.h"
+#include "Forms.h"
 #include "MainDialog.h"
 #include "Panel.h"
 #include "Report.h"
@@ -33,18 +34,22 @@ HMODULE Panel() {
     return module;
 }
 
+HMODULE Forms() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<LPCWSTR>(&Forms_Template), &module);
+    return module;
+}
+
 std::wstring FromAnsi(const char* text) {
     wchar_t wide[kTextCapacity] = {};
     MultiByteToWideChar(CP_ACP, 0, text, -1, wide, kTextCapacity);
     return wide;
 }
 
-// The application's own resource blocks, as it would fetch them itself.
+// The application's own resource block, as it would fetch it itself.
 const void* LoadedA(LPCSTR type, unsigned id) {
     return LockResource(LoadResource(App(), FindResourceA(App(), MAKEINTRESOURCEA(id), type)));
-}
-const void* LoadedW(LPCWSTR type, unsigned id) {
-    return LockResource(LoadResource(App(), FindResourceW(App(), MAKEINTRESOURCEW(id), type)));
 }
 
 void ReadStrings(Report& report) {
@@ -62,6 +67,9 @@ void ReadStrings(Report& report) {
     wchar_t panel[kTextCapacity] = {};
     Panel_LoadString(IDS_PANEL_TITLE, panel, kTextCapacity);
     report[ItemName(Panel(), "string", IDS_PANEL_TITLE, "LoadStringW")] = panel;
+    wchar_t form[kTextCapacity] = {};
+    Forms_LoadString(IDS_FORM_NOTE, form, kTextCapacity);
+    report[ItemName(Forms(), "string", IDS_FORM_NOTE, "LoadStringW")] = form;
 }
 
 void ReadMenus(Report& report) {
@@ -106,49 +114,49 @@ INT_PTR CALLBACK ModalProbeProc(HWND dialog, UINT message, WPARAM, LPARAM lParam
 
 INT_PTR CALLBACK ModelessProc(HWND, UINT message, WPARAM, LPARAM) { return message == WM_INITDIALOG; }
 
-// Each way of opening the main dialog: a modal way returns once the dialog
-// was read, a modeless one gives the window.
+// Each way of opening a dialog: a modal way returns once the dialog was read,
+// a modeless one gives the window. The dialog functions that take a
+// template are handed the forms module's, as it holds it: their own
+// translation is what shows.
 struct Opening {
     const char* way;
+    bool formsTemplate;
     INT_PTR (*modal)(LPARAM read);
     HWND (*modeless)();
 };
 
 const Opening kOpenings[] = {
-    {"DialogBoxParamA",
+    {"DialogBoxParamA", false,
      [](LPARAM read) { return DialogBoxParamA(App(), MAKEINTRESOURCEA(IDD_MAIN), nullptr, ModalProbeProc, read); },
      nullptr},
-    {"DialogBoxParamW",
+    {"DialogBoxParamW", false,
      [](LPARAM read) { return DialogBoxParamW(App(), MAKEINTRESOURCEW(IDD_MAIN), nullptr, ModalProbeProc, read); },
      nullptr},
-    {"DialogBoxIndirectParamA",
+    {"DialogBoxIndirectParamA", true,
      [](LPARAM read) {
-         const auto* dialog = static_cast<LPCDLGTEMPLATEA>(LoadedA(RT_DIALOG, IDD_MAIN));
-         return DialogBoxIndirectParamA(App(), dialog, nullptr, ModalProbeProc, read);
+         const auto* form = reinterpret_cast<LPCDLGTEMPLATEA>(Forms_Template(IDD_FORM));
+         return DialogBoxIndirectParamA(Forms(), form, nullptr, ModalProbeProc, read);
      },
      nullptr},
-    {"DialogBoxIndirectParamW",
+    {"DialogBoxIndirectParamW", true,
      [](LPARAM read) {
-         const auto* dialog = static_cast<LPCDLGTEMPLATEW>(LoadedW(kDialogTypeW, IDD_MAIN));
-         return DialogBoxIndirectParamW(App(), dialog, nullptr, ModalProbeProc, read);
+         return DialogBoxIndirectParamW(Forms(), Forms_Template(IDD_FORM), nullptr, ModalProbeProc, read);
      },
      nullptr},
-    {"CreateDialogParamA", nullptr,
+    {"CreateDialogParamA", false, nullptr,
      [] { return CreateDialogParamA(App(), MAKEINTRESOURCEA(IDD_MAIN), nullptr, ModelessProc, 0); }},
-    {"CreateDialogParamW", nullptr,
+    {"CreateDialogParamW", false, nullptr,
      [] { return CreateDialogParamW(App(), MAKEINTRESOURCEW(IDD_MAIN), nullptr, ModelessProc, 0); }},
-    {"CreateDialogIndirectParamA", nullptr,
+    {"CreateDialogIndirectParamA", true, nullptr,
      [] {
-         const auto* dialog = static_cast<LPCDLGTEMPLATEA>(LoadedA(RT_DIALOG, IDD_MAIN));
-         return CreateDialogIndirectParamA(App(), dialog, nullptr, ModelessProc, 0);
+         const auto* form = reinterpret_cast<LPCDLGTEMPLATEA>(Forms_Template(IDD_FORM));
+         return CreateDialogIndirectParamA(Forms(), form, nullptr, ModelessProc, 0);
      }},
-    {"CreateDialogIndirectParamW", nullptr,
-     [] {
-         const auto* dialog = static_cast<LPCDLGTEMPLATEW>(LoadedW(kDialogTypeW, IDD_MAIN));
-         return CreateDialogIndirectParamW(App(), dialog, nullptr, ModelessProc, 0);
-     }},
-    // A copy made by hand, as long as SizeofResource says.
-    {"CopiedTemplate", nullptr,
+    {"CreateDialogIndirectParamW", true, nullptr,
+     [] { return CreateDialogIndirectParamW(Forms(), Forms_Template(IDD_FORM), nullptr, ModelessProc, 0); }},
+    // The main dialog found, loaded and locked by hand, and copied as long as
+    // SizeofResource says.
+    {"CopiedTemplate", false, nullptr,
      [] {
          HRSRC found = FindResourceW(App(), MAKEINTRESOURCEW(IDD_MAIN), kDialogTypeW);
          HGLOBAL loaded = LoadResource(App(), found);
@@ -163,7 +171,9 @@ const Opening kOpenings[] = {
 
 void ReadDialogs(Report& report) {
     for (const Opening& opening : kOpenings) {
-        DialogRead read = {&report, ItemName(App(), "dialog", IDD_MAIN, opening.way)};
+        const std::string item = opening.formsTemplate ? ItemName(Forms(), "dialog", IDD_FORM, opening.way)
+                                                       : ItemName(App(), "dialog", IDD_MAIN, opening.way);
+        DialogRead read = {&report, item};
         if (opening.modal != nullptr) {
             opening.modal(reinterpret_cast<LPARAM>(&read));
             continue;
