@@ -27,19 +27,16 @@ const LPCWSTR kDialogTypeW = MAKEINTRESOURCEW(5);  // RT_DIALOG
 
 HMODULE App() { return GetModuleHandleW(nullptr); }
 
-HMODULE Panel() {
+// The module that holds `function`.
+HMODULE ModuleOf(const void* function) {
     HMODULE module = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<LPCWSTR>(&Panel_LoadMenu), &module);
+                       static_cast<LPCWSTR>(function), &module);
     return module;
 }
 
-HMODULE Forms() {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<LPCWSTR>(&Forms_Template), &module);
-    return module;
-}
+HMODULE Panel() { return ModuleOf(reinterpret_cast<const void*>(&Panel_LoadMenu)); }
+HMODULE Forms() { return ModuleOf(reinterpret_cast<const void*>(&Forms_Template)); }
 
 std::wstring FromAnsi(const char* text) {
     wchar_t wide[kTextCapacity] = {};
