@@ -5,6 +5,7 @@
 #include <string>
 
 #include "kticore/strings/XString.h"
+#include "platform/GuardedCopy.h"
 #include "platform/Resources.h"
 #include "translation/Lookup.h"
 #include "translation/Rewriting.h"
@@ -43,6 +44,17 @@ private:
 };
 
 CResourceRecords records;
+
+}  // namespace
+
+bool IsResourceRecord(const void* handle) {
+    DWORD marker = 0;
+    return handle != nullptr &&
+           sys::LoadGuarded(&static_cast<const SuppResource*>(handle)->marker, marker) &&
+           marker == kResourceRecordMarker;
+}
+
+namespace {
 
 bool IsNumber(const void* name) { return reinterpret_cast<std::uintptr_t>(name) >> 16 == 0; }
 

@@ -41,10 +41,10 @@ struct SuppResource : KT_LISTITEM {
 
 namespace kt {
 
-// A handle is a record when it is not null and carries the marker.
-inline bool IsResourceRecord(const void* handle) {
-    return handle != nullptr && static_cast<const SuppResource*>(handle)->marker == kResourceRecordMarker;
-}
+// A handle is a record when it is not null and carries the marker. A real
+// handle is read where a record's marker would stand, behind its own few
+// bytes, which may be the end of the module's mapping: that read is guarded.
+KTCORE_API bool IsResourceRecord(const void* handle);
 
 }  // namespace kt
 
