@@ -5,6 +5,7 @@
 #include <string>
 
 #include "kticore/strings/XString.h"
+#include "platform/CriticalSection.h"
 #include "platform/GuardedCopy.h"
 #include "platform/Resources.h"
 #include "translation/Lookup.h"
@@ -14,7 +15,9 @@ namespace kt {
 namespace {
 
 // Every record of the process, in the order they were made. Records are
-// freed at unload; the blocks they served are not.
+// freed at unload; the blocks they served are not. Threads of a host find
+// and load resources at once: making a record, and serving its block the
+// first time, happen under the lock.
 class CResourceRecords {
 public:
     CResourceRecords() = default;
@@ -38,6 +41,8 @@ public:
     }
 
     void Append(SuppResource* record) { list.AddTail(record); }
+
+    sys::CriticalSection lock;
 
 private:
     COList list;
@@ -109,6 +114,7 @@ SuppResource* Supp_WrapResource(HRSRC real, HMODULE module, const char* name, co
         return nullptr;
     if (kind != kResourceTypeMenu && kind != kResourceTypeDialog && kind != kResourceTypeString)
         return reinterpret_cast<SuppResource*>(real);
+    sys::ScopedLock hold(records.lock);
     if (SuppResource* known = records.Find(module, real))
         return known;
     void* block = sys::AllocLocalBlock(sizeof(SuppResource));
@@ -137,6 +143,7 @@ void* Supp_LoadResource(HMODULE module, SuppResource* record) {
     using namespace kt;
     if (!IsResourceRecord(record))
         return sys::LoadResourceBlock(module, reinterpret_cast<HRSRC>(record));
+    sys::ScopedLock hold(records.lock);
     if (record->translated != nullptr)
         return record->translated;
     record->realData = sys::LoadResourceBlock(module, record->real);
@@ -153,4 +160,11 @@ void* Supp_LoadResource(HMODULE module, SuppResource* record) {
         // template is served as it stands.
         return record->realData;
     }
+}
+
+DWORD kt::ServedResourceSize(HMODULE module, SuppResource* record) {
+    sys::ScopedLock hold(records.lock);
+    if (record->realData == nullptr)
+        Supp_LoadResource(module, record);
+    return record->size;
 }
