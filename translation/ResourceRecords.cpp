@@ -16,8 +16,11 @@ namespace {
 
 // Every record of the process, in the order they were made. Records are
 // freed at unload; the blocks they served are not. Threads of a host find
-// and load resources at once: making a record, and serving its block the
-// first time, happen under the lock.
+// and load resources at once: the list, and a record's first serving, are
+// touched under the lock. Nothing that may wait for the system's loader lock
+// is called under it: reading a module's file name or loading its resources
+// takes that lock, a module's DllMain holds it when it finds a resource, and
+// the two locks must never be waited for in opposite orders.
 class CResourceRecords {
 public:
     CResourceRecords() = default;
@@ -31,7 +34,27 @@ public:
         }
     }
 
-    SuppResource* Find(HMODULE module, HRSRC real) const {
+    SuppResource* Find(HMODULE module, HRSRC real) {
+        sys::ScopedLock hold(lock);
+        return FindHeld(module, real);
+    }
+
+    // `made`, or the record that another thread made for the same resource
+    // meanwhile, in which case `made` is freed.
+    SuppResource* Add(SuppResource* made) {
+        sys::ScopedLock hold(lock);
+        if (SuppResource* known = FindHeld(made->module, made->real)) {
+            sys::FreeLocalBlock(made);
+            return known;
+        }
+        list.AddTail(made);
+        return made;
+    }
+
+    sys::CriticalSection lock;
+
+private:
+    SuppResource* FindHeld(HMODULE module, HRSRC real) const {
         for (KT_LISTITEM* item = list.first; item != nullptr; item = list.Next(item)) {
             auto* record = static_cast<SuppResource*>(item);
             if (record->module == module && record->real == real)
@@ -40,11 +63,6 @@ public:
         return nullptr;
     }
 
-    void Append(SuppResource* record) { list.AddTail(record); }
-
-    sys::CriticalSection lock;
-
-private:
     COList list;
 };
 
@@ -76,6 +94,22 @@ void MakeKey(SuppResource& record, const char* name) {
         return;
     std::strcpy(record.key, key.c_str());
     record.keyHash = Supp_HashKey(record.key);
+}
+
+// A record of its own for `real`, with its key; null when no block can be
+// had.
+SuppResource* NewRecord(HRSRC real, HMODULE module, std::uintptr_t kind, const char* name) {
+    void* block = sys::AllocLocalBlock(sizeof(SuppResource));
+    if (block == nullptr)
+        return nullptr;
+    auto* record = new (block) SuppResource();
+    record->marker = kResourceRecordMarker;
+    record->type = kind;
+    record->module = module;
+    record->real = real;
+    if (name != nullptr)
+        MakeKey(*record, name);
+    return record;
 }
 
 // The dialog with its layout and translation. With an empty dictionary, or a
@@ -114,21 +148,12 @@ SuppResource* Supp_WrapResource(HRSRC real, HMODULE module, const char* name, co
         return nullptr;
     if (kind != kResourceTypeMenu && kind != kResourceTypeDialog && kind != kResourceTypeString)
         return reinterpret_cast<SuppResource*>(real);
-    sys::ScopedLock hold(records.lock);
     if (SuppResource* known = records.Find(module, real))
         return known;
-    void* block = sys::AllocLocalBlock(sizeof(SuppResource));
-    if (block == nullptr)
+    SuppResource* made = NewRecord(real, module, kind, name);
+    if (made == nullptr)
         return reinterpret_cast<SuppResource*>(real);
-    auto* record = new (block) SuppResource();
-    record->marker = kResourceRecordMarker;
-    record->type = kind;
-    record->module = module;
-    record->real = real;
-    if (name != nullptr)
-        MakeKey(*record, name);
-    records.Append(record);
-    return record;
+    return records.Add(made);
 }
 
 // The key holds the name in narrow form either way.
@@ -143,13 +168,20 @@ void* Supp_LoadResource(HMODULE module, SuppResource* record) {
     using namespace kt;
     if (!IsResourceRecord(record))
         return sys::LoadResourceBlock(module, reinterpret_cast<HRSRC>(record));
-    sys::ScopedLock hold(records.lock);
-    if (record->translated != nullptr)
-        return record->translated;
-    record->realData = sys::LoadResourceBlock(module, record->real);
-    record->size = sys::ResourceBlockSize(module, record->real);
-    if (record->realData == nullptr)
+    {
+        sys::ScopedLock hold(records.lock);
+        if (record->translated != nullptr)
+            return record->translated;
+    }
+    HGLOBAL realData = sys::LoadResourceBlock(module, record->real);
+    const DWORD size = sys::ResourceBlockSize(module, record->real);
+    if (realData == nullptr)
         return nullptr;
+    sys::ScopedLock hold(records.lock);
+    if (record->translated != nullptr)  // served by another thread meanwhile
+        return record->translated;
+    record->realData = realData;
+    record->size = size;
     switch (record->type) {
     case kResourceTypeDialog:
         return ServeDialog(*record);
@@ -163,8 +195,7 @@ void* Supp_LoadResource(HMODULE module, SuppResource* record) {
 }
 
 DWORD kt::ServedResourceSize(HMODULE module, SuppResource* record) {
+    Supp_LoadResource(module, record);
     sys::ScopedLock hold(records.lock);
-    if (record->realData == nullptr)
-        Supp_LoadResource(module, record);
     return record->size;
 }
