@@ -5,6 +5,8 @@
 #include <string>
 
 #include "kticore/strings/XString.h"
+#include "platform/CriticalSection.h"
+#include "platform/GuardedCopy.h"
 #include "platform/Resources.h"
 #include "translation/Lookup.h"
 #include "translation/Rewriting.h"
@@ -13,7 +15,12 @@ namespace kt {
 namespace {
 
 // Every record of the process, in the order they were made. Records are
-// freed at unload; the blocks they served are not.
+// freed at unload; the blocks they served are not. Threads of a host find
+// and load resources at once: the list, and a record's first serving, are
+// touched under the lock. Nothing that may wait for the system's loader lock
+// is called under it: reading a module's file name or loading its resources
+// takes that lock, a module's DllMain holds it when it finds a resource, and
+// the two locks must never be waited for in opposite orders.
 class CResourceRecords {
 public:
     CResourceRecords() = default;
@@ -27,7 +34,27 @@ public:
         }
     }
 
-    SuppResource* Find(HMODULE module, HRSRC real) const {
+    SuppResource* Find(HMODULE module, HRSRC real) {
+        sys::ScopedLock hold(lock);
+        return FindHeld(module, real);
+    }
+
+    // `made`, or the record that another thread made for the same resource
+    // meanwhile, in which case `made` is freed.
+    SuppResource* Add(SuppResource* made) {
+        sys::ScopedLock hold(lock);
+        if (SuppResource* known = FindHeld(made->module, made->real)) {
+            sys::FreeLocalBlock(made);
+            return known;
+        }
+        list.AddTail(made);
+        return made;
+    }
+
+    sys::CriticalSection lock;
+
+private:
+    SuppResource* FindHeld(HMODULE module, HRSRC real) const {
         for (KT_LISTITEM* item = list.first; item != nullptr; item = list.Next(item)) {
             auto* record = static_cast<SuppResource*>(item);
             if (record->module == module && record->real == real)
@@ -36,13 +63,21 @@ public:
         return nullptr;
     }
 
-    void Append(SuppResource* record) { list.AddTail(record); }
-
-private:
     COList list;
 };
 
 CResourceRecords records;
+
+}  // namespace
+
+bool IsResourceRecord(const void* handle) {
+    DWORD marker = 0;
+    return handle != nullptr &&
+           sys::LoadGuarded(&static_cast<const SuppResource*>(handle)->marker, marker) &&
+           marker == kResourceRecordMarker;
+}
+
+namespace {
 
 bool IsNumber(const void* name) { return reinterpret_cast<std::uintptr_t>(name) >> 16 == 0; }
 
@@ -59,6 +94,22 @@ void MakeKey(SuppResource& record, const char* name) {
         return;
     std::strcpy(record.key, key.c_str());
     record.keyHash = Supp_HashKey(record.key);
+}
+
+// A record of its own for `real`, with its key; null when no block can be
+// had.
+SuppResource* NewRecord(HRSRC real, HMODULE module, std::uintptr_t kind, const char* name) {
+    void* block = sys::AllocLocalBlock(sizeof(SuppResource));
+    if (block == nullptr)
+        return nullptr;
+    auto* record = new (block) SuppResource();
+    record->marker = kResourceRecordMarker;
+    record->type = kind;
+    record->module = module;
+    record->real = real;
+    if (name != nullptr)
+        MakeKey(*record, name);
+    return record;
 }
 
 // The dialog with its layout and translation. With an empty dictionary, or a
@@ -99,18 +150,10 @@ SuppResource* Supp_WrapResource(HRSRC real, HMODULE module, const char* name, co
         return reinterpret_cast<SuppResource*>(real);
     if (SuppResource* known = records.Find(module, real))
         return known;
-    void* block = sys::AllocLocalBlock(sizeof(SuppResource));
-    if (block == nullptr)
+    SuppResource* made = NewRecord(real, module, kind, name);
+    if (made == nullptr)
         return reinterpret_cast<SuppResource*>(real);
-    auto* record = new (block) SuppResource();
-    record->marker = kResourceRecordMarker;
-    record->type = kind;
-    record->module = module;
-    record->real = real;
-    if (name != nullptr)
-        MakeKey(*record, name);
-    records.Append(record);
-    return record;
+    return records.Add(made);
 }
 
 // The key holds the name in narrow form either way.
@@ -125,12 +168,20 @@ void* Supp_LoadResource(HMODULE module, SuppResource* record) {
     using namespace kt;
     if (!IsResourceRecord(record))
         return sys::LoadResourceBlock(module, reinterpret_cast<HRSRC>(record));
-    if (record->translated != nullptr)
-        return record->translated;
-    record->realData = sys::LoadResourceBlock(module, record->real);
-    record->size = sys::ResourceBlockSize(module, record->real);
-    if (record->realData == nullptr)
+    {
+        sys::ScopedLock hold(records.lock);
+        if (record->translated != nullptr)
+            return record->translated;
+    }
+    HGLOBAL realData = sys::LoadResourceBlock(module, record->real);
+    const DWORD size = sys::ResourceBlockSize(module, record->real);
+    if (realData == nullptr)
         return nullptr;
+    sys::ScopedLock hold(records.lock);
+    if (record->translated != nullptr)  // served by another thread meanwhile
+        return record->translated;
+    record->realData = realData;
+    record->size = size;
     switch (record->type) {
     case kResourceTypeDialog:
         return ServeDialog(*record);
@@ -141,4 +192,10 @@ void* Supp_LoadResource(HMODULE module, SuppResource* record) {
         // template is served as it stands.
         return record->realData;
     }
+}
+
+DWORD kt::ServedResourceSize(HMODULE module, SuppResource* record) {
+    Supp_LoadResource(module, record);
+    sys::ScopedLock hold(records.lock);
+    return record->size;
 }

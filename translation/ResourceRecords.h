@@ -41,10 +41,10 @@ struct SuppResource : KT_LISTITEM {
 
 namespace kt {
 
-// A handle is a record when it is not null and carries the marker.
-inline bool IsResourceRecord(const void* handle) {
-    return handle != nullptr && static_cast<const SuppResource*>(handle)->marker == kResourceRecordMarker;
-}
+// A handle is a record when it is not null and carries the marker. A real
+// handle is read where a record's marker would stand, behind its own few
+// bytes, which may be the end of the module's mapping: that read is guarded.
+KTCORE_API bool IsResourceRecord(const void* handle);
 
 }  // namespace kt
 
@@ -59,3 +59,12 @@ KTCORE_API SuppResource* Supp_WrapResource(HRSRC real, HMODULE module, const KTW
 // at the first call and served again on every later one. A real handle goes
 // to the real LoadResource; a failing real load gives 0.
 KTCORE_API void* Supp_LoadResource(HMODULE module, SuppResource* record);
+
+namespace kt {
+
+// The size of the block that the record serves, serving it first when that
+// has not happened yet: a module that asks the size before it loads the
+// block gets the size of the block it will get.
+KTCORE_API DWORD ServedResourceSize(HMODULE module, SuppResource* record);
+
+}  // namespace kt

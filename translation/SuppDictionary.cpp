@@ -2,6 +2,7 @@
 
 
 #include "kticore/translation/Translation.h"
+#include "platform/CriticalSection.h"
 #include "platform/DialogFont.h"
 #include "strings/NarrowTextCodePage.h"
 
@@ -26,16 +27,21 @@ void CopyFontName(KTWCHAR* out, const char* name) {
 // Built with the library, before its entry point runs.
 CSuppDictionary dictionary;
 
+// Held while an entry's wide form is made.
+sys::CriticalSection wideFormLock;
+
 }  // namespace
 
+// Made once: a second assignment would free the text a first caller holds.
 const KTWCHAR* CContext::WideForm() {
-    const auto isEmpty = [](const CXStringW& text) {
-        return *static_cast<const KTWCHAR*>(text) == 0;
-    };
-    if (isEmpty(wide)) {
+    if (wideMade.load(std::memory_order_acquire))
+        return wide;
+    sys::ScopedLock hold(wideFormLock);
+    if (!wideMade.load(std::memory_order_relaxed)) {
         hostMultiByteToUnicode(value, wide);
-        if (isEmpty(wide))
+        if (*static_cast<const KTWCHAR*>(wide) == 0)
             wide = CXStringW(static_cast<const char*>(key));
+        wideMade.store(true, std::memory_order_release);
     }
     return wide;
 }
@@ -68,7 +74,7 @@ CContext* CSuppDictionary::Add(const CXString& key, const CXString& value) {
     const CXStringW wideKey(key);
     if (CContext* existing = Find(wideKey))
         return existing;
-    CContext* entry = new CContext{key, value, CXStringW()};
+    CContext* entry = new CContext(key, value);
     texts.Set(wideKey, entry);
     return entry;
 }

@@ -4,6 +4,8 @@
 // functions.
 #pragma once
 
+#include <atomic>
+
 #include "kticore/core/Map.h"
 #include "kticore/strings/XString.h"
 #include "kticore/strings/XStringW.h"
@@ -13,14 +15,20 @@ namespace kt {
 // One entry: the source text and its translation as the file gave them
 // (escapes undone), and the translation as wide text, made at first use.
 struct KTCORE_API CContext {
+    CContext(const CXString& key, const CXString& value) : key(key), value(value) {}
+
     CXString key;
     CXString value;
     CXStringW wide;
 
     // The translation as wide text, converted at the first call in the code
     // page in force then. A value that converts to nothing (empty, or not
-    // text of that code page) shows the key instead. Stable until unload.
+    // text of that code page) shows the key instead. Stable until unload,
+    // also when threads of a host ask for it at once.
     const KTWCHAR* WideForm();
+
+private:
+    std::atomic<bool> wideMade{false};
 };
 
 // Offsets of a control's four edges, in dialog units.

@@ -23,5 +23,6 @@
 #include "kticore/params/ParamTools.h"
 #include "kticore/streams/Stream.h"
 #include "kticore/translation/DialogTemplates.h"
+#include "kticore/translation/Interception.h"
 #include "kticore/translation/Translation.h"
 #include "kticore/values/Variant.h"

@@ -23,8 +23,8 @@ void CallModuleEntryHook(HINSTANCE instance, DWORD reason) {
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) {
-        DisableThreadLibraryCalls(instance);
         kt::OnLibraryLoad(instance);
+        DisableThreadLibraryCalls(instance);
         // The library's own resource and message calls are translated too,
         // and the table of real functions is complete from here on.
         _InitResTranslation(instance);

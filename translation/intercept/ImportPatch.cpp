@@ -9,29 +9,45 @@ namespace kt {
 namespace {
 
 constexpr std::size_t kPeHeaderOffsetField = 0x3C;
-constexpr std::size_t kImportDescriptorsEnd = 0;
 
-// The module's import descriptors, or null when its headers are not those of
-// a 64-bit image with an import directory. The headers are read with guarded
-// copies: a handle that is not a module at all must not bring the process
-// down.
-const IMAGE_IMPORT_DESCRIPTOR* ImportDescriptors(HMODULE module) {
-    const auto* base = reinterpret_cast<const std::uint8_t*>(module);
-    std::uint16_t dosMagic = 0;
-    std::uint32_t peOffset = 0;
-    if (!sys::CopyGuarded(&dosMagic, base, sizeof dosMagic) || dosMagic != IMAGE_DOS_SIGNATURE ||
-        !sys::CopyGuarded(&peOffset, base + kPeHeaderOffsetField, sizeof peOffset))
-        return nullptr;
-    IMAGE_NT_HEADERS64 headers;
-    if (!sys::CopyGuarded(&headers, base + peOffset, sizeof headers) || headers.Signature != IMAGE_NT_SIGNATURE ||
-        headers.FileHeader.SizeOfOptionalHeader != sizeof(IMAGE_OPTIONAL_HEADER64) ||
-        headers.OptionalHeader.NumberOfRvaAndSizes <= IMAGE_DIRECTORY_ENTRY_IMPORT)
-        return nullptr;
-    const IMAGE_DATA_DIRECTORY& imports = headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    if (imports.VirtualAddress == 0)
-        return nullptr;
-    return reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + imports.VirtualAddress);
-}
+// A module's image as far as its headers say, every byte of it read with a
+// guarded copy: a handle that is not a module at all, or a file mapped flat
+// rather than loaded, must not bring the process down.
+class ModuleImage {
+public:
+    explicit ModuleImage(HMODULE module) : base(reinterpret_cast<std::uint8_t*>(module)) {}
+
+    // The offset of the import descriptors, or 0 when the headers are not
+    // those of a 64-bit image with an import directory.
+    DWORD ImportDescriptors() {
+        std::uint16_t dosMagic = 0;
+        std::uint32_t peOffset = 0;
+        IMAGE_NT_HEADERS64 headers;
+        if (!sys::CopyGuarded(&dosMagic, base, sizeof dosMagic) || dosMagic != IMAGE_DOS_SIGNATURE ||
+            !sys::CopyGuarded(&peOffset, base + kPeHeaderOffsetField, sizeof peOffset) ||
+            !sys::CopyGuarded(&headers, base + peOffset, sizeof headers) || headers.Signature != IMAGE_NT_SIGNATURE ||
+            headers.FileHeader.SizeOfOptionalHeader != sizeof(IMAGE_OPTIONAL_HEADER64) ||
+            headers.OptionalHeader.NumberOfRvaAndSizes <= IMAGE_DIRECTORY_ENTRY_IMPORT)
+            return 0;
+        size = headers.OptionalHeader.SizeOfImage;
+        return headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    }
+
+    // A value inside the image; false outside it or where it cannot be read.
+    template <class Value>
+    bool Read(std::size_t offset, Value& value) const {
+        return offset <= size && size - offset >= sizeof value && sys::CopyGuarded(&value, base + offset, sizeof value);
+    }
+
+    template <class Value>
+    Value* At(std::size_t offset) const {
+        return reinterpret_cast<Value*>(base + offset);
+    }
+
+private:
+    std::uint8_t* base;
+    std::size_t size = 0;
+};
 
 // One 8-byte store into a page made writable for it; the code that reaches
 // the entry next sees the new address.
@@ -48,19 +64,26 @@ bool WriteEntry(const void** entry, const void* to) {
 }  // namespace
 
 ImportPatch RewriteImportEntries(HMODULE module, const void* from, const void* to) {
-    const IMAGE_IMPORT_DESCRIPTOR* descriptor = ImportDescriptors(module);
-    if (descriptor == nullptr)
+    ModuleImage image(module);
+    std::size_t descriptorAt = image.ImportDescriptors();
+    if (descriptorAt == 0)
         return ImportPatch::NotAnImage;
-    auto* base = reinterpret_cast<std::uint8_t*>(module);
-    for (; descriptor->Name != kImportDescriptorsEnd; ++descriptor) {
-        if (descriptor->FirstThunk == 0)
-            continue;
-        auto** entry = reinterpret_cast<const void**>(base + descriptor->FirstThunk);
-        for (; *entry != nullptr; ++entry)
-            if (*entry == from && !WriteEntry(entry, to))
+    for (;; descriptorAt += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
+        IMAGE_IMPORT_DESCRIPTOR descriptor;
+        if (!image.Read(descriptorAt, descriptor))
+            return ImportPatch::NotAnImage;
+        if (descriptor.Name == 0)
+            return ImportPatch::Done;
+        for (std::size_t entryAt = descriptor.FirstThunk; entryAt != 0; entryAt += sizeof(void*)) {
+            const void* entry = nullptr;
+            if (!image.Read(entryAt, entry))
+                return ImportPatch::NotAnImage;
+            if (entry == nullptr)
+                break;
+            if (entry == from && !WriteEntry(image.At<const void*>(entryAt), to))
                 return ImportPatch::Refused;
+        }
     }
-    return ImportPatch::Done;
 }
 
 }  // namespace kt

@@ -7,7 +7,7 @@ namespace kt {
 
 enum class ImportPatch {
     Done,        // every entry that held the address holds the new one
-    NotAnImage,  // the module's headers are not those of a 64-bit image with imports
+    NotAnImage,  // the headers are not those of a 64-bit image with imports, or its tables lie outside it
     Refused,     // an entry could not be made writable; those before it stay rewritten
 };
 

@@ -80,6 +80,17 @@ void* RealAddress(const char* library, const char* function) {
     return exporter != nullptr ? reinterpret_cast<void*>(GetProcAddress(exporter, function)) : nullptr;
 }
 
+// Saves the real address whenever the function is there, before any entry
+// is rewritten and also when one cannot be: the entries rewritten lead to
+// the replacement, which must find the real function.
+void Install(HMODULE module, const Interceptor& interceptor) {
+    void* real = RealAddress(interceptor.library, interceptor.function);
+    if (real == nullptr)
+        return;
+    SaveAddress(interceptor, real);
+    RewriteImportEntries(module, real, interceptor.replacement);
+}
+
 // Takes the interceptors out of the framework modules when the library goes,
 // once a dictionary has put them there. Modules that asked for themselves,
 // and the library, stay as they are.
@@ -125,12 +136,8 @@ int _InitResTranslation(HMODULE module) {
     if (module == nullptr)
         return 0;
     kt::RememberFrameworkModules();
-    for (const kt::Interceptor& interceptor : kt::kInterceptors) {
-        // A failed installation keeps the address an earlier one saved: the
-        // library's own imports may already lead to the replacement.
-        if (void* real = HookProc_Install(module, interceptor.library, interceptor.function, interceptor.replacement))
-            kt::SaveAddress(interceptor, real);
-    }
+    for (const kt::Interceptor& interceptor : kt::kInterceptors)
+        kt::Install(module, interceptor);
     return 1;
 }
 

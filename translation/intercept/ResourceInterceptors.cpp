@@ -49,16 +49,10 @@ LPVOID WINAPI LockResource(HGLOBAL block) {
     return block;
 }
 
-// A record is measured by what it serves, so it is served first: a module
-// that asks the size before it loads the block gets the size of the block it
-// will get.
 DWORD WINAPI SizeofResource(HMODULE module, HRSRC resource) {
     if (!Supp_IsTranslationEnable() || !IsResourceRecord(resource))
         return KT_REAL(SizeofResource)(module, resource);
-    auto* record = reinterpret_cast<SuppResource*>(resource);
-    if (record->realData == nullptr)
-        Supp_LoadResource(module, record);
-    return record->size;
+    return ServedResourceSize(module, reinterpret_cast<SuppResource*>(resource));
 }
 
 // Records live until unload; freeing one does nothing.
