@@ -59,6 +59,8 @@ struct Item {
     }
     // The way the resource came (LoadMenuW, CreateDialogParamA, ...).
     std::string Way() const { return detail.substr(0, detail.find('/')); }
+    // A control's position, or "client".
+    std::string Position() const { return detail.substr(detail.rfind('/') + 1); }
     bool IsGeometry() const {
         return detail.find("/rect/") != std::string::npos || detail.find("/units") != std::string::npos;
     }
@@ -187,9 +189,9 @@ protected:
     static std::wstring ExpectedRectOf(const Items& shown, const Item& item, bool translated) {
         const DialogShape dialog = TemplateOf(item.module, item.id);
         const Layout layout = translated ? LayoutOf(item.module, item.id) : Layout();
-        const std::string way = item.Way();
-        const std::string position = item.detail.substr(item.detail.rfind('/') + 1);
-        const std::wstring units = shown.at(item.module + "|dialog|" + std::to_string(item.id) + "|" + way + "/units");
+        const std::wstring units =
+            shown.at(item.module + "|dialog|" + std::to_string(item.id) + "|" + item.Way() + "/units");
+        const std::string position = item.Position();
         return ExpectedRect(dialog, layout, position == "client" ? -1 : std::stoi(position), units);
     }
 
@@ -207,11 +209,10 @@ TEST_F(TranslatedApp, WithoutADictionaryShowsItsDialogsAsTheirTemplatesStand) {
             continue;
         ++dialogItems;
         const DialogShape dialog = TemplateOf(item.module, item.id);
-        const std::string position = item.detail.substr(item.detail.rfind('/') + 1);
         if (item.detail.find("/caption") != std::string::npos) {
             EXPECT_EQ(text, dialog.title) << name;
         } else if (item.detail.find("/text/") != std::string::npos) {
-            EXPECT_EQ(text, dialog.items.at(std::stoul(position)).title.text) << name;
+            EXPECT_EQ(text, dialog.items.at(std::stoul(item.Position())).title.text) << name;
         } else if (item.detail.find("/rect/") != std::string::npos) {
             EXPECT_EQ(text, ExpectedRectOf(shown, item, false)) << name;
         }
