@@ -41,12 +41,14 @@ std::string Pair(const std::string& key, const std::string& value) {
 // The translated string and every text of the dialog, under the keys of this
 // executable's resources.
 std::string Dictionary() {
-    std::string wld = Pair(KeyPrefix(KT_BENCH_STRING_TRANSLATED / kStringsPerBlock + 1, kSuppKindString) +
-                               "Open the selected file",
-                           "Die gewaehlte Datei oeffnen");
+    std::string wld =
+        Pair(KeyPrefix(KT_BENCH_STRING_TRANSLATED / kStringsPerBlock + 1, kSuppKindString) +
+                 "Open the selected file",
+             "Die gewaehlte Datei oeffnen");
     const std::string dialog = KeyPrefix(KT_BENCH_DIALOG, kSuppKindDialog);
     for (int n = 0; n <= KT_BENCH_DIALOG_CONTROLS; ++n)
-        wld += Pair(dialog + "Control text " + std::to_string(n), "Steuerelement " + std::to_string(n));
+        wld += Pair(dialog + "Control text " + std::to_string(n),
+                    "Steuerelement " + std::to_string(n));
     return wld;
 }
 
@@ -57,7 +59,8 @@ bool LoadDictionary() {
         return false;
     const std::string wld = Dictionary();
     std::FILE* file = _wfopen(path, L"wb");
-    const bool written = file != nullptr && std::fwrite(wld.data(), 1, wld.size(), file) == wld.size();
+    const bool written =
+        file != nullptr && std::fwrite(wld.data(), 1, wld.size(), file) == wld.size();
     if (file != nullptr)
         std::fclose(file);
     const bool loaded = written && Supp_Init(path) == 1;
@@ -70,7 +73,8 @@ using CreateDialogFunction = HWND(WINAPI*)(HINSTANCE, LPCWSTR, HWND, DLGPROC, LP
 
 template <class Function>
 Function RealUser32(const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("user32"), name)));
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("user32"), name)));
 }
 
 INT_PTR CALLBACK NoProcedure(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
@@ -86,7 +90,8 @@ void OpenAndClose(Create create, int control = 0, std::wstring* text = nullptr) 
     }
     if (text != nullptr) {
         wchar_t buffer[kStringCapacity] = {};
-        GetWindowTextW(control == 0 ? dialog : GetDlgItem(dialog, control), buffer, kStringCapacity);
+        GetWindowTextW(control == 0 ? dialog : GetDlgItem(dialog, control), buffer,
+                       kStringCapacity);
         *text = buffer;
     }
     DestroyWindow(dialog);
@@ -120,7 +125,8 @@ void StringLoads(LoadStringFunction real) {
                  {"LoadStringW/unknown", KT_BENCH_STRING_UNKNOWN}};
     for (const auto& loaded : cases) {
         const double ours = kt::bench::NanosecondsPerCall(
-            [&] { LoadStringW(ThisModule(), loaded.id, buffer, kStringCapacity); }, kStringIterations);
+            [&] { LoadStringW(ThisModule(), loaded.id, buffer, kStringCapacity); },
+            kStringIterations);
         const double theirs = kt::bench::NanosecondsPerCall(
             [&] { real(ThisModule(), loaded.id, buffer, kStringCapacity); }, kStringIterations);
         kt::bench::PrintRatio(loaded.name, "LoadStringW", ours, theirs);
@@ -128,7 +134,8 @@ void StringLoads(LoadStringFunction real) {
 }
 
 void DialogOpenings(CreateDialogFunction real) {
-    const auto patched = [](HINSTANCE module, LPCWSTR name, HWND parent, DLGPROC procedure, LPARAM param) {
+    const auto patched = [](HINSTANCE module, LPCWSTR name, HWND parent, DLGPROC procedure,
+                            LPARAM param) {
         return CreateDialogParamW(module, name, parent, procedure, param);
     };
     for (int control : {0, KT_BENCH_DIALOG_CONTROLS}) {
@@ -140,8 +147,10 @@ void DialogOpenings(CreateDialogFunction real) {
                "the dialog is translated through the patched import alone");
     }
 
-    const double ours = kt::bench::NanosecondsPerCall([&] { OpenAndClose(patched); }, kDialogIterations, kDialogRounds);
-    const double theirs = kt::bench::NanosecondsPerCall([&] { OpenAndClose(real); }, kDialogIterations, kDialogRounds);
+    const double ours = kt::bench::NanosecondsPerCall([&] { OpenAndClose(patched); },
+                                                      kDialogIterations, kDialogRounds);
+    const double theirs = kt::bench::NanosecondsPerCall([&] { OpenAndClose(real); },
+                                                        kDialogIterations, kDialogRounds);
     kt::bench::PrintRatio("CreateDialogParamW/50", "CreateDialogParamW", ours, theirs);
 }
 
