@@ -20,7 +20,6 @@ namespace {
 
 constexpr long kStringIterations = 200000;
 constexpr long kDialogIterations = 40;
-constexpr int kDialogRounds = 5;
 constexpr int kStringCapacity = 256;
 constexpr unsigned kStringsPerBlock = 16;
 
@@ -124,12 +123,10 @@ void StringLoads(LoadStringFunction real) {
     } cases[] = {{"LoadStringW/translated", KT_BENCH_STRING_TRANSLATED},
                  {"LoadStringW/unknown", KT_BENCH_STRING_UNKNOWN}};
     for (const auto& loaded : cases) {
-        const double ours = kt::bench::NanosecondsPerCall(
+        const kt::bench::PairOfFigures figures = kt::bench::NanosecondsPerCallInTurn(
             [&] { LoadStringW(ThisModule(), loaded.id, buffer, kStringCapacity); },
-            kStringIterations);
-        const double theirs = kt::bench::NanosecondsPerCall(
             [&] { real(ThisModule(), loaded.id, buffer, kStringCapacity); }, kStringIterations);
-        kt::bench::PrintRatio(loaded.name, "LoadStringW", ours, theirs);
+        kt::bench::PrintRatio(loaded.name, "LoadStringW", figures.ours, figures.theirs);
     }
 }
 
@@ -147,11 +144,10 @@ void DialogOpenings(CreateDialogFunction real) {
                "the dialog is translated through the patched import alone");
     }
 
-    const double ours = kt::bench::NanosecondsPerCall([&] { OpenAndClose(patched); },
-                                                      kDialogIterations, kDialogRounds);
-    const double theirs = kt::bench::NanosecondsPerCall([&] { OpenAndClose(real); },
-                                                        kDialogIterations, kDialogRounds);
-    kt::bench::PrintRatio("CreateDialogParamW/50", "CreateDialogParamW", ours, theirs);
+    const kt::bench::PairOfFigures figures = kt::bench::NanosecondsPerCallInTurn(
+        [&] { OpenAndClose(patched); }, [&] { OpenAndClose(real); }, kDialogIterations);
+    kt::bench::PrintRatio("CreateDialogParamW/50", "CreateDialogParamW", figures.ours,
+                          figures.theirs);
 }
 
 }  // namespace
