@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cwchar>
 #include <string>
 
 #include "bench/harness/TimingHarness.h"
@@ -23,7 +22,9 @@ constexpr long kDialogIterations = 40;
 constexpr int kStringCapacity = 256;
 constexpr unsigned kStringsPerBlock = 16;
 
-const wchar_t kTranslatedString[] = L"Die gewaehlte Datei oeffnen";
+// String KT_BENCH_STRING_TRANSLATED of the script, and its translation.
+const std::string kSourceString = "Open the selected file";
+const std::string kTranslation = "Die gewaehlte Datei oeffnen";
 
 HMODULE ThisModule() { return GetModuleHandleW(nullptr); }
 
@@ -42,8 +43,8 @@ std::string Pair(const std::string& key, const std::string& value) {
 std::string Dictionary() {
     std::string wld =
         Pair(KeyPrefix(KT_BENCH_STRING_TRANSLATED / kStringsPerBlock + 1, kSuppKindString) +
-                 "Open the selected file",
-             "Die gewaehlte Datei oeffnen");
+                 kSourceString,
+             kTranslation);
     const std::string dialog = KeyPrefix(KT_BENCH_DIALOG, kSuppKindDialog);
     for (int n = 0; n <= KT_BENCH_DIALOG_CONTROLS; ++n)
         wld += Pair(dialog + "Control text " + std::to_string(n),
@@ -111,10 +112,10 @@ void Expect(bool holds, const char* what) {
 void StringLoads(LoadStringFunction real) {
     wchar_t buffer[kStringCapacity];
     Expect(LoadStringW(ThisModule(), KT_BENCH_STRING_TRANSLATED, buffer, kStringCapacity) > 0 &&
-               std::wcscmp(buffer, kTranslatedString) == 0,
+               buffer == std::wstring(kTranslation.begin(), kTranslation.end()),
            "LoadStringW translates");
     Expect(real(ThisModule(), KT_BENCH_STRING_TRANSLATED, buffer, kStringCapacity) > 0 &&
-               std::wcscmp(buffer, kTranslatedString) != 0,
+               buffer == std::wstring(kSourceString.begin(), kSourceString.end()),
            "the real LoadStringW does not translate");
 
     const struct {
