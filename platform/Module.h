@@ -26,10 +26,15 @@ HMODULE LoadModule(const char* path);
 // The address of an export, or null.
 void* FindExport(HMODULE module, const char* name);
 
-// The full path of a loaded module's file (null: the program's), as
-// GetModuleFileNameA and GetModuleFileNameW give it into 260 characters;
-// empty when it cannot be read.
-std::string ModuleFileNameA(HMODULE module);
-std::basic_string<KTWCHAR> ModuleFileNameW(HMODULE module);
+// The buffer the library gives the system for a module's path, with its
+// terminator.
+constexpr size_t kModulePathCapacity = 260;
+
+// The full path of a loaded module's file (null: the program's) in `path`, as
+// GetModuleFileNameA and GetModuleFileNameW give it, cut to fit and
+// terminated; its length, 0 when it cannot be read. Into the caller's buffer:
+// every resource key starts with it, and a string load must not allocate.
+size_t ModuleFileNameA(HMODULE module, char (&path)[kModulePathCapacity]);
+size_t ModuleFileNameW(HMODULE module, KTWCHAR (&path)[kModulePathCapacity]);
 
 }  // namespace kt::sys

@@ -14,34 +14,58 @@ namespace {
 bool IsNumericId(const void* id) { return reinterpret_cast<std::uintptr_t>(id) >> 16 == 0; }
 
 template <class Unit>
-std::basic_string<Unit> Ascii(const std::string& text) {
-    return std::basic_string<Unit>(text.begin(), text.end());
+bool IsPathSeparator(Unit unit) {
+    return unit == Unit(':') || unit == Unit('\\') || unit == Unit('/');
+}
+
+// The decimal digits of `number` at `out`; the end of them.
+template <class Unit>
+Unit* PutNumber(Unit* out, unsigned number) {
+    Unit digits[10];
+    int count = 0;
+    do {
+        digits[count++] = static_cast<Unit>('0' + number % 10);
+        number /= 10;
+    } while (number != 0);
+    while (count > 0)
+        *out++ = digits[--count];
+    return out;
 }
 
 // "<file>#<kind>#<id>" or "<file>#<kind>#<name>" into `out`, where <file> is
-// the module's path behind its last ':', '\' or '/'.
+// the module's path behind its last ':', '\' or '/'. Written in place: every
+// string a patched module loads makes one.
 template <class Unit>
-void MakeKey(const std::basic_string<Unit>& path, const void* id, Unit* out, unsigned kind) {
-    const size_t separator = path.find_last_of(Ascii<Unit>(":\\/"));
-    if (separator == std::basic_string<Unit>::npos)
+void MakeKey(const Unit* path, size_t length, const void* id, Unit* out, unsigned kind) {
+    const Unit* file = path + length;
+    while (file != path && !IsPathSeparator(file[-1]))
+        --file;
+    if (file == path)
         return;
-    std::basic_string<Unit> key =
-        path.substr(separator + 1) + Unit('#') + Ascii<Unit>(std::to_string(kind)) + Unit('#');
-    if (IsNumericId(id))
-        key += Ascii<Unit>(std::to_string(static_cast<int>(reinterpret_cast<std::uintptr_t>(id))));
-    else
-        key += static_cast<const Unit*>(id);
-    std::char_traits<Unit>::copy(out, key.c_str(), key.size() + 1);
+    const size_t fileLength = static_cast<size_t>(path + length - file);
+    std::char_traits<Unit>::copy(out, file, fileLength);
+    out += fileLength;
+    *out++ = Unit('#');
+    out = PutNumber(out, kind);
+    *out++ = Unit('#');
+    if (IsNumericId(id)) {
+        *PutNumber(out, static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(id))) = 0;
+        return;
+    }
+    const auto* name = static_cast<const Unit*>(id);
+    std::char_traits<Unit>::copy(out, name, std::char_traits<Unit>::length(name) + 1);
 }
 
 }  // namespace
 
 void Supp_MakeKeyA(HMODULE module, const void* id, char* out, unsigned kind) {
-    MakeKey(kt::sys::ModuleFileNameA(module), id, out, kind);
+    char path[kt::sys::kModulePathCapacity];
+    MakeKey(path, kt::sys::ModuleFileNameA(module, path), id, out, kind);
 }
 
 void Supp_MakeKeyW(HMODULE module, const void* id, KTWCHAR* out, unsigned kind) {
-    MakeKey(kt::sys::ModuleFileNameW(module), id, out, kind);
+    KTWCHAR path[kt::sys::kModulePathCapacity];
+    MakeKey(path, kt::sys::ModuleFileNameW(module, path), id, out, kind);
 }
 
 DWORD Supp_HashKey(const char* key) {

@@ -3,6 +3,7 @@
 // of several rounds, so that a round disturbed by the machine does not count.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 
@@ -21,6 +22,25 @@ double NanosecondsPerCall(Body&& body, long iterations, int rounds = 9) {
         const double perCall = elapsed.count() / static_cast<double>(iterations);
         if (round == 0 || perCall < best)
             best = perCall;
+    }
+    return best;
+}
+
+struct PairOfFigures {
+    double ours;
+    double theirs;
+};
+
+// Ours and the peer's rounds in turn, each the best of its own, so that a
+// machine busy with other work weighs on both alike.
+template <class Ours, class Theirs>
+PairOfFigures NanosecondsPerCallInTurn(Ours&& ours, Theirs&& theirs, long iterations,
+                                       int rounds = 9) {
+    PairOfFigures best = {NanosecondsPerCall(ours, iterations, 1),
+                          NanosecondsPerCall(theirs, iterations, 1)};
+    for (int round = 1; round < rounds; ++round) {
+        best.ours = std::min(best.ours, NanosecondsPerCall(ours, iterations, 1));
+        best.theirs = std::min(best.theirs, NanosecondsPerCall(theirs, iterations, 1));
     }
     return best;
 }

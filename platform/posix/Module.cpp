@@ -8,6 +8,7 @@
 #include <link.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -29,9 +30,6 @@ std::string ExecutableDirectory() {
     const std::string executable = ExecutablePath();
     return executable.substr(0, executable.rfind('/'));
 }
-
-// The system's buffer for a module's path: 260 characters with the terminator.
-constexpr size_t kModulePathCapacity = 260;
 
 std::string Absolute(const std::string& path) {
     char resolved[PATH_MAX];
@@ -81,26 +79,29 @@ HMODULE LoadModule(const char* path) { return dlopen(path, RTLD_NOW | RTLD_LOCAL
 
 void* FindExport(HMODULE module, const char* name) { return dlsym(module, name); }
 
-std::string ModuleFileNameA(HMODULE module) {
-    std::string path;
+size_t ModuleFileNameA(HMODULE module, char (&path)[kModulePathCapacity]) {
+    std::string name;
     link_map* map = nullptr;
     if (module == nullptr)
-        path = ExecutablePath();
+        name = ExecutablePath();
     else if (dlinfo(module, RTLD_DI_LINKMAP, &map) == 0)
         // The dynamic linker knows the main program by an empty name.
-        path = map->l_name[0] != 0 ? map->l_name : ExecutablePath();
-    if (path.size() >= kModulePathCapacity)
-        path.resize(kModulePathCapacity - 1);
-    return path;
+        name = map->l_name[0] != 0 ? map->l_name : ExecutablePath();
+    const size_t kept = std::min(name.size(), kModulePathCapacity - 1);
+    std::memcpy(path, name.data(), kept);
+    path[kept] = 0;
+    return kept;
 }
 
-std::basic_string<KTWCHAR> ModuleFileNameW(HMODULE module) {
-    const std::string path = ModuleFileNameA(module);
-    const int units =
-        MultiByteToWide(kUtf8CodePage, path.data(), static_cast<int>(path.size()), nullptr, 0);
-    std::basic_string<KTWCHAR> wide(static_cast<size_t>(units), 0);
-    MultiByteToWide(kUtf8CodePage, path.data(), static_cast<int>(path.size()), wide.data(), units);
-    return wide;
+// UTF-8 never takes fewer bytes than UTF-16 takes units, so the wide path
+// fits where the narrow one did.
+size_t ModuleFileNameW(HMODULE module, KTWCHAR (&path)[kModulePathCapacity]) {
+    char narrow[kModulePathCapacity];
+    const size_t length = ModuleFileNameA(module, narrow);
+    const int units = MultiByteToWide(kUtf8CodePage, narrow, static_cast<int>(length), path,
+                                      static_cast<int>(kModulePathCapacity - 1));
+    path[units] = 0;
+    return static_cast<size_t>(units);
 }
 
 }  // namespace kt::sys

@@ -4,8 +4,16 @@
 namespace kt::sys {
 
 namespace {
-// The buffer the library gives the system for a module's path.
-constexpr DWORD kModulePathCapacity = 260;
+
+// The system cuts a path that does not fit and, in older versions, leaves it
+// unterminated.
+template <class Unit>
+size_t Terminated(Unit (&path)[kModulePathCapacity], DWORD length) {
+    const size_t kept = length < kModulePathCapacity ? length : kModulePathCapacity - 1;
+    path[kept] = 0;
+    return kept;
+}
+
 }  // namespace
 
 HMODULE ModuleContaining(const void* address) {
@@ -35,17 +43,12 @@ void* FindExport(HMODULE module, const char* name) {
     return reinterpret_cast<void*>(GetProcAddress(module, name));
 }
 
-std::string ModuleFileNameA(HMODULE module) {
-    char path[kModulePathCapacity];
-    const DWORD length = GetModuleFileNameA(module, path, kModulePathCapacity);
-    return std::string(path, length < kModulePathCapacity ? length : kModulePathCapacity - 1);
+size_t ModuleFileNameA(HMODULE module, char (&path)[kModulePathCapacity]) {
+    return Terminated(path, GetModuleFileNameA(module, path, kModulePathCapacity));
 }
 
-std::basic_string<KTWCHAR> ModuleFileNameW(HMODULE module) {
-    KTWCHAR path[kModulePathCapacity];
-    const DWORD length = GetModuleFileNameW(module, path, kModulePathCapacity);
-    return std::basic_string<KTWCHAR>(
-        path, length < kModulePathCapacity ? length : kModulePathCapacity - 1);
+size_t ModuleFileNameW(HMODULE module, KTWCHAR (&path)[kModulePathCapacity]) {
+    return Terminated(path, GetModuleFileNameW(module, path, kModulePathCapacity));
 }
 
 }  // namespace kt::sys

@@ -36,6 +36,7 @@ TEST(Map, ATextKeyHashesAsSpecifiedInThirtyTwoBits) {
     EXPECT_EQ(CTMapKey<const char*>::Hash("aaeaea"), 0xBAA5C14Eu);
     EXPECT_EQ(CTMapKey<const char*>::Hash("\xFF"), 0xFFFFFFFFu);        // bytes count as signed
     EXPECT_EQ(CTMapKey<const KTWCHAR*>::Hash(KTW("\uFFFF")), 0xFFFFu);  // units as unsigned
+    EXPECT_EQ(CTMapKey<const KTWCHAR*>::Hash(KTW("abcdefg")), 0x656E1ABCu);
 }
 
 TEST(Map, KeysWithOneHashAreOneEntry) {

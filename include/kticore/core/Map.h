@@ -15,14 +15,34 @@
 template <class K>
 struct CTMapKey;
 
+// h = h * 257 + value(unit) over a terminated text, in 32 bits. Four units a
+// step, the same value: the multiplications of a step do not wait on each
+// other, where one unit a step waits on the last product each time, and a
+// dictionary lookup hashes its whole text.
+template <class Unit, class Value>
+DWORD CTMapTextHash(const Unit* text, Value value) {
+    constexpr DWORD k1 = 257, k2 = k1 * k1, k3 = k2 * k1, k4 = k3 * k1;
+    DWORD hash = 0;
+    for (;; text += 4) {
+        if (text[0] == 0)
+            return hash;
+        if (text[1] == 0)
+            return hash * k1 + value(text[0]);
+        if (text[2] == 0)
+            return hash * k2 + value(text[0]) * k1 + value(text[1]);
+        if (text[3] == 0)
+            return hash * k3 + value(text[0]) * k2 + value(text[1]) * k1 + value(text[2]);
+        hash = hash * k4 + value(text[0]) * k3 + value(text[1]) * k2 + value(text[2]) * k1 +
+               value(text[3]);
+    }
+}
+
 // Narrow text: h = h * 257 + c over its bytes taken as signed, in 32 bits.
 template <>
 struct CTMapKey<const char*> {
     static DWORD Hash(const char* key) {
-        DWORD hash = 0;
-        for (; *key != 0; ++key)
-            hash = hash * 257 + static_cast<DWORD>(static_cast<signed char>(*key));
-        return hash;
+        return CTMapTextHash(
+            key, [](char c) { return static_cast<DWORD>(static_cast<signed char>(c)); });
     }
     static const char* Copy(const char* key) {
         const size_t size = std::strlen(key) + 1;
@@ -37,12 +57,10 @@ template <>
 struct CTMapKey<const ULONG*> {
     static const char* Text(const ULONG* key) { return reinterpret_cast<const char*>(key); }
     static DWORD Hash(const ULONG* key) {
-        DWORD hash = 0;
-        for (const char* p = Text(key); *p != 0; ++p) {
-            char c = *p >= 'A' && *p <= 'Z' ? static_cast<char>(*p - 'A' + 'a') : *p;
-            hash = hash * 257 + static_cast<DWORD>(static_cast<signed char>(c));
-        }
-        return hash;
+        return CTMapTextHash(Text(key), [](char c) {
+            const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+            return static_cast<DWORD>(static_cast<signed char>(lower));
+        });
     }
     static const ULONG* Copy(const ULONG* key) {
         return reinterpret_cast<const ULONG*>(CTMapKey<const char*>::Copy(Text(key)));
@@ -50,14 +68,12 @@ struct CTMapKey<const ULONG*> {
     static void Free(const ULONG* key) { CTMapKey<const char*>::Free(Text(key)); }
 };
 
-// 16-bit text: the same loop over its units, taken unsigned.
+// 16-bit text: the same over its units, taken unsigned.
 template <>
 struct CTMapKey<const KTWCHAR*> {
     static DWORD Hash(const KTWCHAR* key) {
-        DWORD hash = 0;
-        for (; *key != 0; ++key)
-            hash = hash * 257 + static_cast<DWORD>(static_cast<WORD>(*key));
-        return hash;
+        return CTMapTextHash(
+            key, [](KTWCHAR unit) { return static_cast<DWORD>(static_cast<WORD>(unit)); });
     }
     static const KTWCHAR* Copy(const KTWCHAR* key) {
         const size_t size = std::char_traits<KTWCHAR>::length(key) + 1;
