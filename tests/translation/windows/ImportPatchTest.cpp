@@ -178,6 +178,7 @@ TEST(ResourceTranslation, InstallsEveryInterceptorAndTakesThemOutAgain) {
     }
     EXPECT_EQ(image.Second(), Table{kIsCharAlphaW});
     ASSERT_EQ(_DeInitResTranslation(image.Module()), 1);
+    EXPECT_EQ(image.First(), real);
     EXPECT_EQ(image.Content(), before);
 }
 

@@ -79,13 +79,15 @@ TEST_F(Interception, StringsPreferTheEntryKeyedByTheirBlock) {
 
 TEST_F(Interception, StringsMissingOrTooLongForTheBuffer) {
     AddTranslations({{"it.S", "Translation"}});
-    constexpr UINT kMissing = 297;  // in block 19, which holds others
-    wchar_t wide[8] = L"xxxxxxx";
-    EXPECT_EQ(LoadStringW(ThisModule(), kMissing, wide, 8), 0);
-    EXPECT_EQ(wide[0], L'\0');
-    char narrow[8] = "xxxxxxx";
-    EXPECT_EQ(LoadStringA(ThisModule(), kMissing, narrow, 8), 0);
-    EXPECT_EQ(narrow[0], '\0');
+    // In block 19, which holds others, and in block 63, which is not there.
+    for (UINT missing : {297, 999}) {
+        wchar_t wide[8] = L"xxxxxxx";
+        EXPECT_EQ(LoadStringW(ThisModule(), missing, wide, 8), 0);
+        EXPECT_EQ(wide[0], L'\0') << missing;
+        char narrow[8] = "xxxxxxx";
+        EXPECT_EQ(LoadStringA(ThisModule(), missing, narrow, 8), 0);
+        EXPECT_EQ(narrow[0], '\0') << missing;
+    }
 
     wchar_t cutWide[6];
     EXPECT_EQ(LoadStringW(ThisModule(), 302, cutWide, 6), 11);
@@ -167,38 +169,34 @@ struct Shown {
     std::string caption;
 };
 
-// The message box of this thread, read and closed from a timer its modal
-// loop dispatches.
+// The message box of this thread, read and ended as soon as its
+// initialization has set its texts.
 class MessageBoxReader {
 public:
     static Shown Read(const std::function<int()>& open) {
         shown = {};
-        const UINT_PTR timer = SetTimer(nullptr, 0, kPollMilliseconds, ReadAndClose);
+        HHOOK hook = SetWindowsHookExA(WH_CALLWNDPROCRET, ReadAndEnd, nullptr, GetCurrentThreadId());
         EXPECT_EQ(open(), IDOK);
-        KillTimer(nullptr, timer);
+        UnhookWindowsHookEx(hook);
         return shown;
     }
 
 private:
-    static constexpr UINT kPollMilliseconds = 10;
     static constexpr int kMessageTextId = 0xFFFF;
 
-    static BOOL CALLBACK FindBox(HWND window, LPARAM found) {
+    static bool IsMessageBox(HWND window) {
         char className[16] = {};
         GetClassNameA(window, className, sizeof className);
-        if (std::strcmp(className, "#32770") != 0)
-            return TRUE;
-        *reinterpret_cast<HWND*>(found) = window;
-        return FALSE;
+        return std::strcmp(className, "#32770") == 0;
     }
 
-    static void CALLBACK ReadAndClose(HWND, UINT, UINT_PTR, DWORD) {
-        HWND box = nullptr;
-        EnumThreadWindows(GetCurrentThreadId(), FindBox, reinterpret_cast<LPARAM>(&box));
-        if (box == nullptr)
-            return;
-        shown = {TextOf(GetDlgItem(box, kMessageTextId)), TextOf(box)};
-        PostMessageA(box, WM_COMMAND, IDOK, 0);
+    static LRESULT CALLBACK ReadAndEnd(int code, WPARAM sentByThisThread, LPARAM details) {
+        const auto* call = reinterpret_cast<const CWPRETSTRUCT*>(details);
+        if (code == HC_ACTION && call->message == WM_INITDIALOG && IsMessageBox(call->hwnd)) {
+            shown = {TextOf(GetDlgItem(call->hwnd, kMessageTextId)), TextOf(call->hwnd)};
+            EndDialog(call->hwnd, IDOK);
+        }
+        return CallNextHookEx(nullptr, code, sentByThisThread, details);
     }
 
     static Shown shown;
