@@ -43,8 +43,9 @@ std::wstring ItemText(HMENU menu, UINT position) {
 }
 
 // The system's function itself, past the executable's patched import.
-#define KT_SYSTEM(library, name) \
-    reinterpret_cast<decltype(&::name)>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(library), #name)))
+#define KT_SYSTEM(library, name)         \
+    reinterpret_cast<decltype(&::name)>( \
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(library), #name)))
 
 class Interception : public ::testing::Test {
 protected:
@@ -66,10 +67,12 @@ TEST_F(Interception, StringsPreferTheEntryKeyedByTheirBlock) {
     } cases[] = {{300, "Keyed 19"}, {320, "Plain keyed"}, {301, "Schlicht"}};
     for (const auto& c : cases) {
         wchar_t wide[64] = {};
-        EXPECT_EQ(LoadStringW(ThisModule(), c.id, wide, 64), static_cast<int>(c.expected.size())) << c.id;
+        EXPECT_EQ(LoadStringW(ThisModule(), c.id, wide, 64), static_cast<int>(c.expected.size()))
+            << c.id;
         EXPECT_EQ(std::wstring(wide), std::wstring(c.expected.begin(), c.expected.end())) << c.id;
         char narrow[64] = {};
-        EXPECT_EQ(LoadStringA(ThisModule(), c.id, narrow, 64), static_cast<int>(c.expected.size())) << c.id;
+        EXPECT_EQ(LoadStringA(ThisModule(), c.id, narrow, 64), static_cast<int>(c.expected.size()))
+            << c.id;
         EXPECT_EQ(std::string(narrow), c.expected) << c.id;
     }
     wchar_t source[64] = {};
@@ -119,7 +122,7 @@ TEST_F(Interception, MenusPreferTheEntryKeyedByTheirNameOrNumber) {
     }
 }
 
-TEST_F(Interception, DialogsAreFoundAsRecordsAndOtherTypesAsTheyAre) {
+TEST_F(Interception, DialogsAreFoundAsRecordsAndOtherTypesAndSwitchedOffCallsAsTheSystemHasThem) {
     const auto findReal = KT_SYSTEM("kernel32", FindResourceW);
     const auto* bitmapType = MAKEINTRESOURCEW(kResourceTypeBitmap);
     const auto* dialogType = MAKEINTRESOURCEW(kResourceTypeDialog);
@@ -128,7 +131,8 @@ TEST_F(Interception, DialogsAreFoundAsRecordsAndOtherTypesAsTheyAre) {
     EXPECT_EQ(bitmap, findReal(ThisModule(), MAKEINTRESOURCEW(300), bitmapType));
     HRSRC dialog = FindResourceW(ThisModule(), MAKEINTRESOURCEW(300), dialogType);
     ASSERT_TRUE(IsResourceRecord(dialog));
-    EXPECT_EQ(reinterpret_cast<SuppResource*>(dialog)->real, findReal(ThisModule(), MAKEINTRESOURCEW(300), dialogType));
+    EXPECT_EQ(reinterpret_cast<SuppResource*>(dialog)->real,
+              findReal(ThisModule(), MAKEINTRESOURCEW(300), dialogType));
 
     const DWORD bitmapSize = KT_SYSTEM("kernel32", SizeofResource)(ThisModule(), bitmap);
     EXPECT_NE(bitmapSize, 0u);
@@ -136,9 +140,11 @@ TEST_F(Interception, DialogsAreFoundAsRecordsAndOtherTypesAsTheyAre) {
         Supp_SetTranslationEnable(enable);
         EXPECT_EQ(SizeofResource(ThisModule(), bitmap), bitmapSize) << enable;
     }
+    // The switch is off.
     const auto* dialogTypeA = MAKEINTRESOURCEA(kResourceTypeDialog);
     EXPECT_EQ(FindResourceExA(ThisModule(), dialogTypeA, MAKEINTRESOURCEA(300), 0),
-              KT_SYSTEM("kernel32", FindResourceExA)(ThisModule(), dialogTypeA, MAKEINTRESOURCEA(300), 0));
+              KT_SYSTEM("kernel32", FindResourceExA)(ThisModule(), dialogTypeA,
+                                                     MAKEINTRESOURCEA(300), 0));
 }
 
 TEST_F(Interception, BlocksTheDictionaryDoesNotKnowAreServedAsTheModuleHasThem) {
@@ -156,8 +162,8 @@ TEST_F(Interception, BlocksTheDictionaryDoesNotKnowAreServedAsTheModuleHasThem) 
 
         HRSRC real = KT_SYSTEM("kernel32", FindResourceW)(ThisModule(), name, type);
         const DWORD realSize = KT_SYSTEM("kernel32", SizeofResource)(ThisModule(), real);
-        const void* realBytes =
-            KT_SYSTEM("kernel32", LockResource)(KT_SYSTEM("kernel32", LoadResource)(ThisModule(), real));
+        const void* realBytes = KT_SYSTEM(
+            "kernel32", LockResource)(KT_SYSTEM("kernel32", LoadResource)(ThisModule(), real));
         ASSERT_EQ(size, realSize) << c.name;
         EXPECT_EQ(std::memcmp(bytes, realBytes, size), 0) << c.name;
     }
@@ -175,7 +181,8 @@ class MessageBoxReader {
 public:
     static Shown Read(const std::function<int()>& open) {
         shown = {};
-        HHOOK hook = SetWindowsHookExA(WH_CALLWNDPROCRET, ReadAndEnd, nullptr, GetCurrentThreadId());
+        HHOOK hook =
+            SetWindowsHookExA(WH_CALLWNDPROCRET, ReadAndEnd, nullptr, GetCurrentThreadId());
         EXPECT_EQ(open(), IDOK);
         UnhookWindowsHookEx(hook);
         return shown;
@@ -205,7 +212,9 @@ private:
 Shown MessageBoxReader::shown;
 
 TEST_F(Interception, MessageBoxesTranslateTextAndCaptionByTheirPlainKeys) {
-    AddTranslations({{"it.BoxMessage", "Nachricht"}, {"it.BoxCaption", "Titel"}, {"Error", "Fehler"},
+    AddTranslations({{"it.BoxMessage", "Nachricht"},
+                     {"it.BoxCaption", "Titel"},
+                     {"Error", "Fehler"},
                      {"it.BoxText", "Kastentext"}});
     MSGBOXPARAMSA byText = {};
     byText.cbSize = sizeof byText;
@@ -221,14 +230,18 @@ TEST_F(Interception, MessageBoxesTranslateTextAndCaptionByTheirPlainKeys) {
         std::string text;
         std::string caption;
     } cases[] = {
-        {"MessageBoxA", [] { return MessageBoxA(nullptr, "it.BoxMessage", "it.BoxCaption", MB_OK); }, "Nachricht",
+        {"MessageBoxA",
+         [] { return MessageBoxA(nullptr, "it.BoxMessage", "it.BoxCaption", MB_OK); }, "Nachricht",
          "Titel"},
-        {"MessageBoxA without caption", [] { return MessageBoxA(nullptr, "it.BoxMessage", nullptr, MB_OK); },
-         "Nachricht", "Fehler"},
-        {"MessageBoxExA", [] { return MessageBoxExA(nullptr, "it.BoxMessage", "it.BoxCaption", MB_OK, 0); },
+        {"MessageBoxA without caption",
+         [] { return MessageBoxA(nullptr, "it.BoxMessage", nullptr, MB_OK); }, "Nachricht",
+         "Fehler"},
+        {"MessageBoxExA",
+         [] { return MessageBoxExA(nullptr, "it.BoxMessage", "it.BoxCaption", MB_OK, 0); },
          "Nachricht", "Titel"},
         {"MessageBoxIndirectA", [&] { return MessageBoxIndirectA(&byText); }, "Nachricht", "Titel"},
-        {"MessageBoxIndirectA by id", [&] { return MessageBoxIndirectA(&byId); }, "Kastentext", "Titel"},
+        {"MessageBoxIndirectA by id", [&] { return MessageBoxIndirectA(&byId); }, "Kastentext",
+         "Titel"},
     };
     for (const auto& c : cases) {
         const Shown shown = MessageBoxReader::Read(c.open);
@@ -255,19 +268,22 @@ INT_PTR CALLBACK ReadAndEnd(HWND dialog, UINT message, WPARAM, LPARAM) {
 }
 
 TEST_F(Interception, DialogsOpenedByNameAreTranslatedWhileTheSwitchIsOn) {
-    AddTranslations({{"it.Dialog", "Dialogfenster"},
-                     {(Key(kSuppKindDialog, "300") + "it.DialogLabel").c_str(), "Beschriftung 300"}});
+    AddTranslations(
+        {{"it.Dialog", "Dialogfenster"},
+         {(Key(kSuppKindDialog, "300") + "it.DialogLabel").c_str(), "Beschriftung 300"}});
     EXPECT_EQ(DialogBoxParamW(ThisModule(), MAKEINTRESOURCEW(999), nullptr, ReadAndEnd, 0), 0);
     const struct {
         int enable;
         std::string caption;
         std::string label;
-    } cases[] = {{1, "Dialogfenster", "Beschriftung 300"}, {0, "it.Dialog", "it.DialogLabel"},
+    } cases[] = {{1, "Dialogfenster", "Beschriftung 300"},
+                 {0, "it.Dialog", "it.DialogLabel"},
                  {1, "Dialogfenster", "Beschriftung 300"}};
     for (const auto& c : cases) {
         Supp_SetTranslationEnable(c.enable);
         opened = {};
-        EXPECT_EQ(DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(300), nullptr, ReadAndEnd, 0), kDialogResult);
+        EXPECT_EQ(DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(300), nullptr, ReadAndEnd, 0),
+                  kDialogResult);
         EXPECT_EQ(opened.caption, c.caption) << c.enable;
         EXPECT_EQ(opened.label, c.label) << c.enable;
     }

@@ -3,4 +3,6 @@
 // calls it for the tests.
 #include <windows.h>
 
-extern "C" __declspec(dllexport) BOOL IsCharAlphaThrough(WCHAR character) { return IsCharAlphaW(character); }
+extern "C" __declspec(dllexport) BOOL IsCharAlphaThrough(WCHAR character) {
+    return IsCharAlphaW(character);
+}
