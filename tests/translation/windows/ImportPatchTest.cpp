@@ -46,6 +46,7 @@ public:
         Headers().Signature = IMAGE_NT_SIGNATURE;
         Headers().FileHeader.SizeOfOptionalHeader = sizeof(IMAGE_OPTIONAL_HEADER64);
         Headers().OptionalHeader.Magic = IMAGE_NT_OPTIONAL_HDR64_MAGIC;
+        Headers().OptionalHeader.SizeOfImage = kPage;
         Headers().OptionalHeader.NumberOfRvaAndSizes = IMAGE_NUMBEROF_DIRECTORY_ENTRIES;
         Headers().OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT] = {
             kDescriptors, 3 * sizeof(IMAGE_IMPORT_DESCRIPTOR)};
