@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 
+#include "kticore/core/Map.h"
 #include "kticore/translation/Translation.h"
 #include "translation/SuppDictionary.h"
 
@@ -46,22 +47,10 @@ void CopyPadded(Unit* buffer, unsigned capacity, const Unit* text, size_t length
     std::fill(buffer + copied, buffer + capacity, Unit(0));
 }
 
-const char* LookupOf(const char* text, int exact) { return Supp_LookupA(text, exact); }
-const KTWCHAR* LookupOf(const KTWCHAR* text, int exact) { return Supp_LookupW(text, exact); }
-
-constexpr unsigned ComposedCapacity(char) { return kKeyedCapacityA; }
-constexpr unsigned ComposedCapacity(KTWCHAR) { return kKeyedCapacityW; }
-
+// What a keyed translation leaves in the buffer: `found`, cut to fit unless
+// only measured; the length of `found`, or 0 for none.
 template <class Unit>
-unsigned TranslateKeyed(Unit* buffer, unsigned capacity, const Unit* prefix, int measure) {
-    const Unit* found = nullptr;
-    if (prefix != nullptr) {
-        Unit composed[ComposedCapacity(Unit())];
-        if (Compose(composed, ComposedCapacity(Unit()), prefix, buffer))
-            found = LookupOf(composed, 1);
-    }
-    if (found == nullptr)
-        found = LookupOf(buffer, 0);
+unsigned Deliver(Unit* buffer, unsigned capacity, const Unit* found, int measure) {
     if (found == nullptr)
         return 0;
     const size_t length = LengthOf(found);
@@ -116,13 +105,79 @@ const KTWCHAR* Supp_LookupKeyedW(const KTWCHAR* text, const KTWCHAR* prefix) {
     return Supp_LookupW(text, 0);
 }
 
+// Narrow keys are composed and widened as the dictionary's files give them.
 unsigned Supp_TranslateKeyedA(char* buffer, unsigned capacity, const char* prefix, int measure) {
-    return TranslateKeyed(buffer, capacity, prefix, measure);
+    const char* found = nullptr;
+    if (prefix != nullptr) {
+        char composed[kKeyedCapacityA];
+        if (Compose(composed, kKeyedCapacityA, prefix, buffer))
+            found = Supp_LookupA(composed, 1);
+    }
+    if (found == nullptr)
+        found = Supp_LookupA(buffer, 0);
+    return Deliver(buffer, capacity, found, measure);
 }
 
 unsigned Supp_TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const KTWCHAR* prefix,
                               int measure) {
-    return TranslateKeyed(buffer, capacity, prefix, measure);
+    if (prefix == nullptr)
+        return kt::TranslateKeyedW(buffer, capacity, nullptr, measure);
+    const kt::HashedText hashed = kt::HashText(prefix);
+    return kt::TranslateKeyedW(buffer, capacity, &hashed, measure);
+}
+
+kt::HashedText kt::HashText(const KTWCHAR* text) {
+    HashedText hashed;
+    hashed.hash = CTMapKey<const KTWCHAR*>::Hash(text, hashed.length);
+    return hashed;
+}
+
+namespace {
+
+// 257 to the powers below the longest key: the hash is h * 257 + unit over
+// the text, so a front's hash is shifted by 257 to the power of the length
+// of what follows it.
+struct HashShifts {
+    DWORD power[kKeyedCapacityW];
+    constexpr HashShifts() : power() {
+        power[0] = 1;
+        for (unsigned n = 1; n < kKeyedCapacityW; ++n)
+            power[n] = power[n - 1] * 257;
+    }
+};
+constexpr HashShifts kHashShifts;
+
+DWORD HashShift(size_t length) {
+    if (length < kKeyedCapacityW)
+        return kHashShifts.power[length];
+    DWORD shift = 1;
+    for (DWORD base = 257, exponent = static_cast<DWORD>(length); exponent != 0; exponent >>= 1, base *= base)
+        if (exponent & 1)
+            shift *= base;
+    return shift;
+}
+
+}  // namespace
+
+kt::HashedText kt::Joined(HashedText front, HashedText back) {
+    return {front.hash * HashShift(back.length) + back.hash, front.length + back.length};
+}
+
+// A wide key is found by the hash of prefix and text joined, without
+// composing them; the order and the limit are those of the narrow form.
+unsigned kt::TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const HashedText* prefix, int measure) {
+    CSuppDictionary& dictionary = SuppDictionary();
+    const HashedText text = HashText(buffer);
+    const KTWCHAR* found = nullptr;
+    const size_t keyedLength = prefix != nullptr ? prefix->length + text.length : 0;
+    if (keyedLength != 0 && keyedLength < kKeyedCapacityW)
+        if (CContext* entry = dictionary.FindHash(Joined(*prefix, text).hash))
+            found = entry->WideForm();
+    if (found == nullptr && text.length != 0) {
+        CContext* entry = dictionary.FindHash(text.hash);
+        found = entry != nullptr ? entry->WideForm() : buffer;
+    }
+    return Deliver(buffer, capacity, found, measure);
 }
 
 const KTWCHAR* Supp_Translate(const KTWCHAR* text) {

@@ -3,6 +3,8 @@
 // module.
 #pragma once
 
+#include <cstddef>
+
 #include "kticore/platform/Platform.h"
 // Supp_HashKey, the hash of a resource key.
 #include "kticore/translation/DialogTemplates.h"
@@ -48,6 +50,31 @@ KTCORE_API unsigned Supp_TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, con
 // path cannot be read or holds no separator.
 KTCORE_API void Supp_MakeKeyA(HMODULE module, const void* id, char* out, unsigned kind);
 KTCORE_API void Supp_MakeKeyW(HMODULE module, const void* id, KTWCHAR* out, unsigned kind);
+
+namespace kt {
+
+// A wide text known by its hash, as the dictionary hashes keys, and its
+// length: a keyed lookup needs no more of a prefix, so the prefix of a
+// module's strings can be kept from one load to the next.
+struct HashedText {
+    DWORD hash = 0;
+    size_t length = 0;
+};
+
+KTCORE_API HashedText HashText(const KTWCHAR* text);
+// The hash of `front` followed by `back`, from theirs.
+KTCORE_API HashedText Joined(HashedText front, HashedText back);
+
+// "<module file>#": the start of every key of the module's resources; false
+// when the module's path cannot be read or holds no separator.
+KTCORE_API bool ModuleKeyStart(HMODULE module, HashedText& start);
+// The start of a module's keys followed by "<kind>#<id>".
+KTCORE_API HashedText ResourceKeyPrefix(HashedText moduleStart, unsigned kind, unsigned id);
+
+// Supp_TranslateKeyedW with the prefix known by its hash; null for none.
+KTCORE_API unsigned TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const HashedText* prefix, int measure);
+
+}  // namespace kt
 
 #if defined(_WIN32)
 // The menu walk with a prefix, for the menu interceptors.

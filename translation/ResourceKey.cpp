@@ -32,22 +32,38 @@ Unit* PutNumber(Unit* out, unsigned number) {
     return out;
 }
 
-// "<file>#<kind>#<id>" or "<file>#<kind>#<name>" into `out`, where <file> is
-// the module's path behind its last ':', '\' or '/'. Written in place: every
-// string a patched module loads makes one.
+// "<file>#" at `out`, where <file> is the module's path behind its last ':',
+// '\' or '/'; the end of it, or null when the path holds no separator.
 template <class Unit>
-void MakeKey(const Unit* path, size_t length, const void* id, Unit* out, unsigned kind) {
+Unit* PutKeyStart(const Unit* path, size_t length, Unit* out) {
     const Unit* file = path + length;
     while (file != path && !IsPathSeparator(file[-1]))
         --file;
     if (file == path)
-        return;
+        return nullptr;
     const size_t fileLength = static_cast<size_t>(path + length - file);
     std::char_traits<Unit>::copy(out, file, fileLength);
     out += fileLength;
     *out++ = Unit('#');
+    return out;
+}
+
+// "<kind>#" at `out`; the end of it.
+template <class Unit>
+Unit* PutKind(Unit* out, unsigned kind) {
     out = PutNumber(out, kind);
     *out++ = Unit('#');
+    return out;
+}
+
+// "<file>#<kind>#<id>" or "<file>#<kind>#<name>" into `out`. Written in
+// place: every string a patched module loads makes one.
+template <class Unit>
+void MakeKey(const Unit* path, size_t length, const void* id, Unit* out, unsigned kind) {
+    out = PutKeyStart(path, length, out);
+    if (out == nullptr)
+        return;
+    out = PutKind(out, kind);
     if (IsNumericId(id)) {
         *PutNumber(out, static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(id))) = 0;
         return;
@@ -66,6 +82,23 @@ void Supp_MakeKeyA(HMODULE module, const void* id, char* out, unsigned kind) {
 void Supp_MakeKeyW(HMODULE module, const void* id, KTWCHAR* out, unsigned kind) {
     KTWCHAR path[kt::sys::kModulePathCapacity];
     MakeKey(path, kt::sys::ModuleFileNameW(module, path), id, out, kind);
+}
+
+bool kt::ModuleKeyStart(HMODULE module, HashedText& start) {
+    KTWCHAR path[sys::kModulePathCapacity];
+    KTWCHAR text[sys::kModulePathCapacity + 1];
+    KTWCHAR* end = PutKeyStart(path, sys::ModuleFileNameW(module, path), text);
+    if (end == nullptr)
+        return false;
+    *end = 0;
+    start = HashText(text);
+    return true;
+}
+
+kt::HashedText kt::ResourceKeyPrefix(HashedText moduleStart, unsigned kind, unsigned id) {
+    KTWCHAR text[32];
+    *PutNumber(PutKind(text, kind), id) = 0;
+    return Joined(moduleStart, HashText(text));
 }
 
 DWORD Supp_HashKey(const char* key) {

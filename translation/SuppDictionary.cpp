@@ -70,6 +70,13 @@ CContext* CSuppDictionary::Find(const KTWCHAR* text) {
     return texts.Lookup(text, entry) ? entry : nullptr;
 }
 
+CContext* CSuppDictionary::FindHash(DWORD hash) {
+    if (texts.GetCount() == 0)
+        return nullptr;
+    CContext* entry = nullptr;
+    return texts.LookupHash(hash, entry) ? entry : nullptr;
+}
+
 CContext* CSuppDictionary::Add(const CXString& key, const CXString& value) {
     const CXStringW wideKey(key);
     if (CContext* existing = Find(wideKey))

@@ -61,6 +61,8 @@ struct KTCORE_API CSuppDictionary {
 
     // The entry of `text`, or null.
     CContext* Find(const KTWCHAR* text);
+    // The entry of the key that hashes to `hash`, or null.
+    CContext* FindHash(DWORD hash);
     // A new entry under the wide form of `key`, unless one of that hash is
     // there already (the first definition wins); the entry of that hash.
     CContext* Add(const CXString& key, const CXString& value);

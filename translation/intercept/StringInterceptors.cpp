@@ -6,6 +6,7 @@
 #include "kticore/translation/Translation.h"
 #include "translation/Lookup.h"
 #include "translation/intercept/Interceptors.h"
+#include "translation/intercept/ModuleKeyStarts.h"
 
 namespace kt::intercept {
 namespace {
@@ -17,15 +18,16 @@ bool HasBlock(UINT id) { return id >> 16 == 0; }
 
 // The number under which FindResource sees the block, so that a string has
 // one key however it is reached.
-const void* BlockOf(UINT id) { return reinterpret_cast<const void*>(std::uintptr_t{id / kStringsPerBlock + 1}); }
+unsigned BlockOf(UINT id) { return id / kStringsPerBlock + 1; }
 
 // With capacity 0 the system hands out a pointer into the resource instead
 // of a copy: that is passed through as it is.
 bool IsCopied(const void* buffer, int capacity) { return buffer != nullptr && capacity > 0; }
 
-template <class Unit, class Real, class MakeKey, class Translate>
-int LoadTranslatedString(Real real, MakeKey makeKey, Translate translate, HINSTANCE module, UINT id, Unit* buffer,
-                         int capacity) {
+// The real string in the caller's buffer, then `translate(hasBlock)` on it:
+// a string of a block is keyed by the block's prefix.
+template <class Unit, class Real, class Translate>
+int LoadTranslatedString(Real real, Translate translate, HINSTANCE module, UINT id, Unit* buffer, int capacity) {
     const int loaded = real(module, id, buffer, capacity);
     if (!Supp_IsTranslationEnable() || !IsCopied(buffer, capacity))
         return loaded;
@@ -34,22 +36,31 @@ int LoadTranslatedString(Real real, MakeKey makeKey, Translate translate, HINSTA
         buffer[0] = 0;
         return 0;
     }
-    Unit prefix[kKeyPrefixRoom] = {};
-    if (HasBlock(id))
-        makeKey(module, BlockOf(id), prefix, kSuppKindString);
-    return static_cast<int>(translate(buffer, static_cast<unsigned>(capacity), prefix[0] != 0 ? prefix : nullptr, 0));
+    return static_cast<int>(translate(HasBlock(id)));
 }
 
 }  // namespace
 
 int WINAPI LoadStringA(HINSTANCE module, UINT id, LPSTR buffer, int capacity) {
-    return LoadTranslatedString(KT_REAL(LoadStringA), Supp_MakeKeyA, Supp_TranslateKeyedA, module, id, buffer,
-                                capacity);
+    return LoadTranslatedString(KT_REAL(LoadStringA), [&](bool hasBlock) {
+        char prefix[kKeyPrefixRoom] = {};
+        if (hasBlock)
+            Supp_MakeKeyA(module, reinterpret_cast<const void*>(std::uintptr_t{BlockOf(id)}), prefix, kSuppKindString);
+        return Supp_TranslateKeyedA(buffer, static_cast<unsigned>(capacity), prefix[0] != 0 ? prefix : nullptr, 0);
+    }, module, id, buffer, capacity);
 }
 
+// The wide form is on the path of every text a patched module shows: the
+// prefix is joined from the module's remembered key start by its hash, with
+// no file name read and no key composed.
 int WINAPI LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int capacity) {
-    return LoadTranslatedString(KT_REAL(LoadStringW), Supp_MakeKeyW, Supp_TranslateKeyedW, module, id, buffer,
-                                capacity);
+    return LoadTranslatedString(KT_REAL(LoadStringW), [&](bool hasBlock) {
+        HashedText start;
+        if (!hasBlock || !RememberedModuleKeyStart(module, start))
+            return TranslateKeyedW(buffer, static_cast<unsigned>(capacity), nullptr, 0);
+        const HashedText prefix = ResourceKeyPrefix(start, kSuppKindString, BlockOf(id));
+        return TranslateKeyedW(buffer, static_cast<unsigned>(capacity), &prefix, 0);
+    }, module, id, buffer, capacity);
 }
 
 }  // namespace kt::intercept

@@ -15,26 +15,41 @@
 template <class K>
 struct CTMapKey;
 
-// h = h * 257 + value(unit) over a terminated text, in 32 bits. Four units a
-// step, the same value: the multiplications of a step do not wait on each
+// h = h * 257 + value(unit) over a terminated text, in 32 bits, and the
+// text's length on the way. Four units a step, the same value: the multiplications of a step do not wait on each
 // other, where one unit a step waits on the last product each time, and a
 // dictionary lookup hashes its whole text.
 template <class Unit, class Value>
-DWORD CTMapTextHash(const Unit* text, Value value) {
+DWORD CTMapTextHash(const Unit* text, Value value, size_t& length) {
     constexpr DWORD k1 = 257, k2 = k1 * k1, k3 = k2 * k1, k4 = k3 * k1;
     DWORD hash = 0;
-    for (;; text += 4) {
-        if (text[0] == 0)
+    for (const Unit* start = text;; text += 4) {
+        const size_t done = static_cast<size_t>(text - start);
+        if (text[0] == 0) {
+            length = done;
             return hash;
-        if (text[1] == 0)
+        }
+        if (text[1] == 0) {
+            length = done + 1;
             return hash * k1 + value(text[0]);
-        if (text[2] == 0)
+        }
+        if (text[2] == 0) {
+            length = done + 2;
             return hash * k2 + value(text[0]) * k1 + value(text[1]);
-        if (text[3] == 0)
+        }
+        if (text[3] == 0) {
+            length = done + 3;
             return hash * k3 + value(text[0]) * k2 + value(text[1]) * k1 + value(text[2]);
+        }
         hash = hash * k4 + value(text[0]) * k3 + value(text[1]) * k2 + value(text[2]) * k1 +
                value(text[3]);
     }
+}
+
+template <class Unit, class Value>
+DWORD CTMapTextHash(const Unit* text, Value value) {
+    size_t length;
+    return CTMapTextHash(text, value, length);
 }
 
 // Narrow text: h = h * 257 + c over its bytes taken as signed, in 32 bits.
@@ -72,8 +87,13 @@ struct CTMapKey<const ULONG*> {
 template <>
 struct CTMapKey<const KTWCHAR*> {
     static DWORD Hash(const KTWCHAR* key) {
+        size_t length;
+        return Hash(key, length);
+    }
+    // With the text's length, found on the way.
+    static DWORD Hash(const KTWCHAR* key, size_t& length) {
         return CTMapTextHash(
-            key, [](KTWCHAR unit) { return static_cast<DWORD>(static_cast<WORD>(unit)); });
+            key, [](KTWCHAR unit) { return static_cast<DWORD>(static_cast<WORD>(unit)); }, length);
     }
     static const KTWCHAR* Copy(const KTWCHAR* key) {
         const size_t size = std::char_traits<KTWCHAR>::length(key) + 1;
@@ -193,6 +213,15 @@ public:
         return 1;
     }
 
+    // The entry of a key known by its hash alone.
+    int LookupHash(DWORD hash, V& out) {
+        const Node* node = FindHash(hash);
+        if (node == nullptr)
+            return 0;
+        out = node->value;
+        return 1;
+    }
+
     // For counted values: with `addRef` nonzero the caller gets a reference.
     template <class W = V, class = std::enable_if_t<CTMapValue<W>::kCounted>>
     int Lookup(K key, V& out, int addRef) {
@@ -284,10 +313,11 @@ protected:
 
     // A closed map has no table, and gets none: its destructor would not free
     // it.
-    Node* Find(K key) {
+    Node* Find(K key) { return FindHash(Keys::Hash(key)); }
+
+    Node* FindHash(DWORD hash) {
         if (closing && table == nullptr)
             return nullptr;
-        const DWORD hash = Keys::Hash(key);
         for (Node* node = *Bucket(hash); node != nullptr; node = node->next)
             if (node->hash == hash)
                 return node;
