@@ -90,7 +90,10 @@ TEST_F(Check, EachPlantedFaultIsTheOneFindingOnItsLine) {
         SCOPED_TRACE(std::string(fault.kind) + " planted at line " + std::to_string(line));
         WriteLines(scratch / "faulty.wld", lines);
         const std::vector<Finding> findings = FindingsOf(scratch / "faulty.wld");
-        ASSERT_EQ(findings.size(), 1u) << findings.front().message;
+        std::string listed;
+        for (const Finding& finding : findings)
+            listed += std::to_string(finding.line) + ": " + finding.message + "\n";
+        ASSERT_EQ(findings.size(), 1u) << listed;
         EXPECT_EQ(findings[0].kind, fault.kind) << findings[0].message;
         EXPECT_EQ(findings[0].line, line) << findings[0].message;
     }
