@@ -34,7 +34,8 @@ unsigned Append(Lines& lines, const std::string& key, const std::string& value) 
 }
 unsigned Remove(Lines& lines, const std::string& key) {
     const size_t at = KeyAt(lines, key);
-    lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(at), lines.begin() + static_cast<std::ptrdiff_t>(at + 2));
+    lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(at),
+                lines.begin() + static_cast<std::ptrdiff_t>(at + 2));
     return 0;
 }
 
@@ -48,25 +49,35 @@ const PlantedFault kFaults[] = {
     {"unused", [](Lines& l) { return Append(l, "texts.dll#3#9Nothing", "Rien"); }},
     {"duplicate", [](Lines& l) { return Append(l, "texts.dll#1#100Cancel", "Annuler"); }},
     // h * 257 + c: "0}" and "/" with U+017E (0x9E in code page 1252) hash alike.
-    {"hash-collision", [](Lines& l) { return Append(l, "texts.dll#1#ABOUTVersion {/\x9e", "Version"); }},
-    {"placeholders", [](Lines& l) { return SetValue(l, "texts.dll#3#1Saved %d of %d files", "[%d fichiers]"); }},
+    {"hash-collision",
+     [](Lines& l) { return Append(l, "texts.dll#1#ABOUTVersion {/\x9e", "Version"); }},
     {"placeholders",
-     [](Lines& l) { return SetValue(l, "texts.dll#3#2Replace %1 with %2?", "[Remplacer %1 par %3 ?]"); }},
-    {"accelerators", [](Lines& l) { return SetValue(l, "texts.dll#1#100&Remember", "[Se souvenir]"); }},
+     [](Lines& l) { return SetValue(l, "texts.dll#3#1Saved %d of %d files", "[%d fichiers]"); }},
+    {"placeholders",
+     [](Lines& l) {
+         return SetValue(l, "texts.dll#3#2Replace %1 with %2?", "[Remplacer %1 par %3 ?]");
+     }},
+    {"accelerators",
+     [](Lines& l) { return SetValue(l, "texts.dll#1#100&Remember", "[Se souvenir]"); }},
     // &Copy keeps its C: &Coller takes it too, in the same menu.
     {"accelerators", [](Lines& l) { return SetValue(l, "texts.dll#2#200&Paste", "[&Coller]"); }},
-    {"shortcut", [](Lines& l) { return SetValue(l, "texts.dll#2#200&Save\\tCtrl+S", "[&Enregistrer]\\tCtrl+E"); }},
+    {"shortcut",
+     [](Lines& l) {
+         return SetValue(l, "texts.dll#2#200&Save\\tCtrl+S", "[&Enregistrer]\\tCtrl+E");
+     }},
     {"untranslated", [](Lines& l) { return SetValue(l, "texts.dll#1#100Cancel", "Cancel"); }},
     {"language", [](Lines& l) { return Remove(l, "KT_WLD_LANG_ID"); }},
     {"language", [](Lines& l) { return SetValue(l, "KT_WLD_LANG_ID", "French") + 1; }},
     // Saved as UTF-8 under a language of code page 1252.
-    {"language", [](Lines& l) { return SetValue(l, "texts.dll#1#100Settings", "Param\xC3\xA8tres") + 1; }},
+    {"language",
+     [](Lines& l) { return SetValue(l, "texts.dll#1#100Settings", "Param\xC3\xA8tres") + 1; }},
 };
 
 class Check : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_EQ(RunKtTool({"extract", kTextsModule, "-o", scratch / "skeleton.wld"}).status, kSuccess);
+        ASSERT_EQ(RunKtTool({"extract", kTextsModule, "-o", scratch / "skeleton.wld"}).status,
+                  kSuccess);
         ASSERT_EQ(RunKtTool({"pseudo", scratch / "skeleton.wld", "-o", clean}).status, kSuccess);
     }
 

@@ -54,7 +54,9 @@ std::uint32_t Dword(const Bytes& bytes, size_t at) {
     std::memcpy(&value, bytes.data() + at, sizeof value);
     return value;
 }
-void SetDword(Bytes& bytes, size_t at, std::uint32_t value) { std::memcpy(bytes.data() + at, &value, sizeof value); }
+void SetDword(Bytes& bytes, size_t at, std::uint32_t value) {
+    std::memcpy(bytes.data() + at, &value, sizeof value);
+}
 
 // The file offset of the resource directory: the raw data of ".rsrc".
 size_t ResourceDirectoryOffset(const Bytes& bytes) {
@@ -81,15 +83,23 @@ struct Breakage {
 };
 
 const Breakage kBreakages[] = {
-    {"not an executable", [](Bytes& bytes) { bytes.assign({'T', 'e', 'x', 't', '\n'}); }, "no MZ header"},
+    {"not an executable",
+     [](Bytes& bytes) {
+         bytes.assign({'T', 'e', 'x', 't', '\n'});
+     },
+     "no MZ header"},
     {"no PE header", [](Bytes& bytes) { SetDword(bytes, 0x3C, 0x7FFFFFF0); }, "no PE signature"},
     {"cut inside the resource directory",
-     [](Bytes& bytes) { bytes.resize(ResourceDirectoryOffset(bytes) + 20); }, "runs past the end of the file"},
+     [](Bytes& bytes) { bytes.resize(ResourceDirectoryOffset(bytes) + 20); },
+     "runs past the end of the file"},
     {"data past the end of the file",
-     [](Bytes& bytes) { SetDword(bytes, FirstDataEntry(bytes) + 4, 0x7FFFFFFF); }, "lies in no section's data"},
+     [](Bytes& bytes) { SetDword(bytes, FirstDataEntry(bytes) + 4, 0x7FFFFFFF); },
+     "lies in no section's data"},
     {"a directory entry that points back to the root",
-     [](Bytes& bytes) { SetDword(bytes, ResourceDirectoryOffset(bytes) + 20, 0x80000000u); }, "reached twice"},
-    {"a menu cut short", [](Bytes& bytes) { SetDword(bytes, FirstDataEntry(bytes) + 4, 6); }, "menu 200: cut short"},
+     [](Bytes& bytes) { SetDword(bytes, ResourceDirectoryOffset(bytes) + 20, 0x80000000u); },
+     "reached twice"},
+    {"a menu cut short", [](Bytes& bytes) { SetDword(bytes, FirstDataEntry(bytes) + 4, 6); },
+     "menu 200: cut short"},
 };
 
 TEST(ModuleTexts, ABrokenFileIsAnsweredWithAMessageNeverARead) {
@@ -103,7 +113,8 @@ TEST(ModuleTexts, ABrokenFileIsAnsweredWithAMessageNeverARead) {
             TextsOfResources(ReadPeResources(broken), nextScope);
             ADD_FAILURE() << "no failure";
         } catch (const FormatError& error) {
-            EXPECT_NE(std::string(error.what()).find(breakage.message), std::string::npos) << error.what();
+            EXPECT_NE(std::string(error.what()).find(breakage.message), std::string::npos)
+                << error.what();
         }
     }
 }

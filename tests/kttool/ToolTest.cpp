@@ -24,8 +24,12 @@ TEST(Tool, EveryCommandLineIsAnsweredWithAStatusAndAMessage) {
         {{"pseudo", "--help"}, kSuccess, "usage: kttool pseudo"},
         {{"extract", kTextsModule}, kFailure, "needs at least one MODULE and -o"},
         {{"extract", kTextsModule, "-o"}, kFailure, "-o needs a value"},
-        {{"extract", kTextsModule, "-o", scratch / "a.wld", "--lang", "1x"}, kFailure, "decimal number"},
-        {{"extract", kTextsModule, "-o", scratch / "a.wld", "--lang", "4242"}, kFailure, "not a locale"},
+        {{"extract", kTextsModule, "-o", scratch / "a.wld", "--lang", "1x"},
+         kFailure,
+         "decimal number"},
+        {{"extract", kTextsModule, "-o", scratch / "a.wld", "--lang", "4242"},
+         kFailure,
+         "not a locale"},
         {{"extract", scratch / "none.dll", "-o", scratch / "a.wld"}, kFailure, "cannot be opened"},
         {{"check", scratch / "none.wld"}, kFailure, "cannot be opened"},
         {{"pseudo", scratch / "none.wld", "-o", scratch / "b.wld"}, kFailure, "cannot be opened"},
@@ -39,8 +43,9 @@ TEST(Tool, EveryCommandLineIsAnsweredWithAStatusAndAMessage) {
 }
 
 TEST(Pseudo, ValuesGrowAndKeepWhatTheProgramReads) {
-    const char* const kTexts[] = {"&Open...\tCtrl+O", "Saved %d of %-5.2f%% files", "Replace %1 with %2!s!?",
-                                  "Version {0}", "Line one\nline two", "Size: %I64u bytes"};
+    const char* const kTexts[] = {"&Open...\tCtrl+O",       "Saved %d of %-5.2f%% files",
+                                  "Replace %1 with %2!s!?", "Version {0}",
+                                  "Line one\nline two",     "Size: %I64u bytes"};
     for (const unsigned codePage : {1252u, 1251u}) {
         for (const char* narrow : kTexts) {
             const WideText text(narrow, narrow + std::char_traits<char>::length(narrow));
@@ -52,7 +57,9 @@ TEST(Pseudo, ValuesGrowAndKeepWhatTheProgramReads) {
             EXPECT_EQ(after.positional, before.positional);
             EXPECT_EQ(AcceleratorLetter(pseudo), AcceleratorLetter(text));
             EXPECT_EQ(ShortcutPart(pseudo), ShortcutPart(text));
-            const auto body = [](const WideText& whole) { return whole.size() - ShortcutPart(whole).size(); };
+            const auto body = [](const WideText& whole) {
+                return whole.size() - ShortcutPart(whole).size();
+            };
             EXPECT_GE(body(pseudo) * 100, body(text) * 135);
             EXPECT_EQ(pseudo.front(), '[');
             std::string encoded;

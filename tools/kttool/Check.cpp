@@ -49,7 +49,11 @@ bool LooksLikeUtf8(const std::string& text) {
     bool multibyte = false;
     for (size_t at = 0; at < text.size();) {
         const unsigned char lead = static_cast<unsigned char>(text[at]);
-        const size_t length = lead < 0x80 ? 1 : (lead >> 5) == 0x6 ? 2 : (lead >> 4) == 0xE ? 3 : (lead >> 3) == 0x1E ? 4 : 0;
+        const size_t length = lead < 0x80           ? 1
+                              : (lead >> 5) == 0x6  ? 2
+                              : (lead >> 4) == 0xE  ? 3
+                              : (lead >> 3) == 0x1E ? 4
+                                                    : 0;
         if (length == 0 || at + length > text.size())
             return false;
         for (size_t i = 1; i < length; ++i)
@@ -92,7 +96,7 @@ private:
         bool admitted = false;  // the first of its hash: the dictionary holds it
         bool isLanguage = false;
         bool used = false;
-        WideText source;       // the text it translates: the key, or the text of a keyed key
+        WideText source;  // the text it translates: the key, or the text of a keyed key
         bool ofMenu = false;
     };
 
@@ -107,19 +111,23 @@ private:
                 language = &entry;  // the reader takes the last
         valueCodePage = keyCodePage;
         if (language == nullptr) {
-            Report(0, "language", std::string("no ") + kt::kWldLanguageKey + " entry: values are read in the system's code page");
+            Report(0, "language",
+                   std::string("no ") + kt::kWldLanguageKey +
+                       " entry: values are read in the system's code page");
             return;
         }
         unsigned id = 0;
         DWORD codePage = 0;
         if (!ParseNumber(language->value, id) || !kt::sys::LocaleAnsiCodePage(id, codePage)) {
             Report(language->valueLine, "language",
-                   std::string(kt::kWldLanguageKey) + " \"" + language->value + "\" is no locale number this system knows");
+                   std::string(kt::kWldLanguageKey) + " \"" + language->value +
+                       "\" is no locale number this system knows");
             return;
         }
         if (codePage == kt::sys::kAnsiCodePage) {
             Report(language->valueLine, "language",
-                   "language " + language->value + " has no ANSI code page: values are read in the system's");
+                   "language " + language->value +
+                       " has no ANSI code page: values are read in the system's");
             return;
         }
         valueCodePage = codePage;
@@ -141,13 +149,14 @@ private:
                 const Entry& earlier = entries[first.first->second];
                 if (earlier.key == entry.key)
                     Report(read.keyLine, "duplicate",
-                           "key defined again (first at line " + std::to_string(earlier.read->keyLine) +
+                           "key defined again (first at line " +
+                               std::to_string(earlier.read->keyLine) +
                                "): this definition is never used");
                 else
                     Report(read.keyLine, "hash-collision",
                            "key " + Quoted(entry.key) + " has the hash of line " +
-                               std::to_string(earlier.read->keyLine) + "'s key " + Quoted(earlier.key) +
-                               ": it never gets in");
+                               std::to_string(earlier.read->keyLine) + "'s key " +
+                               Quoted(earlier.key) + ": it never gets in");
             }
             entries.push_back(std::move(entry));
         }
@@ -168,11 +177,6 @@ private:
         return &entry;
     }
 
-    static std::string Where(const Module& module, const ModuleText& text) {
-        static const char* const kKinds[] = {"", "dialog", "menu", "string table block"};
-        return module.fileName + " " + kKinds[text.kind] + " " + Describe(text.resource) + " " + text.position;
-    }
-
     // Both forms count as matching; the lookup takes the keyed one first.
     void MatchText(const Module& module, const ModuleText& text) {
         if (SkeletonKey(module.fileName, text).empty()) {
@@ -180,13 +184,15 @@ private:
             return;
         }
         const WideText prefix = KeyPrefix(module.fileName, text);
-        const Entry* keyed =
-            HasKeyedLookup(prefix, text.text) ? Use(Admitted(prefix + text.text), text, text.text) : nullptr;
+        const Entry* keyed = HasKeyedLookup(prefix, text.text)
+                                 ? Use(Admitted(prefix + text.text), text, text.text)
+                                 : nullptr;
         const Entry* plain = Use(Admitted(text.text), text, text.text);
         const Entry* found = keyed != nullptr ? keyed : plain;
         translations.push_back(found);
         if (found == nullptr)
-            Report(0, "missing", "no entry for " + Where(module, text) + " " + Quoted(text.text));
+            Report(0, "missing",
+                   "no entry for " + WhereOf(module.fileName, text) + " " + Quoted(text.text));
     }
 
     void CheckEntry(size_t index) {
@@ -194,10 +200,12 @@ private:
         const unsigned line = entry.read->keyLine;
         if (!entry.admitted || entry.isLanguage)
             return;
-        if (languageKnown && (Narrow(entry.value, valueCodePage) != entry.read->value ||
-                              (valueCodePage != kt::sys::kUtf8CodePage && LooksLikeUtf8(entry.read->value))))
+        if (languageKnown &&
+            (Narrow(entry.value, valueCodePage) != entry.read->value ||
+             (valueCodePage != kt::sys::kUtf8CodePage && LooksLikeUtf8(entry.read->value))))
             Report(entry.read->valueLine, "language",
-                   "value is no text of code page " + std::to_string(valueCodePage) + ", the language's");
+                   "value is no text of code page " + std::to_string(valueCodePage) +
+                       ", the language's");
         if (!modules.empty() && !entry.used)
             Report(line, "unused", "key " + Quoted(entry.key) + " matches no text of the modules");
         if (entry.value == entry.source) {
@@ -207,14 +215,17 @@ private:
         const Placeholders source = PlaceholdersOf(entry.source);
         const Placeholders value = PlaceholdersOf(entry.value);
         if (source.ordered != value.ordered || source.positional != value.positional)
-            Report(line, "placeholders", "printf conversions or placeholders differ between " + Quoted(entry.source) +
-                                             " and " + Quoted(entry.value));
+            Report(line, "placeholders",
+                   "printf conversions or placeholders differ between " + Quoted(entry.source) +
+                       " and " + Quoted(entry.value));
         if (AcceleratorCount(entry.source) != AcceleratorCount(entry.value))
-            Report(line, "accelerators", std::to_string(AcceleratorCount(entry.source)) + " '&' in the text, " +
-                                             std::to_string(AcceleratorCount(entry.value)) + " in the value");
+            Report(line, "accelerators",
+                   std::to_string(AcceleratorCount(entry.source)) + " '&' in the text, " +
+                       std::to_string(AcceleratorCount(entry.value)) + " in the value");
         if (entry.ofMenu && ShortcutPart(entry.source) != ShortcutPart(entry.value))
-            Report(line, "shortcut", "the shortcut behind \\t changed from " + Quoted(ShortcutPart(entry.source)) +
-                                         " to " + Quoted(ShortcutPart(entry.value)));
+            Report(line, "shortcut",
+                   "the shortcut behind \\t changed from " + Quoted(ShortcutPart(entry.source)) +
+                       " to " + Quoted(ShortcutPart(entry.value)));
     }
 
     // Within one menu level or dialog, a letter that translation made
@@ -231,18 +242,22 @@ private:
             if (text.scope == 0)
                 continue;
             const KTWCHAR sourceLetter = AcceleratorLetter(text.text);
-            const bool clashedBefore = sourceLetter != 0 && !sourceLetters.emplace(std::make_pair(text.scope, sourceLetter), true).second;
+            const bool clashedBefore =
+                sourceLetter != 0 &&
+                !sourceLetters.emplace(std::make_pair(text.scope, sourceLetter), true).second;
             const KTWCHAR letter = AcceleratorLetter(entry != nullptr ? entry->value : text.text);
             if (letter == 0)
                 continue;
-            const auto first = translatedLetters.emplace(std::make_pair(text.scope, letter), Holder{&text, entry});
+            const auto first =
+                translatedLetters.emplace(std::make_pair(text.scope, letter), Holder{&text, entry});
             const Holder& other = first.first->second;
             if (first.second || clashedBefore || (entry == nullptr && other.entry == nullptr))
                 continue;
             const Entry* reported = entry != nullptr ? entry : other.entry;
             Report(reported->read->keyLine, "accelerators",
-                   "accelerator '" + Printable(WideText(1, letter)) + "' of " + Where(module, text) +
-                       " is also that of " + other.text->position + " after translation");
+                   "accelerator '" + Printable(WideText(1, letter)) + "' of " +
+                       WhereOf(module.fileName, text) + " is also that of " + other.text->position +
+                       " after translation");
         }
     }
 
@@ -261,8 +276,8 @@ private:
 
 }  // namespace
 
-std::vector<Finding> CheckDictionary(const WldEntries& dictionary, const std::vector<Module>& modules,
-                                     unsigned keyCodePage) {
+std::vector<Finding> CheckDictionary(const WldEntries& dictionary,
+                                     const std::vector<Module>& modules, unsigned keyCodePage) {
     return Checker(dictionary, modules, keyCodePage).Run();
 }
 
@@ -279,10 +294,11 @@ int RunCheck(const Arguments& args, std::ostream& out, std::ostream&) {
     std::vector<Module> modules;
     for (size_t i = 1; i < line.Operands().size(); ++i)
         modules.push_back(ReadModule(line.Operands()[i]));
-    const std::vector<Finding> findings = CheckDictionary(dictionary, modules, line.Number("--key-codepage", 0));
+    const std::vector<Finding> findings =
+        CheckDictionary(dictionary, modules, line.Number("--key-codepage", 0));
     for (const Finding& finding : findings)
-        out << path << (finding.line != 0 ? ":" + std::to_string(finding.line) : std::string()) << ": "
-            << finding.kind << ": " << finding.message << "\n";
+        out << path << (finding.line != 0 ? ":" + std::to_string(finding.line) : std::string())
+            << ": " << finding.kind << ": " << finding.message << "\n";
     return findings.empty() ? kSuccess : kFindings;
 }
 

@@ -17,7 +17,7 @@ struct Finding {
 
 // `keyCodePage` is the code page keys are read in, 0 for the language's.
 // Findings in the order of their lines, those without a line last.
-std::vector<Finding> CheckDictionary(const WldEntries& dictionary, const std::vector<Module>& modules,
-                                     unsigned keyCodePage);
+std::vector<Finding> CheckDictionary(const WldEntries& dictionary,
+                                     const std::vector<Module>& modules, unsigned keyCodePage);
 
 }  // namespace kttool

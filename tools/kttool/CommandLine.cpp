@@ -55,7 +55,8 @@ bool ParseNumber(const std::string& text, unsigned& number) {
 unsigned CodePageOfLanguage(unsigned language) {
     DWORD codePage = 0;
     if (!kt::sys::LocaleAnsiCodePage(language, codePage))
-        throw UsageError("language " + std::to_string(language) + " is not a locale this system knows");
+        throw UsageError("language " + std::to_string(language) +
+                         " is not a locale this system knows");
     return codePage;
 }
 

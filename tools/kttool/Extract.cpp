@@ -2,14 +2,12 @@
 // each pair under a comment saying where its text stands, each value the
 // text itself, to be translated.
 #include <fstream>
-#include <set>
 #include <unordered_map>
 
 #include "tools/kttool/CommandLine.h"
 #include "tools/kttool/Commands.h"
 #include "tools/kttool/ResourceKeys.h"
 #include "tools/kttool/WldText.h"
-#include "translation/Lookup.h"
 #include "translation/WldReader.h"
 
 namespace kttool {
@@ -33,34 +31,26 @@ constexpr char kHelp[] =
     "\n"
     "A text the code pages cannot carry exactly is left out with a warning.\n";
 
-std::string KindName(unsigned kind) {
-    switch (kind) {
-        case kSuppKindDialog:
-            return "dialog";
-        case kSuppKindMenu:
-            return "menu";
-        default:
-            return "string table block";
-    }
-}
-
 class SkeletonWriter {
 public:
-    SkeletonWriter(std::ostream& out, std::ostream& err, unsigned keyCodePage, unsigned valueCodePage)
+    SkeletonWriter(std::ostream& out, std::ostream& err, unsigned keyCodePage,
+                   unsigned valueCodePage)
         : out(out), err(err), keyCodePage(keyCodePage), valueCodePage(valueCodePage) {}
 
     void Language(unsigned language) {
-        Line("; language " + std::to_string(language) + ": keys in code page " + std::to_string(keyCodePage) +
-             ", values in code page " + std::to_string(valueCodePage));
+        Line("; language " + std::to_string(language) + ": keys in code page " +
+             std::to_string(keyCodePage) + ", values in code page " +
+             std::to_string(valueCodePage));
         Pair(kt::kWldLanguageKey, std::to_string(language));
-        seen.emplace(KeyHash(WideText(std::begin(kt::kWldLanguageKey), std::end(kt::kWldLanguageKey) - 1)),
-                     WideText());
+        seen.emplace(
+            KeyHash(WideText(std::begin(kt::kWldLanguageKey), std::end(kt::kWldLanguageKey) - 1)),
+            WideText());
     }
 
     void Text(const std::string& fileName, const ModuleText& text) {
         const WideText key = SkeletonKey(fileName, text);
-        const std::string where = fileName + " " + KindName(text.kind) + " " + Describe(text.resource) + " " +
-                                  text.position + " (language " + std::to_string(text.language) + ")";
+        const std::string where =
+            WhereOf(fileName, text) + " (language " + std::to_string(text.language) + ")";
         if (key.empty()) {
             err << "warning: " << where << ": too long to be looked up, left out\n";
             return;
@@ -68,12 +58,14 @@ public:
         const auto known = seen.emplace(KeyHash(key), key);
         if (!known.second) {
             if (known.first->second != key)
-                err << "warning: " << where << ": its key has the hash of an earlier one, left out\n";
+                err << "warning: " << where
+                    << ": its key has the hash of an earlier one, left out\n";
             return;
         }
         std::string narrowKey;
         std::string narrowValue;
-        if (!EncodeWldString(key, keyCodePage, narrowKey) || !EncodeWldString(text.text, valueCodePage, narrowValue)) {
+        if (!EncodeWldString(key, keyCodePage, narrowKey) ||
+            !EncodeWldString(text.text, valueCodePage, narrowValue)) {
             err << "warning: " << where << ": \"" << Printable(text.text)
                 << "\" cannot be written so that it reads back the same, left out\n";
             return;

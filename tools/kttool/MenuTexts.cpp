@@ -112,7 +112,8 @@ private:
             const bool popup = (flags & kExtendedPopup) != 0;
             Add(String(at), Child(parent, index), scope, popup || id != 0);
             if (popup) {
-                at = (at + kExtendedAlignment - 1) / kExtendedAlignment * kExtendedAlignment + kHelpIdSize;
+                at = (at + kExtendedAlignment - 1) / kExtendedAlignment * kExtendedAlignment +
+                     kHelpIdSize;
                 at = ReadExtendedLevel(at, Child(parent, index), level + 1);
             }
             if ((flags & kExtendedEnd) != 0)

@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::uint32_t kStringsPerBlock = 16;
 
-ModuleText TextOf(const PeResource& resource, unsigned kind, std::string position, size_t scope, WideText text) {
+ModuleText TextOf(const PeResource& resource, unsigned kind, std::string position, size_t scope,
+                  WideText text) {
     ModuleText found;
     found.kind = kind;
     found.resource = resource.name;
@@ -26,14 +27,15 @@ ModuleText TextOf(const PeResource& resource, unsigned kind, std::string positio
 // Sixteen counted strings; what follows the sixteenth is not read.
 void AppendStringTexts(const PeResource& resource, std::vector<ModuleText>& out) {
     if (!resource.name.isNumber || resource.name.number == 0)
-        throw FormatError("string table block " + Describe(resource.name) + " is not numbered from 1");
+        throw FormatError("string table block " + Describe(resource.name) +
+                          " is not numbered from 1");
     const Bytes& bytes = resource.data;
     size_t at = 0;
     for (std::uint32_t i = 0; i < kStringsPerBlock; ++i) {
         const std::uint32_t id = (resource.name.number - 1) * kStringsPerBlock + i;
         if (bytes.size() - at < 2)
-            throw FormatError("string table block " + Describe(resource.name) + " ends before string " +
-                              std::to_string(id));
+            throw FormatError("string table block " + Describe(resource.name) +
+                              " ends before string " + std::to_string(id));
         const size_t length = bytes[at] | bytes[at + 1] << 8;
         at += 2;
         if (length > (bytes.size() - at) / 2)
@@ -42,7 +44,8 @@ void AppendStringTexts(const PeResource& resource, std::vector<ModuleText>& out)
         for (size_t unit = 0; unit < length; ++unit, at += 2)
             text += static_cast<KTWCHAR>(bytes[at] | bytes[at + 1] << 8);
         if (!text.empty())
-            out.push_back(TextOf(resource, kSuppKindString, "string " + std::to_string(id), 0, std::move(text)));
+            out.push_back(TextOf(resource, kSuppKindString, "string " + std::to_string(id), 0,
+                                 std::move(text)));
     }
 }
 
@@ -59,12 +62,14 @@ void AppendDialogTexts(const PeResource& resource, size_t scope, std::vector<Mod
     if (!walk.ReadHeader(header))
         throw fail("the template's header is cut short");
     if (header.title.size > sizeof(KTWCHAR))
-        out.push_back(TextOf(resource, kSuppKindDialog, "caption", scope, text(walk, header.title)));
+        out.push_back(
+            TextOf(resource, kSuppKindDialog, "caption", scope, text(walk, header.title)));
     for (unsigned i = 0; i < header.itemCount; ++i) {
         kt::TemplateItem item;
         if (!walk.ReadItem(item))
             throw fail("control " + std::to_string(i) + " runs past the end of the template");
-        if (item.TranslatesTitle() && !item.title.isOrdinal && item.title.span.size > sizeof(KTWCHAR))
+        if (item.TranslatesTitle() && !item.title.isOrdinal &&
+            item.title.span.size > sizeof(KTWCHAR))
             out.push_back(TextOf(resource, kSuppKindDialog, "control " + std::to_string(i), scope,
                                  text(walk, item.title.span)));
     }
@@ -72,7 +77,8 @@ void AppendDialogTexts(const PeResource& resource, size_t scope, std::vector<Mod
 
 }  // namespace
 
-std::vector<ModuleText> TextsOfResources(const std::vector<PeResource>& resources, size_t& nextScope) {
+std::vector<ModuleText> TextsOfResources(const std::vector<PeResource>& resources,
+                                         size_t& nextScope) {
     std::vector<ModuleText> texts;
     for (const PeResource& resource : resources) {
         if (!resource.type.isNumber)
@@ -92,6 +98,13 @@ std::vector<ModuleText> TextsOfResources(const std::vector<PeResource>& resource
         }
     }
     return texts;
+}
+
+std::string WhereOf(const std::string& fileName, const ModuleText& text) {
+    const char* const kind = text.kind == kSuppKindDialog ? "dialog"
+                             : text.kind == kSuppKindMenu ? "menu"
+                                                          : "string table block";
+    return fileName + " " + kind + " " + Describe(text.resource) + " " + text.position;
 }
 
 Bytes ReadWholeFile(const std::string& path) {

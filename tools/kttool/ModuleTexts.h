@@ -27,12 +27,16 @@ struct Module {
     std::vector<ModuleText> texts;
 };
 
+// "app.dll dialog 100 control 3": where a text of module `fileName` stands.
+std::string WhereOf(const std::string& fileName, const ModuleText& text);
+
 // Throws FormatError for a malformed image or resource, std::runtime_error
 // for a file that cannot be read.
 Module ReadModule(const std::string& path);
 
 // The texts of resources already read; `nextScope` numbers the scopes.
-std::vector<ModuleText> TextsOfResources(const std::vector<PeResource>& resources, size_t& nextScope);
+std::vector<ModuleText> TextsOfResources(const std::vector<PeResource>& resources,
+                                         size_t& nextScope);
 
 // Read at once, whole: `what` names the file in a failure.
 Bytes ReadWholeFile(const std::string& path);

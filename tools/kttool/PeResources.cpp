@@ -51,12 +51,17 @@ class Image {
 public:
     explicit Image(const Bytes& file) : file(file) {}
 
-    std::uint16_t Word(std::uint64_t offset) const { return static_cast<std::uint16_t>(Little(offset, 2)); }
-    std::uint32_t Dword(std::uint64_t offset) const { return static_cast<std::uint32_t>(Little(offset, 4)); }
+    std::uint16_t Word(std::uint64_t offset) const {
+        return static_cast<std::uint16_t>(Little(offset, 2));
+    }
+    std::uint32_t Dword(std::uint64_t offset) const {
+        return static_cast<std::uint32_t>(Little(offset, 4));
+    }
 
     void Need(std::uint64_t offset, std::uint64_t count, const char* what) const {
         if (offset > file.size() || count > file.size() - offset)
-            throw FormatError(std::string(what) + " at file offset " + Hex(offset) + " runs past the end of the file");
+            throw FormatError(std::string(what) + " at file offset " + Hex(offset) +
+                              " runs past the end of the file");
     }
 
     // The file offset of `count` bytes at `rva`, which must lie in the raw
@@ -94,7 +99,8 @@ private:
 // must lie within its size.
 class ResourceTree {
 public:
-    ResourceTree(const Image& image, std::uint32_t rva, std::uint32_t size) : image(image), rva(rva), size(size) {}
+    ResourceTree(const Image& image, std::uint32_t rva, std::uint32_t size)
+        : image(image), rva(rva), size(size) {}
 
     void Walk(std::vector<PeResource>& out) {
         PeResource resource;
@@ -104,31 +110,36 @@ public:
 private:
     std::uint64_t Offset(std::uint64_t relative, std::uint64_t count, const char* what) const {
         if (relative > size || count > size - relative)
-            throw FormatError(std::string(what) + " at " + Hex(relative) + " lies outside the resource directory (" +
-                              Hex(size) + " bytes)");
+            throw FormatError(std::string(what) + " at " + Hex(relative) +
+                              " lies outside the resource directory (" + Hex(size) + " bytes)");
         return image.OffsetOf(rva + relative, count, what);
     }
 
     // A tree never reaches one directory twice: where one does, the
     // directory loops or is shared, and a walk would not end or would blow up.
-    void WalkDirectory(std::uint64_t relative, int level, PeResource& path, std::vector<PeResource>& out) {
+    void WalkDirectory(std::uint64_t relative, int level, PeResource& path,
+                       std::vector<PeResource>& out) {
         if (!visited.insert(relative).second)
-            throw FormatError("resource directory at " + Hex(relative) + " is reached twice (a loop)");
-        const std::uint64_t table = Offset(relative, kDirectoryTableSize, "a resource directory table");
-        const size_t count = size_t{image.Word(table + kNamedEntryCountField)} + image.Word(table + kIdEntryCountField);
+            throw FormatError("resource directory at " + Hex(relative) +
+                              " is reached twice (a loop)");
+        const std::uint64_t table =
+            Offset(relative, kDirectoryTableSize, "a resource directory table");
+        const size_t count = size_t{image.Word(table + kNamedEntryCountField)} +
+                             image.Word(table + kIdEntryCountField);
         for (size_t i = 0; i < count; ++i) {
             const std::uint64_t entry =
-                Offset(relative + kDirectoryTableSize + i * kDirectoryEntrySize, kDirectoryEntrySize,
-                       "a resource directory entry");
+                Offset(relative + kDirectoryTableSize + i * kDirectoryEntrySize,
+                       kDirectoryEntrySize, "a resource directory entry");
             const std::uint32_t nameField = image.Dword(entry);
             const std::uint32_t target = image.Dword(entry + 4);
             const ResourceName name = (nameField & kHighBit) != 0 ? Name(nameField & ~kHighBit)
-                                                                   : ResourceName::Number(nameField);
+                                                                  : ResourceName::Number(nameField);
             const bool isDirectory = (target & kHighBit) != 0;
             if (isDirectory != (level + 1 < kTreeLevels))
                 throw FormatError("resource directory entry at " + Hex(relative) + " level " +
-                                  std::to_string(level + 1) + (isDirectory ? " goes deeper than three levels"
-                                                                           : " holds data above the language level"));
+                                  std::to_string(level + 1) +
+                                  (isDirectory ? " goes deeper than three levels"
+                                               : " holds data above the language level"));
             if (level == 0)
                 path.type = name;
             else if (level == 1)
@@ -196,10 +207,13 @@ std::vector<PeResource> ReadPeResources(const Bytes& file) {
         throw FormatError("not a PE executable: optional header magic " + Hex(magic));
     const size_t countField = magic == kPe32Magic ? kDirectoryCountPe32 : kDirectoryCountPe32Plus;
     if (optionalSize < countField + 4)
-        throw FormatError("optional header of " + std::to_string(optionalSize) + " bytes is cut short");
+        throw FormatError("optional header of " + std::to_string(optionalSize) +
+                          " bytes is cut short");
     const std::uint32_t directories = image.Dword(optional + countField);
-    const std::uint64_t resourceEntry = optional + countField + 4 + kResourceDirectory * kDataDirectorySize;
-    if (directories <= kResourceDirectory || resourceEntry + kDataDirectorySize > optional + optionalSize)
+    const std::uint64_t resourceEntry =
+        optional + countField + 4 + kResourceDirectory * kDataDirectorySize;
+    if (directories <= kResourceDirectory ||
+        resourceEntry + kDataDirectorySize > optional + optionalSize)
         return {};
     const std::uint32_t resourceRva = image.Dword(resourceEntry);
     const std::uint32_t resourceSize = image.Dword(resourceEntry + 4);
@@ -209,7 +223,8 @@ std::vector<PeResource> ReadPeResources(const Bytes& file) {
     image.Need(sectionTable, sectionCount * kSectionHeaderSize, "the section table");
     for (size_t i = 0; i < sectionCount; ++i) {
         const std::uint64_t header = sectionTable + i * kSectionHeaderSize;
-        image.sections.push_back({image.Dword(header + kSectionVirtualAddress), image.Dword(header + kSectionRawSize),
+        image.sections.push_back({image.Dword(header + kSectionVirtualAddress),
+                                  image.Dword(header + kSectionRawSize),
                                   image.Dword(header + kSectionRawOffset)});
     }
     std::vector<PeResource> resources;

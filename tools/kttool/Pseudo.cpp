@@ -5,14 +5,14 @@
 // behind a tab, and line ends.
 #include <fstream>
 
+#include "platform/Locale.h"
 #include "tools/kttool/CommandLine.h"
-#include "tools/kttool/ModuleTexts.h"
 #include "tools/kttool/Commands.h"
+#include "tools/kttool/ModuleTexts.h"
 #include "tools/kttool/Pseudo.h"
 #include "tools/kttool/TextChecks.h"
 #include "tools/kttool/WldEntries.h"
 #include "tools/kttool/WldText.h"
-#include "platform/Locale.h"
 #include "translation/WldReader.h"
 
 namespace kttool {
@@ -41,8 +41,9 @@ constexpr char kHelp[] =
 // Accented forms of ASCII letters, taken where the code page has them.
 KTWCHAR Accented(KTWCHAR letter) {
     static const char kPlain[] = "AaCcEeIiNnOoUuYySsZz";
-    static const KTWCHAR kAccented[] = {0xC5, 0xE5, 0xC7, 0xE7, 0xC9, 0xE9, 0xCE, 0xEE, 0xD1, 0xF1,
-                                        0xD6, 0xF6, 0xDC, 0xFC, 0xDD, 0xFD, 0x160, 0x161, 0x17D, 0x17E};
+    static const KTWCHAR kAccented[] = {0xC5, 0xE5, 0xC7,  0xE7,  0xC9,  0xE9, 0xCE,
+                                        0xEE, 0xD1, 0xF1,  0xD6,  0xF6,  0xDC, 0xFC,
+                                        0xDD, 0xFD, 0x160, 0x161, 0x17D, 0x17E};
     for (size_t i = 0; kPlain[i] != 0; ++i)
         if (letter == static_cast<KTWCHAR>(kPlain[i]))
             return kAccented[i];
@@ -93,10 +94,13 @@ int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err) {
     const std::string path = line.Operands().front();
     const WldEntries dictionary = ReadWldEntries(path);
     DWORD fileCodePage = 0;
-    const bool fileLanguageKnown = dictionary.languageId != 0 && kt::sys::LocaleAnsiCodePage(dictionary.languageId, fileCodePage);
-    const unsigned language = line.Number("--lang", fileLanguageKnown ? dictionary.languageId : kDefaultLanguage);
+    const bool fileLanguageKnown = dictionary.languageId != 0 &&
+                                   kt::sys::LocaleAnsiCodePage(dictionary.languageId, fileCodePage);
+    const unsigned language =
+        line.Number("--lang", fileLanguageKnown ? dictionary.languageId : kDefaultLanguage);
     const unsigned codePage = CodePageOfLanguage(language);
-    const unsigned keyCodePage = line.Number("--key-codepage", fileLanguageKnown ? fileCodePage : codePage);
+    const unsigned keyCodePage =
+        line.Number("--key-codepage", fileLanguageKnown ? fileCodePage : codePage);
     const unsigned valuesRead = fileLanguageKnown ? fileCodePage : keyCodePage;
 
     // The file's lines, each with its line end; values are replaced in place.
@@ -109,7 +113,8 @@ int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err) {
     }
     const auto lineEnd = [&](unsigned number) {
         const std::string& text = lines[number - 1];
-        return text.size() >= 2 && text[text.size() - 2] == '\r' ? std::string("\r\n") : std::string("\n");
+        return text.size() >= 2 && text[text.size() - 2] == '\r' ? std::string("\r\n")
+                                                                 : std::string("\n");
     };
     std::vector<std::string> valueLines(lines.size());  // the new value behind each key line
     bool languageWritten = false;
@@ -121,11 +126,13 @@ int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err) {
         } else {
             // A key without a value has itself as value, in the keys' code page.
             const bool ownValue = entry.keyLine == entry.valueLine;
-            value = PseudoTranslate(Widen(entry.value, ownValue ? keyCodePage : valuesRead), codePage);
+            value =
+                PseudoTranslate(Widen(entry.value, ownValue ? keyCodePage : valuesRead), codePage);
         }
         std::string encoded;
         if (!EncodeWldString(value, codePage, encoded)) {
-            err << "warning: " << path << ":" << entry.keyLine << ": the value cannot be written, left as it was\n";
+            err << "warning: " << path << ":" << entry.keyLine
+                << ": the value cannot be written, left as it was\n";
             continue;
         }
         const std::string quoted = '"' + encoded + '"';

@@ -27,7 +27,8 @@ bool IsLookedUp(const ModuleText& text) {
 }  // namespace
 
 WideText KeyPrefix(const std::string& fileName, const ModuleText& text) {
-    const WideText id = text.resource.isNumber ? Ascii(std::to_string(text.resource.number)) : text.resource.text;
+    const WideText id =
+        text.resource.isNumber ? Ascii(std::to_string(text.resource.number)) : text.resource.text;
     return Ascii(fileName) + KTWCHAR('#') + Ascii(std::to_string(text.kind)) + KTWCHAR('#') + id;
 }
 

@@ -100,7 +100,9 @@ Placeholders PlaceholdersOf(const WideText& text) {
 
 std::vector<std::pair<size_t, size_t>> PlaceholderSpans(const WideText& text) {
     std::vector<std::pair<size_t, size_t>> spans;
-    ForEachPlaceholder(text, [&](size_t at, const Placeholder& placeholder) { spans.emplace_back(at, placeholder.end); });
+    ForEachPlaceholder(text, [&](size_t at, const Placeholder& placeholder) {
+        spans.emplace_back(at, placeholder.end);
+    });
     return spans;
 }
 

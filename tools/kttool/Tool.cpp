@@ -47,7 +47,8 @@ int RunTool(const Arguments& args, std::ostream& out, std::ostream& err) {
     try {
         return command(Arguments(args.begin() + 1, args.end()), out, err);
     } catch (const UsageError& error) {
-        err << "kttool " << args[0] << ": " << error.what() << " (see kttool " << args[0] << " --help)\n";
+        err << "kttool " << args[0] << ": " << error.what() << " (see kttool " << args[0]
+            << " --help)\n";
     } catch (const std::exception& error) {
         err << "kttool " << args[0] << ": " << error.what() << "\n";
     }

@@ -22,7 +22,8 @@ public:
                 starts.push_back(i + 1);
     }
     unsigned LineOf(size_t position) const {
-        return static_cast<unsigned>(std::upper_bound(starts.begin(), starts.end(), position) - starts.begin());
+        return static_cast<unsigned>(std::upper_bound(starts.begin(), starts.end(), position) -
+                                     starts.begin());
     }
 
 private:
