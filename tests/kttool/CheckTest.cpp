@@ -3,6 +3,7 @@
 // is the one finding, on its line.
 #include <algorithm>
 #include <functional>
+#include <stdexcept>
 
 #include "tests/kttool/ToolTestSupport.h"
 #include "tools/kttool/Check.h"
@@ -14,10 +15,12 @@ using Lines = std::vector<std::string>;
 
 std::string Quoted(const std::string& text) { return "\"" + text + "\"\r\n"; }
 
-// The index of the line that holds `key`.
+// The index of the line that holds `key`; a test whose key is not there
+// fails by the exception.
 size_t KeyAt(const Lines& lines, const std::string& key) {
     const auto found = std::find(lines.begin(), lines.end(), Quoted(key));
-    EXPECT_NE(found, lines.end()) << key;
+    if (found == lines.end())
+        throw std::runtime_error("no line holds " + key);
     return static_cast<size_t>(found - lines.begin());
 }
 

@@ -32,6 +32,18 @@ TEST(Extract, EveryTextIsFoundByTheDictionarysOwnLookup) {
 
 using namespace std::literals;
 
+// Keys as the README defines them: "<module file>#<kind>#<id or name>" and the
+// text; kind 1 a dialog, 2 a menu, 3 a string table with its block's number.
+TEST(Extract, KeysNameTheResourceAsTheRunningApplicationDoes) {
+    Scratch scratch;
+    const std::string skeleton = scratch / "skeleton.wld";
+    ASSERT_EQ(RunKtTool({"extract", kTextsModule, "-o", skeleton}).status, kSuccess);
+    kt::LoadWldFile(kt::SuppDictionary(), CXStringW(skeleton.c_str()));
+    for (const char* key : {"texts.dll#3#2Replace %1 with %2?", "texts.dll#2#300&Status bar",
+                            "texts.dll#1#ABOUT&Close", "texts.dll#1#100Cancel"})
+        EXPECT_NE(Supp_LookupA(key, 1), nullptr) << key;
+}
+
 struct Encoding {
     std::u16string_view text;
     unsigned codePage;
