@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "platform/Locale.h"
 #include "platform/TextConversion.h"
@@ -268,6 +269,7 @@ private:
     bool languageKnown = false;
     std::vector<Entry> entries;
     std::unordered_map<DWORD, size_t> byHash;
+    std::unordered_set<DWORD> reportedMissing;
     // The entry that translates each module text, in the modules' order.
     std::vector<const Entry*> translations;
     size_t nextTranslation = 0;

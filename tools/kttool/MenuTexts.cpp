@@ -122,7 +122,7 @@ private:
     }
 
     const PeResource& resource;
-    const Bytes& bytes;
+    const ByteView& bytes;
     size_t& nextScope;
     std::vector<ModuleText>& out;
 };

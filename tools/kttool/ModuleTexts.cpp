@@ -29,7 +29,7 @@ void AppendStringTexts(const PeResource& resource, std::vector<ModuleText>& out)
     if (!resource.name.isNumber || resource.name.number == 0)
         throw FormatError("string table block " + Describe(resource.name) +
                           " is not numbered from 1");
-    const Bytes& bytes = resource.data;
+    const ByteView& bytes = resource.data;
     size_t at = 0;
     for (std::uint32_t i = 0; i < kStringsPerBlock; ++i) {
         const std::uint32_t id = (resource.name.number - 1) * kStringsPerBlock + i;
@@ -57,7 +57,9 @@ void AppendDialogTexts(const PeResource& resource, size_t scope, std::vector<Mod
     const auto text = [](const kt::CTemplateWalk& walk, const kt::TemplateSpan& span) {
         return WideText(walk.Text(span), span.size / sizeof(KTWCHAR) - 1);
     };
-    kt::CTemplateWalk walk(resource.data.data(), resource.data.size());
+    // The walk reads texts in place, as 16-bit units: a copy is aligned.
+    const Bytes aligned(resource.data.data(), resource.data.data() + resource.data.size());
+    kt::CTemplateWalk walk(aligned.data(), aligned.size());
     kt::TemplateHeader header;
     if (!walk.ReadHeader(header))
         throw fail("the template's header is cut short");

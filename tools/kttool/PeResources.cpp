@@ -170,7 +170,7 @@ private:
         const std::uint32_t dataRva = image.Dword(entry);
         const std::uint32_t dataSize = image.Dword(entry + 4);
         const std::uint64_t data = image.OffsetOf(dataRva, dataSize, "resource data");
-        resource.data.assign(image.At(data), image.At(data) + dataSize);
+        resource.data = ByteView(image.At(data), dataSize);
     }
 
     const Image& image;

@@ -38,16 +38,31 @@ constexpr std::uint32_t kMenuType = 4;
 constexpr std::uint32_t kDialogType = 5;
 constexpr std::uint32_t kStringType = 6;
 
+// Bytes of a file, valid while the file's bytes are. Resources are not
+// copied: many entries may name one run of bytes.
+class ByteView {
+public:
+    ByteView() = default;
+    ByteView(const std::uint8_t* bytes, size_t count) : bytes(bytes), count(count) {}
+    size_t size() const { return count; }
+    const std::uint8_t* data() const { return bytes; }
+    std::uint8_t operator[](size_t at) const { return bytes[at]; }
+
+private:
+    const std::uint8_t* bytes = nullptr;
+    size_t count = 0;
+};
+
 struct PeResource {
     ResourceName type;
     ResourceName name;
     std::uint32_t language = 0;
-    Bytes data;  // a copy, aligned for the template walks
+    ByteView data;  // within the file
 };
 
 // Every resource of the image in `file`, in directory order; none for an
-// image without a resource directory. Throws FormatError for anything that
-// is not a well-formed image: nothing outside `file` is ever read.
+// image without a resource directory. The resources' data lie in `file`. Throws FormatError for
+// anything that is not a well-formed image: nothing outside `file` is ever read.
 std::vector<PeResource> ReadPeResources(const Bytes& file);
 
 }  // namespace kttool
