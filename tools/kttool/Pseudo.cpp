@@ -72,6 +72,41 @@ WideText Accent(const WideText& text, unsigned codePage) {
     return out;
 }
 
+// The lines of a file, each with its line end kept, edited by number.
+class EditedLines {
+public:
+    explicit EditedLines(const Bytes& bytes) : lines(1) {
+        for (const std::uint8_t byte : bytes) {
+            lines.back() += static_cast<char>(byte);
+            if (byte == '\n')
+                lines.emplace_back();
+        }
+        added.resize(lines.size());
+    }
+
+    // Line `number` (from 1) becomes `text`, with the line end it had.
+    void Replace(unsigned number, const std::string& text) {
+        lines[number - 1] = text + LineEnd(number);
+    }
+    void AddBehind(unsigned number, const std::string& text) {
+        added[number - 1] = text + LineEnd(number);
+    }
+
+    void WriteTo(std::ostream& out) const {
+        for (size_t i = 0; i < lines.size(); ++i)
+            out << lines[i] << added[i];
+    }
+
+private:
+    std::string LineEnd(unsigned number) const {
+        const std::string& line = lines[number - 1];
+        return line.size() >= 2 && line[line.size() - 2] == '\r' ? "\r\n" : "\n";
+    }
+
+    std::vector<std::string> lines;
+    std::vector<std::string> added;
+};
+
 }  // namespace
 
 WideText PseudoTranslate(const WideText& text, unsigned codePage) {
@@ -103,20 +138,7 @@ int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err) {
         line.Number("--key-codepage", fileLanguageKnown ? fileCodePage : codePage);
     const unsigned valuesRead = fileLanguageKnown ? fileCodePage : keyCodePage;
 
-    // The file's lines, each with its line end; values are replaced in place.
-    const Bytes bytes = ReadWholeFile(path);
-    std::vector<std::string> lines(1);
-    for (const std::uint8_t byte : bytes) {
-        lines.back() += static_cast<char>(byte);
-        if (byte == '\n')
-            lines.emplace_back();
-    }
-    const auto lineEnd = [&](unsigned number) {
-        const std::string& text = lines[number - 1];
-        return text.size() >= 2 && text[text.size() - 2] == '\r' ? std::string("\r\n")
-                                                                 : std::string("\n");
-    };
-    std::vector<std::string> valueLines(lines.size());  // the new value behind each key line
+    EditedLines edited(ReadWholeFile(path));
     bool languageWritten = false;
     for (const WldEntry& entry : dictionary.entries) {
         WideText value;
@@ -137,9 +159,9 @@ int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err) {
         }
         const std::string quoted = '"' + encoded + '"';
         if (entry.keyLine == entry.valueLine)
-            valueLines[entry.keyLine - 1] = quoted + lineEnd(entry.keyLine);
+            edited.AddBehind(entry.keyLine, quoted);
         else
-            lines[entry.valueLine - 1] = quoted + lineEnd(entry.valueLine);
+            edited.Replace(entry.valueLine, quoted);
     }
     const std::string outPath = line.Value("-o", "");
     std::ofstream file(outPath, std::ios::binary);
@@ -147,8 +169,7 @@ int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err) {
         throw std::runtime_error(outPath + ": cannot be written");
     if (!languageWritten)
         file << '"' << kt::kWldLanguageKey << "\"\r\n\"" << language << "\"\r\n";
-    for (size_t i = 0; i < lines.size(); ++i)
-        file << lines[i] << valueLines[i];
+    edited.WriteTo(file);
     file.close();
     if (!file)
         throw std::runtime_error(outPath + ": cannot be written");
