@@ -48,6 +48,19 @@ TEST(ModuleTexts, EveryTextOfTheTestModuleIsFoundWhereItStands) {
     }
 }
 
+#if defined(KTTOOL_COMMITTED_TEXTS_MODULE)
+// The native tests read the committed copy: it must hold what the script does.
+TEST(ModuleTexts, TheCommittedModuleHoldsTheTextsOfItsScript) {
+    const Module built = ReadModule(kTextsModule);
+    const Module committed = ReadModule(KTTOOL_COMMITTED_TEXTS_MODULE);
+    ASSERT_EQ(committed.texts.size(), built.texts.size());
+    for (size_t i = 0; i < built.texts.size(); ++i) {
+        EXPECT_EQ(committed.texts[i].text, built.texts[i].text);
+        EXPECT_EQ(committed.texts[i].position, built.texts[i].position);
+    }
+}
+#endif
+
 // Little-endian fields of a copy of the test module.
 std::uint32_t Dword(const Bytes& bytes, size_t at) {
     std::uint32_t value;
