@@ -32,7 +32,7 @@ constexpr char kHelp[] =
     "  accelerators    a different count of '&' marks, or a letter that another text\n"
     "                  of the same menu or dialog has after translation\n"
     "  shortcut        a menu text's part behind \\t that changed\n"
-    "  untranslated    a value equal to its text\n"
+    "  untranslated    a value equal to its text or to its whole key\n"
     "  language        KT_WLD_LANG_ID missing or invalid, or a value that is no text\n"
     "                  of its code page\n"
     "Without modules only the file itself is checked.\n"
@@ -209,7 +209,7 @@ private:
                        ", the language's");
         if (!modules.empty() && !entry.used)
             Report(line, "unused", "key " + Quoted(entry.key) + " matches no text of the modules");
-        if (entry.value == entry.source) {
+        if (entry.value == entry.source || entry.value == entry.key) {
             Report(line, "untranslated", "value equals its text " + Quoted(entry.source));
             return;
         }
