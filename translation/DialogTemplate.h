@@ -101,7 +101,7 @@ inline size_t AlignItem(size_t offset) { return (offset + kItemAlignment - 1) / 
 // Reads the header, then the items one after another. Each step answers
 // false when what it reads would not lie within the template's `size` bytes,
 // or a string has no terminator there; the walk is then over.
-class CTemplateWalk {
+class KTCORE_API CTemplateWalk {
 public:
     CTemplateWalk(const void* tmpl, size_t size) : bytes(static_cast<const BYTE*>(tmpl)), size(size) {}
 

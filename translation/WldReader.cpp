@@ -44,13 +44,14 @@ bool StringOfLine(const char* line, const char*& first, const char*& last) {
 WldReader::WldReader(IXFile* file) : file(file) {}
 
 bool WldReader::Next(CXString& key, CXString& value) {
-    if (ended || NextString(rawKey) != Line::String) {
+    if (ended || NextString(rawKey, keyLineStart) != Line::String) {
         ended = true;
         return false;
     }
-    const Line valueLine = NextString(rawValue);
+    const Line valueLine = NextString(rawValue, valueLineStart);
     if (valueLine != Line::String) {
         rawValue = rawKey;
+        valueLineStart = keyLineStart;
         ended = valueLine == Line::End;
     }
     if (rawKey == kWldLanguageKey)
@@ -62,7 +63,7 @@ bool WldReader::Next(CXString& key, CXString& value) {
     return true;
 }
 
-WldReader::Line WldReader::NextString(std::string& text) {
+WldReader::Line WldReader::NextString(std::string& text, DWORD& lineStart) {
     for (;;) {
         const DWORD before = file->GetPosition();
         // Nothing before the line feed, or nothing at all: an empty line has
@@ -73,6 +74,7 @@ WldReader::Line WldReader::NextString(std::string& text) {
         const char* last = nullptr;
         if (StringOfLine(line, first, last)) {
             text.assign(first, last);
+            lineStart = before;
             return Line::String;
         }
     }

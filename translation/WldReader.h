@@ -31,12 +31,17 @@ public:
     // The value of the last language key read, by atoi; 0 if none.
     unsigned LanguageId() const { return languageId; }
 
+    // Where the lines of the last pair begin in the file: the value's is the
+    // key's when the key came without one. For tools that name lines.
+    DWORD KeyLineStart() const { return keyLineStart; }
+    DWORD ValueLineStart() const { return valueLineStart; }
+
 private:
     enum class Line { String, Empty, End };
 
     // Reads lines until one holds a string, or until an empty line or the
-    // end of the file.
-    Line NextString(std::string& text);
+    // end of the file; `lineStart` is where the string's line begins.
+    Line NextString(std::string& text, DWORD& lineStart);
 
     IXFile* file;
     char line[kWldLineCapacity + 1];
@@ -46,6 +51,8 @@ private:
     std::string unescaped;
     bool ended = false;
     unsigned languageId = 0;
+    DWORD keyLineStart = 0;
+    DWORD valueLineStart = 0;
 };
 
 }  // namespace kt

@@ -1,0 +1,73 @@
+// The program's answers to its command lines, and pseudo-translation.
+#include "tests/kttool/ToolTestSupport.h"
+#include "tools/kttool/Pseudo.h"
+#include "tools/kttool/TextChecks.h"
+#include "tools/kttool/WldText.h"
+
+namespace kttool::test {
+namespace {
+
+struct Answer {
+    Arguments args;
+    int status;
+    const char* says;  // in what the program writes
+};
+
+TEST(Tool, EveryCommandLineIsAnsweredWithAStatusAndAMessage) {
+    Scratch scratch;
+    const Answer answers[] = {
+        {{}, kFailure, "usage: kttool COMMAND"},
+        {{"--help"}, kSuccess, "usage: kttool COMMAND"},
+        {{"translate"}, kFailure, "unknown command"},
+        {{"extract", "--help"}, kSuccess, "usage: kttool extract"},
+        {{"check", "--help"}, kSuccess, "usage: kttool check"},
+        {{"pseudo", "--help"}, kSuccess, "usage: kttool pseudo"},
+        {{"extract", kTextsModule}, kFailure, "needs at least one MODULE and -o"},
+        {{"extract", kTextsModule, "-o"}, kFailure, "-o needs a value"},
+        {{"extract", kTextsModule, "-o", scratch / "a.wld", "--lang", "1x"},
+         kFailure,
+         "decimal number"},
+        {{"extract", kTextsModule, "-o", scratch / "a.wld", "--lang", "4242"},
+         kFailure,
+         "not a locale"},
+        {{"extract", scratch / "none.dll", "-o", scratch / "a.wld"}, kFailure, "cannot be opened"},
+        {{"check", scratch / "none.wld"}, kFailure, "cannot be opened"},
+        {{"pseudo", scratch / "none.wld", "-o", scratch / "b.wld"}, kFailure, "cannot be opened"},
+    };
+    for (const Answer& answer : answers) {
+        const ToolRun run = RunKtTool(answer.args);
+        SCOPED_TRACE(answer.says);
+        EXPECT_EQ(run.status, answer.status);
+        EXPECT_NE((run.out + run.err).find(answer.says), std::string::npos) << run.out << run.err;
+    }
+}
+
+TEST(Pseudo, ValuesGrowAndKeepWhatTheProgramReads) {
+    const char* const kTexts[] = {"&Open...\tCtrl+O",       "Saved %d of %-5.2f%% files",
+                                  "Replace %1 with %2!s!?", "Version {0}",
+                                  "Line one\nline two",     "Size: %I64u bytes"};
+    for (const unsigned codePage : {1252u, 1251u}) {
+        for (const char* narrow : kTexts) {
+            const WideText text(narrow, narrow + std::char_traits<char>::length(narrow));
+            const WideText pseudo = PseudoTranslate(text, codePage);
+            SCOPED_TRACE(Printable(pseudo));
+            const Placeholders before = PlaceholdersOf(text);
+            const Placeholders after = PlaceholdersOf(pseudo);
+            EXPECT_EQ(after.ordered, before.ordered);
+            EXPECT_EQ(after.positional, before.positional);
+            EXPECT_EQ(AcceleratorLetter(pseudo), AcceleratorLetter(text));
+            EXPECT_EQ(ShortcutPart(pseudo), ShortcutPart(text));
+            const auto body = [](const WideText& whole) {
+                return whole.size() - ShortcutPart(whole).size();
+            };
+            EXPECT_GE(body(pseudo) * 100, body(text) * 135);
+            EXPECT_EQ(pseudo.front(), '[');
+            std::string encoded;
+            EXPECT_TRUE(EncodeWldString(pseudo, codePage, encoded));
+        }
+    }
+    EXPECT_NE(PseudoTranslate(KTW("Open"), 1252), KTW("[Open··]"));
+}
+
+}  // namespace
+}  // namespace kttool::test

@@ -1,0 +1,27 @@
+// A `wld` file read by the dictionary's own reader, each pair with the lines
+// it stands on.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/kttool/PeResources.h"
+
+namespace kttool {
+
+struct WldEntry {
+    std::string key;  // escapes undone, narrow as the file holds it
+    std::string value;
+    unsigned keyLine = 0;  // from 1
+    unsigned valueLine = 0;
+};
+
+struct WldEntries {
+    std::vector<WldEntry> entries;
+    unsigned languageId = 0;  // as the reader takes it, 0 for none
+};
+
+// Throws std::runtime_error for a file that cannot be read.
+WldEntries ReadWldEntries(const std::string& path);
+
+}  // namespace kttool
