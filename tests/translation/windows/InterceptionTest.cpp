@@ -80,6 +80,27 @@ TEST_F(Interception, StringsPreferTheEntryKeyedByTheirBlock) {
     EXPECT_EQ(std::wstring(source), L"it.Keyed");
 }
 
+// The start of a module's keys is remembered by the module's address: a
+// module loaded where another was unloaded is keyed by its own name.
+TEST_F(Interception, StringsOfAModuleLoadedWhereAnotherWasAreKeyedByItsName) {
+    const auto translatedText = [](const char* file, const char* translation) {
+        const HMODULE module = LoadLibraryA(file);
+        char prefix[kKeyPrefixRoom] = {};
+        Supp_MakeKeyA(module, MAKEINTRESOURCEA(1), prefix, kSuppKindString);
+        AddTranslations({{(std::string(prefix) + "pt.Text").c_str(), translation}});
+        wchar_t text[32] = {};
+        LoadStringW(module, 1, text, 32);
+        FreeLibrary(module);
+        return std::make_pair(module, std::wstring(text));
+    };
+    const auto target = translatedText(KT_PATCH_TARGET_FILE, "Target");
+    const auto twin = translatedText(KT_PATCH_TWIN_FILE, "Twin");
+    EXPECT_EQ(target.second, L"Target");
+    EXPECT_EQ(twin.second, L"Twin");
+    if (twin.first != target.first)
+        GTEST_SKIP() << "the twin was loaded at another address";
+}
+
 TEST_F(Interception, StringsMissingOrTooLongForTheBuffer) {
     AddTranslations({{"it.S", "Translation"}});
     // In block 19, which holds others, and in block 63, which is not there.
