@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "files/MappedFile.h"
 #include "kticore/files/File.h"
 #include "platform/FileSystem.h"
 #include "tests/support/Counted.h"
@@ -23,7 +24,8 @@ using kt::test::Ref;
 using kt::test::WideString;
 using kt::test::WriteContent;
 
-constexpr DWORD kView = 131072;  // twice the allocation granularity
+constexpr DWORD kWriteView = 131072;  // twice the allocation granularity
+constexpr DWORD kReadWindow = kt::kReadWindowBytes;
 // Exit codes of the test helper's cuts.
 constexpr int kRefused = 3;
 constexpr int kNotUnderWine = 4;
@@ -69,7 +71,7 @@ TEST_F(MappedFile, AWriterGrowsByViewsOnDiskAndIsCutToItsLength) {
     IXFile* file = Fio_Open(name.c_str(), FIO_WRITE);
     file->Write(bytes.data(), static_cast<DWORD>(bytes.size()));
     EXPECT_EQ(file->GetLength(), 300000u);
-    EXPECT_EQ(SizeOnDisk(name), 3 * kView);
+    EXPECT_EQ(SizeOnDisk(name), 3 * kWriteView);
     EXPECT_EQ(file->Flush(), 1);
     // Back to earlier views, whose mappings are smaller than the file now.
     file->Seek(1, 0);
@@ -85,27 +87,27 @@ TEST_F(MappedFile, AWriterGrowsByViewsOnDiskAndIsCutToItsLength) {
     EXPECT_EQ(ContentOf(name), expected);
 }
 
-TEST_F(MappedFile, OneReadSpansSeveralViews) {
-    const std::string bytes = Pattern(400000);
+TEST_F(MappedFile, OneReadSpansTwoWindows) {
+    const std::string bytes = Pattern(kReadWindow + 150000);
     WriteContent(name, bytes);
     Ref<IXFile> file(Fio_Open(name.c_str(), 0));
     std::string part(250000, '\0');
-    file->Seek(100000, 0);
+    file->Seek(static_cast<LONG>(kReadWindow - 100000), 0);
     EXPECT_EQ(file->Read(part.data(), 250000), 250000u);
-    EXPECT_EQ(part, bytes.substr(100000, 250000));
-    EXPECT_EQ(file->GetPosition(), 350000u);
-    // A read that begins exactly at the end of the view just read to its
-    // end: the next view comes in.
-    file->Seek(0, 0);
-    EXPECT_EQ(file->Read(part.data(), kView), kView);
+    EXPECT_EQ(part, bytes.substr(kReadWindow - 100000, 250000));
+    EXPECT_EQ(file->GetPosition(), kReadWindow + 150000);
+    // A read that begins exactly at the end of the window just read to its
+    // end: the next window comes in.
+    file->Seek(static_cast<LONG>(kReadWindow - 1000), 0);
+    EXPECT_EQ(file->Read(part.data(), 1000), 1000u);
     char ten[10];
     EXPECT_EQ(file->Read(ten, 10), 10u);
-    EXPECT_EQ(std::string(ten, 10), bytes.substr(kView, 10));
-    EXPECT_EQ(file->GetPosition(), kView + 10);
-    // A value across the boundary of two views.
-    file->Seek(static_cast<LONG>(kView - 2), 0);
+    EXPECT_EQ(std::string(ten, 10), bytes.substr(kReadWindow, 10));
+    EXPECT_EQ(file->GetPosition(), kReadWindow + 10);
+    // A value across the boundary of two windows.
+    file->Seek(static_cast<LONG>(kReadWindow - 2), 0);
     const DWORD straddling = file->ReadDWord();
-    EXPECT_EQ(std::memcmp(&straddling, bytes.data() + kView - 2, 4), 0);
+    EXPECT_EQ(std::memcmp(&straddling, bytes.data() + kReadWindow - 2, 4), 0);
 }
 
 TEST_F(MappedFile, ReadsStopAtTheLength) {
@@ -143,7 +145,7 @@ TEST_F(MappedFile, AWriteBehindTheLengthLeavesAZeroGap) {
     EXPECT_EQ(file->GetLength(), 3u);  // a seek writes nothing
     file->WriteByte('z');
     EXPECT_EQ(file->GetLength(), 200001u);
-    EXPECT_EQ(SizeOnDisk(name), 2 * kView);  // the view at 131,072 ends the mapping
+    EXPECT_EQ(SizeOnDisk(name), 2 * kWriteView);  // the view at 131,072 ends the mapping
     file->Release();
     const std::string content = ContentOf(name);
     ASSERT_EQ(content.size(), 200001u);
@@ -298,7 +300,7 @@ TEST_F(MappedFile, WritingIntoAFileOpenForReadingIsAnIoFault) {
 }
 
 TEST_F(MappedFile, AFileCutShortUnderAReaderIsAnIoFault) {
-    const std::string bytes = Pattern(3 * kView);
+    const std::string bytes = Pattern(kReadWindow + kWriteView);
     WriteContent(name, bytes);
     Ref<IXFile> file(Fio_Open(name.c_str(), 0));
     EXPECT_EQ(file->ReadByte(), static_cast<BYTE>(bytes[0]));
@@ -322,7 +324,7 @@ TEST_F(MappedFile, AFileCutShortUnderAReaderIsAnIoFault) {
         {"ReadLine", [&] { file->ReadLine(piece, 900); }},
         {"ReadLineW", [&] { file->ReadLineW(reinterpret_cast<KTWCHAR*>(piece), 400); }},
     };
-    for (const DWORD at : {DWORD{100000}, 2 * kView + 8}) {  // in the view, then in another
+    for (const DWORD at : {DWORD{100000}, kReadWindow + 8}) {  // in the window, then in the next
         for (const auto& [what, read] : reads) {
             file->Seek(static_cast<LONG>(at), 0);
             ExpectIoFault(file.get(), read, XFILEOP_READ, what);
