@@ -11,13 +11,13 @@ void CMemBlockBuffer::Assign(const void* source, ULONG newSize) {
     // The source may lie in the block: it goes after the copy.
     unsigned char* newData = nullptr;
     if (newSize != 0) {
-        newData = static_cast<unsigned char*>(std::malloc(newSize));
+        newData = static_cast<unsigned char*>(sys::GrowBlock(nullptr, 0, newSize));
         if (newData == nullptr)
             throw std::bad_alloc();
         if (source != nullptr)
             std::memcpy(newData, source, newSize);
     }
-    std::free(data);
+    sys::FreeGrownBlock(data, capacity);
     data = newData;
     capacity = newSize;
     size = newSize;

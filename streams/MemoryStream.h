@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 
+#include "platform/GrowingBlock.h"
 #include "streams/StreamRules.h"
 #include "streams/TypedStream.h"
 
@@ -23,10 +23,10 @@ struct CMemBlockBuffer {
     CMemBlockBuffer() = default;
     CMemBlockBuffer(const CMemBlockBuffer&) = delete;
     CMemBlockBuffer& operator=(const CMemBlockBuffer&) = delete;
-    ~CMemBlockBuffer() { std::free(data); }
+    ~CMemBlockBuffer() { sys::FreeGrownBlock(data, capacity); }
 
     // Room for `needed` bytes; the bytes in use stay, the rest is undefined.
-    // The block may move: a large one moves without a copy (realloc).
+    // The block may move; a large one grows without a copy (GrowingBlock.h).
     void Reserve(std::uint64_t needed) {
         if (needed <= capacity)
             return;
@@ -36,7 +36,7 @@ struct CMemBlockBuffer {
             throw std::bad_alloc();
         const std::uint64_t grown = (needed / growBy + 1) * growBy + capacity;
         const ULONG newCapacity = static_cast<ULONG>(std::min<std::uint64_t>(grown, 0xFFFFFFFFu));
-        auto* newData = static_cast<unsigned char*>(std::realloc(data, newCapacity));
+        auto* newData = static_cast<unsigned char*>(sys::GrowBlock(data, capacity, newCapacity));
         if (newData == nullptr)
             throw std::bad_alloc();
         data = newData;

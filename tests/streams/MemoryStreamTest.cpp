@@ -105,6 +105,20 @@ TEST(MemoryStream, BytesFromTheStreamsOwnBlockAreWrittenAndReadSafely) {
     EXPECT_EQ(kt::test::AllBytes(stream.get()), expected);
 }
 
+TEST(MemoryStream, ALargeBlockKeepsItsBytesAsItGrowsAndIsReplaced) {
+    // Past 1 MiB a block grows in its own address space on Windows.
+    Bytes pattern(3 << 20);
+    for (size_t i = 0; i < pattern.size(); ++i)
+        pattern[i] = static_cast<unsigned char>(i * 7 + i / 4099);
+    Ref<IXStream> stream(new_StreamOnMemory());
+    for (size_t at = 0; at < pattern.size(); at += 65536)
+        stream->Write(pattern.data() + at, 65536);
+    EXPECT_EQ(kt::test::AllBytes(stream.get()), pattern);
+    Ref<IMemBlock> block = BlockOf(stream.get());
+    block->SetBlockData(static_cast<unsigned char*>(block->GetBlockData()) + 1, 2 << 20);
+    EXPECT_EQ(kt::test::AllBytes(stream.get()), Bytes(pattern.begin() + 1, pattern.begin() + 1 + (2 << 20)));
+}
+
 TEST(MemoryStream, PositionsAreClampedToTheStream) {
     Ref<IXStream> stream(new_StreamOnMemory());
     WriteZeros(stream.get(), 10);
