@@ -43,7 +43,8 @@ void MakeTemporaryFile(KTWCHAR (&to)[512], DWORD operation) {
 }  // namespace
 
 CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
-    : viewSize((openFlags & FIO_WRITE) ? 2 * sys::AllocationGranularity() : kReadWindowBytes),
+    : viewSize((openFlags & (FIO_WRITE | FIO_RANDOM)) ? 2 * sys::AllocationGranularity()
+                                                       : kReadWindowBytes),
       flags(static_cast<DWORD>(openFlags)),
       access((openFlags & FIO_WRITE) ? XFILEOP_WRITE : XFILEOP_READ) {
     if (fileName == nullptr) {

@@ -1,7 +1,8 @@
 // CXFile: a file on disk that is never read or written by system calls. It
-// maps the file and moves one view of fixed size over it. A file open for
-// writing grows through its mapping, a view (twice the allocation
-// granularity) at a time, and is cut to its length at the last Release.
+// maps the file and moves one view of fixed size over it: twice the
+// allocation granularity, or a larger window for a sequential reader. A file
+// open for writing grows through its mapping, a view at a time, and is cut to
+// its length at the last Release.
 #pragma once
 
 #include <cstdint>
@@ -11,9 +12,11 @@
 
 namespace kt {
 
-// The view of a file open only for reading. Nothing a reader sees depends on
-// its size, and moving the view is what a sequential read pays for: a large
-// window moves seldom. A multiple of every allocation granularity.
+// The view of a file open only for reading, and not for random access.
+// Nothing a reader sees depends on its size, and moving the view is what a
+// sequential read pays for: a large window moves seldom. A random reader
+// keeps the small view, which costs less to map at each jump. A multiple of
+// every allocation granularity.
 constexpr DWORD kReadWindowBytes = 8u << 20;
 
 class CXFile final : public CTypedFile<IXFile> {

@@ -24,8 +24,8 @@ using kt::test::Ref;
 using kt::test::WideString;
 using kt::test::WriteContent;
 
-constexpr DWORD kWriteView = 131072;  // twice the allocation granularity
-constexpr DWORD kReadWindow = kt::kReadWindowBytes;
+constexpr DWORD kView = 131072;  // twice the allocation granularity
+constexpr DWORD kReadWindow = kt::kReadWindowBytes;  // of a sequential reader
 // Exit codes of the test helper's cuts.
 constexpr int kRefused = 3;
 constexpr int kNotUnderWine = 4;
@@ -71,7 +71,7 @@ TEST_F(MappedFile, AWriterGrowsByViewsOnDiskAndIsCutToItsLength) {
     IXFile* file = Fio_Open(name.c_str(), FIO_WRITE);
     file->Write(bytes.data(), static_cast<DWORD>(bytes.size()));
     EXPECT_EQ(file->GetLength(), 300000u);
-    EXPECT_EQ(SizeOnDisk(name), 3 * kWriteView);
+    EXPECT_EQ(SizeOnDisk(name), 3 * kView);
     EXPECT_EQ(file->Flush(), 1);
     // Back to earlier views, whose mappings are smaller than the file now.
     file->Seek(1, 0);
@@ -87,27 +87,31 @@ TEST_F(MappedFile, AWriterGrowsByViewsOnDiskAndIsCutToItsLength) {
     EXPECT_EQ(ContentOf(name), expected);
 }
 
-TEST_F(MappedFile, OneReadSpansTwoWindows) {
-    const std::string bytes = Pattern(kReadWindow + 150000);
-    WriteContent(name, bytes);
-    Ref<IXFile> file(Fio_Open(name.c_str(), 0));
-    std::string part(250000, '\0');
-    file->Seek(static_cast<LONG>(kReadWindow - 100000), 0);
-    EXPECT_EQ(file->Read(part.data(), 250000), 250000u);
-    EXPECT_EQ(part, bytes.substr(kReadWindow - 100000, 250000));
-    EXPECT_EQ(file->GetPosition(), kReadWindow + 150000);
-    // A read that begins exactly at the end of the window just read to its
-    // end: the next window comes in.
-    file->Seek(static_cast<LONG>(kReadWindow - 1000), 0);
-    EXPECT_EQ(file->Read(part.data(), 1000), 1000u);
-    char ten[10];
-    EXPECT_EQ(file->Read(ten, 10), 10u);
-    EXPECT_EQ(std::string(ten, 10), bytes.substr(kReadWindow, 10));
-    EXPECT_EQ(file->GetPosition(), kReadWindow + 10);
-    // A value across the boundary of two windows.
-    file->Seek(static_cast<LONG>(kReadWindow - 2), 0);
-    const DWORD straddling = file->ReadDWord();
-    EXPECT_EQ(std::memcmp(&straddling, bytes.data() + kReadWindow - 2, 4), 0);
+// A sequential reader moves the large window, a random one the small view.
+TEST_F(MappedFile, OneReadSpansTwoViews) {
+    for (const auto& [flags, view] : {std::pair<int, DWORD>{0, kReadWindow}, {FIO_RANDOM, kView}}) {
+        SCOPED_TRACE(flags);
+        const std::string bytes = Pattern(view + 150000);
+        WriteContent(name, bytes);
+        Ref<IXFile> file(Fio_Open(name.c_str(), flags));
+        std::string part(250000, '\0');
+        file->Seek(static_cast<LONG>(view - 100000), 0);
+        EXPECT_EQ(file->Read(part.data(), 250000), 250000u);
+        EXPECT_EQ(part, bytes.substr(view - 100000, 250000));
+        EXPECT_EQ(file->GetPosition(), view + 150000);
+        // A read that begins exactly at the end of the view just read to its
+        // end: the next view comes in.
+        file->Seek(static_cast<LONG>(view - 1000), 0);
+        EXPECT_EQ(file->Read(part.data(), 1000), 1000u);
+        char ten[10];
+        EXPECT_EQ(file->Read(ten, 10), 10u);
+        EXPECT_EQ(std::string(ten, 10), bytes.substr(view, 10));
+        EXPECT_EQ(file->GetPosition(), view + 10);
+        // A value across the boundary of two views.
+        file->Seek(static_cast<LONG>(view - 2), 0);
+        const DWORD straddling = file->ReadDWord();
+        EXPECT_EQ(std::memcmp(&straddling, bytes.data() + view - 2, 4), 0);
+    }
 }
 
 TEST_F(MappedFile, ReadsStopAtTheLength) {
@@ -145,7 +149,7 @@ TEST_F(MappedFile, AWriteBehindTheLengthLeavesAZeroGap) {
     EXPECT_EQ(file->GetLength(), 3u);  // a seek writes nothing
     file->WriteByte('z');
     EXPECT_EQ(file->GetLength(), 200001u);
-    EXPECT_EQ(SizeOnDisk(name), 2 * kWriteView);  // the view at 131,072 ends the mapping
+    EXPECT_EQ(SizeOnDisk(name), 2 * kView);  // the view at 131,072 ends the mapping
     file->Release();
     const std::string content = ContentOf(name);
     ASSERT_EQ(content.size(), 200001u);
@@ -300,7 +304,7 @@ TEST_F(MappedFile, WritingIntoAFileOpenForReadingIsAnIoFault) {
 }
 
 TEST_F(MappedFile, AFileCutShortUnderAReaderIsAnIoFault) {
-    const std::string bytes = Pattern(kReadWindow + kWriteView);
+    const std::string bytes = Pattern(kReadWindow + kView);
     WriteContent(name, bytes);
     Ref<IXFile> file(Fio_Open(name.c_str(), 0));
     EXPECT_EQ(file->ReadByte(), static_cast<BYTE>(bytes[0]));
