@@ -1,9 +1,13 @@
 // Alloc + Free of one block through IHeap, against the C library's heap.
 // calloc is the peer with the same contract (zero-filled blocks); malloc is
-// the plain one.
+// the plain one. Each runs twice: in a process of one thread, and with a
+// second thread waiting, which makes every lock a real one.
 #include <benchmark/benchmark.h>
 
+#include <condition_variable>
 #include <cstdlib>
+#include <mutex>
+#include <thread>
 
 #include "bench/harness/RatioReporter.h"
 #include "kticore/core/Heap.h"
@@ -42,6 +46,38 @@ void AllocFree_malloc(benchmark::State& state) {
 BENCHMARK(AllocFree_kticore)->Arg(16)->Arg(256)->Arg(4096);
 BENCHMARK(AllocFree_calloc)->Arg(16)->Arg(256)->Arg(4096);
 BENCHMARK(AllocFree_malloc)->Arg(16)->Arg(256)->Arg(4096);
+
+// A thread that waits, doing nothing, for as long as it lives.
+class WaitingThread {
+public:
+    WaitingThread() : thread([this] {
+        std::unique_lock<std::mutex> lock(mutex);
+        wake.wait(lock, [this] { return done; });
+    }) {}
+    ~WaitingThread() {
+        {
+            std::lock_guard<std::mutex> lock(mutex);
+            done = true;
+        }
+        wake.notify_one();
+        thread.join();
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable wake;
+    bool done = false;
+    std::thread thread;
+};
+
+template <void (*Body)(benchmark::State&)>
+void WithAThread(benchmark::State& state) {
+    WaitingThread other;
+    Body(state);
+}
+
+BENCHMARK_TEMPLATE(WithAThread, AllocFree_kticore)->Name("AllocFreeThreaded_kticore")->Arg(16);
+BENCHMARK_TEMPLATE(WithAThread, AllocFree_calloc)->Name("AllocFreeThreaded_calloc")->Arg(16);
 
 }  // namespace
 

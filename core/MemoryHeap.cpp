@@ -47,22 +47,29 @@ ULONG CHeap::AddRef() { return isStatic ? 1 : CKTUnknownImpl::AddRef(); }
 
 ULONG CHeap::Release() { return isStatic ? 1 : CKTUnknownImpl::Release(); }
 
+// The system heap serialises itself: only a failure takes the memory lock,
+// under which the sink is asked.
 void* CHeap::Alloc(size_t size) {
-    const size_t total = GetHeaderSize(size) + size;
+    const size_t total = kBlockHeaderSize + size;
     if (total < size)  // no system heap can serve what does not fit a size_t
         throw CXMemException();
+    void* systemBlock = sys::AllocZeroed(handle, total);
+    if (systemBlock == nullptr)
+        systemBlock = AllocAfterLowMemory(total);
+    CHeap* owner = this;
+    std::memcpy(systemBlock, &owner, sizeof owner);
+    coreBytes.Add(total);
+    coreOps.Add(1);
+    return static_cast<char*>(systemBlock) + kBlockHeaderSize;
+}
+
+__attribute__((noinline, cold)) void* CHeap::AllocAfterLowMemory(size_t total) {
     sys::ScopedLock lock(memoryManager.memoryLock);
-    for (DWORD attempt = 0;; ++attempt) {
-        if (void* systemBlock = sys::AllocZeroed(handle, total)) {
-            CHeap* owner = this;
-            std::memcpy(systemBlock, &owner, sizeof owner);
-            coreBytes.Add(total);
-            coreOps.Add(1);
-            return static_cast<char*>(systemBlock) + kBlockHeaderSize;
-        }
-        if (!memoryManager.RetryAfterLowMemory(attempt))
-            throw CXMemException();
+    for (DWORD attempt = 0; memoryManager.RetryAfterLowMemory(attempt); ++attempt) {
+        if (void* systemBlock = sys::AllocZeroed(handle, total))
+            return systemBlock;
     }
+    throw CXMemException();
 }
 
 // No lock: the system heap serialises itself.

@@ -11,7 +11,7 @@ namespace kt {
 // A block is an 8-byte header holding its CHeap*, then what the caller sees.
 // Every operation finds the owner in the header, so any IHeap can free a
 // block of any other.
-class CHeap : public CKTUnknownImpl<IHeap>, public KT_LISTITEM {
+class CHeap final : public CKTUnknownImpl<IHeap>, public KT_LISTITEM {
 public:
     // Throws CXMemException when the system will not give a heap and the
     // low-memory sink gives up. `size` only counts as activity.
@@ -30,6 +30,11 @@ public:
 
     sys::SystemHeap handle = nullptr;
     int isStatic;
+
+private:
+    // Asks the low-memory sink and tries again while it says so; throws
+    // CXMemException when it gives up.
+    void* AllocAfterLowMemory(size_t total);
 };
 
 }  // namespace kt

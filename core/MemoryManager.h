@@ -41,8 +41,8 @@ public:
     }
 
     CHeap* defaultHeap = nullptr;
-    // Covers allocation in all heaps, heap creation and destruction, the sink
-    // and the list; the sink runs with it held.
+    // Covers heap creation and destruction, the sink and the list; the sink
+    // runs with it held. Allocation takes it only to ask the sink.
     sys::CriticalSection memoryLock;
     ILowMemoryNotifySink* lowMemorySink = nullptr;
     COList heaps;

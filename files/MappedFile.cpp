@@ -43,7 +43,8 @@ void MakeTemporaryFile(KTWCHAR (&to)[512], DWORD operation) {
 }  // namespace
 
 CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
-    : viewSize(2 * sys::AllocationGranularity()),
+    : viewSize((openFlags & (FIO_WRITE | FIO_RANDOM)) ? 2 * sys::AllocationGranularity()
+                                                       : kReadWindowBytes),
       flags(static_cast<DWORD>(openFlags)),
       access((openFlags & FIO_WRITE) ? XFILEOP_WRITE : XFILEOP_READ) {
     if (fileName == nullptr) {
@@ -74,6 +75,7 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
         view = static_cast<unsigned char*>(sys::MapView(mapping, writes, 0, MappedBytes()));
         if (view == nullptr)
             FailOpen(sys::LastFileError());
+        CountViewBytes();
     } catch (...) {
         // Also out of memory: a failed construction closes what it made
         // and gives the lock back, since no destructor runs for it.
@@ -102,6 +104,11 @@ DWORD CXFile::MappedBytes() const {
     return std::min(viewSize, length - viewOffset);
 }
 
+void CXFile::CountViewBytes() {
+    const std::uint64_t end = std::min<std::uint64_t>(length, std::uint64_t{viewOffset} + viewSize);
+    viewBytes = view != nullptr && end > viewOffset ? static_cast<DWORD>(end - viewOffset) : 0;
+}
+
 void CXFile::MoveView() {
     const DWORD offset = position - position % viewSize;
     if (view != nullptr && offset == viewOffset)
@@ -112,6 +119,7 @@ void CXFile::MoveView() {
     if (view != nullptr && !sys::UnmapView(view, MappedBytes()))
         failed();
     view = nullptr;
+    viewBytes = 0;
     viewOffset = offset;
     const bool writes = access == XFILEOP_WRITE;
     if (writes) {
@@ -125,6 +133,7 @@ void CXFile::MoveView() {
     view = static_cast<unsigned char*>(sys::MapView(mapping, writes, offset, MappedBytes()));
     if (view == nullptr)
         failed();
+    CountViewBytes();
 }
 
 void CXFile::Copy(void* to, const void* from, DWORD size) {
@@ -169,7 +178,10 @@ void CXFile::Write(const void* buffer, DWORD size) {
         const DWORD part = std::min(left, inView);
         Copy(view + (position - viewOffset), in, part);
         position += part;
-        length = std::max(length, position);
+        if (position > length) {
+            length = position;
+            CountViewBytes();
+        }
         left -= part;
         if (left == 0)
             return;
@@ -185,20 +197,13 @@ DWORD CXFile::Seek(LONG offset, DWORD origin) {
 
 int CXFile::Flush() { return view == nullptr ? 1 : sys::FlushView(view, MappedBytes()); }
 
-DWORD CXFile::BytesInView() const {
-    if (view == nullptr || position < viewOffset || position >= length ||
-        position - viewOffset >= viewSize)
-        return 0;
-    return std::min(length, viewOffset + viewSize) - position;
-}
-
 // Out of line, so that the common case needs no frame.
 __attribute__((noinline)) DWORD CXFile::ReadDWordAtEdge() { return ReadValue<DWORD>(); }
 
 DWORD CXFile::ReadDWord() {
     DWORD value;
     // A fault takes the general way too, which meets it again and reports it.
-    if (BytesInView() < sizeof value || !sys::LoadGuarded(view + (position - viewOffset), value))
+    if (!InView(sizeof value) || !sys::LoadGuarded(view + (position - viewOffset), value))
         return ReadDWordAtEdge();
     position += sizeof value;
     return value;
@@ -226,6 +231,7 @@ void CXFile::Close() {
     if (view != nullptr && !sys::UnmapView(view, MappedBytes()))
         throw CXFileException(XE_NO_MEMORY, name, access);
     view = nullptr;
+    viewBytes = 0;
     if (mapping != sys::kNoMapping && !sys::CloseMapping(mapping))
         throw CXFileException(XE_NO_MEMORY, name, access);
     mapping = sys::kNoMapping;

@@ -2,33 +2,22 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <new>
 
 namespace kt {
 
-std::unique_ptr<unsigned char[]> CMemBlockBuffer::Reserve(std::uint64_t needed) {
-    if (needed <= capacity)
-        return nullptr;
-    // Positions and sizes of a stream are 32-bit: a block can not outgrow
-    // them, and the last step is cut to fit.
-    if (needed > 0xFFFFFFFFu)
-        throw std::bad_alloc();
-    const std::uint64_t grown = (needed / growBy + 1) * growBy + capacity;
-    const ULONG newCapacity = static_cast<ULONG>(std::min<std::uint64_t>(grown, 0xFFFFFFFFu));
-    unsigned char* newData = new unsigned char[newCapacity];
-    if (size != 0)
-        std::memcpy(newData, data, size);
-    std::unique_ptr<unsigned char[]> old(data);
-    data = newData;
-    capacity = newCapacity;
-    return old;
-}
-
 void CMemBlockBuffer::Assign(const void* source, ULONG newSize) {
-    unsigned char* newData = new unsigned char[newSize];
-    if (source != nullptr && newSize != 0)
-        std::memcpy(newData, source, newSize);
-    delete[] data;
+    // The source may lie in the block: it goes after the copy.
+    unsigned char* newData = nullptr;
+    if (newSize != 0) {
+        newData = static_cast<unsigned char*>(sys::GrowBlock(nullptr, 0, newSize));
+        if (newData == nullptr)
+            throw std::bad_alloc();
+        if (source != nullptr)
+            std::memcpy(newData, source, newSize);
+    }
+    sys::FreeGrownBlock(data, capacity);
     data = newData;
     capacity = newSize;
     size = newSize;
@@ -62,9 +51,9 @@ int CMemStream::InternalQueryInterface(const type_info& wanted, void** out) {
 }
 
 unsigned CMemStream::Read(void* buffer, unsigned size) {
-    if (position >= GetLength())
+    if (position >= block.size)
         return 0;
-    size = std::min<unsigned>(size, GetLength() - position);
+    size = std::min<unsigned>(size, block.size - position);
     std::memmove(buffer, block.data + position, size);  // the buffer may lie in the block
     position += size;
     AskProgress();
@@ -73,13 +62,21 @@ unsigned CMemStream::Read(void* buffer, unsigned size) {
 
 void CMemStream::Write(const void* buffer, unsigned size) {
     const std::uint64_t end = std::uint64_t{position} + size;
-    const std::unique_ptr<unsigned char[]> replaced = block.Reserve(end);
+    // What is written may come from the block itself, which may move.
+    const auto* source = static_cast<const unsigned char*>(buffer);
+    const std::less<const unsigned char*> before;
+    const bool fromBlock = block.data != nullptr && !before(source, block.data) &&
+                           before(source, block.data + block.capacity);
+    const size_t sourceOffset = fromBlock ? static_cast<size_t>(source - block.data) : 0;
+    block.Reserve(end);
+    if (fromBlock)
+        source = block.data + sourceOffset;
     // A position left behind the end by SetBlockData leaves a gap: cleared,
     // so no undefined byte is ever read back.
     if (position > block.size)
         std::memset(block.data + block.size, 0, position - block.size);
     if (size != 0)
-        std::memmove(block.data + position, buffer, size);
+        std::memmove(block.data + position, source, size);
     position = static_cast<ULONG>(end);
     if (position > block.size)
         block.size = position;
@@ -97,8 +94,8 @@ void* CMemStream::GetBlockData() {
 
 void CMemStream::SetBlockData(const void* source, ULONG size) { block.Assign(source, size); }
 
-void CMemStream::AskProgress() {
-    if (progress != nullptr && progress->IsCancelled() != 0)
+void CMemStream::ThrowIfCancelled() {
+    if (progress->IsCancelled() != 0)
         throw CXException(XE_CANCELLED);
 }
 

@@ -2,10 +2,12 @@
 // through IMemBlock, and which a progress sink may cancel.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <memory>
+#include <new>
 
+#include "platform/GrowingBlock.h"
 #include "streams/StreamRules.h"
 #include "streams/TypedStream.h"
 
@@ -21,12 +23,25 @@ struct CMemBlockBuffer {
     CMemBlockBuffer() = default;
     CMemBlockBuffer(const CMemBlockBuffer&) = delete;
     CMemBlockBuffer& operator=(const CMemBlockBuffer&) = delete;
-    ~CMemBlockBuffer() { delete[] data; }
+    ~CMemBlockBuffer() { sys::FreeGrownBlock(data, capacity); }
 
-    // Room for `needed` bytes; the bytes in use move, the rest is undefined.
-    // A block that moved is handed back, to be freed once nothing reads from
-    // it: what is written may come from the block itself.
-    [[nodiscard]] std::unique_ptr<unsigned char[]> Reserve(std::uint64_t needed);
+    // Room for `needed` bytes; the bytes in use stay, the rest is undefined.
+    // The block may move; a large one grows without a copy (GrowingBlock.h).
+    void Reserve(std::uint64_t needed) {
+        if (needed <= capacity)
+            return;
+        // Positions and sizes of a stream are 32-bit: a block can not outgrow
+        // them, and the last step is cut to fit.
+        if (needed > 0xFFFFFFFFu)
+            throw std::bad_alloc();
+        const std::uint64_t grown = (needed / growBy + 1) * growBy + capacity;
+        const ULONG newCapacity = static_cast<ULONG>(std::min<std::uint64_t>(grown, 0xFFFFFFFFu));
+        auto* newData = static_cast<unsigned char*>(sys::GrowBlock(data, capacity, newCapacity));
+        if (newData == nullptr)
+            throw std::bad_alloc();
+        data = newData;
+        capacity = newCapacity;
+    }
     // An exact block of `newSize` bytes, copied from `source` unless null.
     void Assign(const void* source, ULONG newSize);
 
@@ -57,8 +72,8 @@ public:
     unsigned GetLength() override { return block.size; }
     const char* GetName() override { return "Memory stream"; }
 
-    // Typed values inside the block skip the general Read and Write; what
-    // they do, the progress question included, is the same.
+    // Typed values inside the block skip the general Read and Write when no
+    // sink is to be asked; what they do is the same.
     unsigned char ReadByte() override { return ReadFast<unsigned char>(); }
     unsigned short ReadWord() override { return ReadFast<unsigned short>(); }
     ULONG ReadDWord() override { return ReadFast<ULONG>(); }
@@ -73,30 +88,45 @@ public:
     void SetBlockData(const void* source, ULONG size) override;
 
 private:
-    void AskProgress();
+    void AskProgress() {
+        if (progress != nullptr)
+            ThrowIfCancelled();
+    }
+    void ThrowIfCancelled();
 
+    // A value inside the block of a stream without a sink is one move, and
+    // needs no frame; the rest takes the general Read and Write, out of line.
     template <class T>
     T ReadFast() {
-        if (block.size < sizeof(T) || position > block.size - sizeof(T))
-            return ReadValue<T>();
+        const ULONG at = position;
+        if (std::uint64_t{at} + sizeof(T) > block.size || progress != nullptr)
+            return ReadGeneral<T>();
         T value;
-        std::memcpy(&value, block.data + position, sizeof value);
-        position += sizeof value;
-        AskProgress();
+        std::memcpy(&value, block.data + at, sizeof value);
+        position = at + sizeof value;
         return value;
     }
 
     template <class T>
     void WriteFast(T value) {
-        if (position > block.size || block.capacity - position < sizeof value) {
-            Write(&value, sizeof value);
-            return;
-        }
-        std::memcpy(block.data + position, &value, sizeof value);
-        position += sizeof value;
-        if (position > block.size)
-            block.size = position;
-        AskProgress();
+        const ULONG at = position;
+        if (at > block.size || std::uint64_t{at} + sizeof value > block.capacity ||
+            progress != nullptr)
+            return WriteGeneral(value);
+        std::memcpy(block.data + at, &value, sizeof value);
+        const ULONG end = at + sizeof value;
+        position = end;
+        if (end > block.size)
+            block.size = end;
+    }
+
+    template <class T>
+    __attribute__((noinline)) T ReadGeneral() {
+        return ReadValue<T>();
+    }
+    template <class T>
+    __attribute__((noinline)) void WriteGeneral(T value) {
+        Write(&value, sizeof value);
     }
 
     CMemBlockBuffer block;

@@ -5,6 +5,7 @@
 #include "platform/SystemHeap.h"
 
 #include <sched.h>
+#include <sys/single_threaded.h>
 
 #include <atomic>
 #include <cstdint>
@@ -36,6 +37,27 @@ public:
 
 private:
     std::atomic<bool> locked{false};
+};
+
+// Holds a chain's lock for a scope, unless the process has one thread: then
+// nothing can meet the chain midway, as glibc's malloc takes no lock of its
+// own then either. Another thread can only be made by this one, after the
+// scope. Whether it locked is kept, since a process may go back to one thread.
+class ChainGuard {
+public:
+    explicit ChainGuard(ChainLock& lock) : lock(__libc_single_threaded ? nullptr : &lock) {
+        if (this->lock != nullptr)
+            this->lock->Lock();
+    }
+    ~ChainGuard() {
+        if (lock != nullptr)
+            lock->Unlock();
+    }
+    ChainGuard(const ChainGuard&) = delete;
+    ChainGuard& operator=(const ChainGuard&) = delete;
+
+private:
+    ChainLock* lock;
 };
 
 struct PosixHeap {
@@ -77,22 +99,24 @@ void* AllocZeroed(SystemHeap handle, size_t size) {
     std::memset(link + 1, 0, size);
     auto* heap = static_cast<PosixHeap*>(handle);
     link->size = size;
-    heap->lock.Lock();
-    link->previous = &heap->chain;
-    link->next = heap->chain.next;
-    heap->chain.next->previous = link;
-    heap->chain.next = link;
-    heap->lock.Unlock();
+    {
+        ChainGuard guard(heap->lock);
+        link->previous = &heap->chain;
+        link->next = heap->chain.next;
+        heap->chain.next->previous = link;
+        heap->chain.next = link;
+    }
     return link + 1;
 }
 
 void FreeBlock(SystemHeap handle, void* block) {
     auto* heap = static_cast<PosixHeap*>(handle);
     BlockLink* link = LinkOf(block);
-    heap->lock.Lock();
-    link->previous->next = link->next;
-    link->next->previous = link->previous;
-    heap->lock.Unlock();
+    {
+        ChainGuard guard(heap->lock);
+        link->previous->next = link->next;
+        link->next->previous = link->previous;
+    }
     std::free(link);
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "files/MappedFile.h"
 #include "kticore/files/File.h"
 #include "platform/FileSystem.h"
 #include "tests/support/Counted.h"
@@ -24,6 +25,7 @@ using kt::test::WideString;
 using kt::test::WriteContent;
 
 constexpr DWORD kView = 131072;  // twice the allocation granularity
+constexpr DWORD kReadWindow = kt::kReadWindowBytes;  // of a sequential reader
 // Exit codes of the test helper's cuts.
 constexpr int kRefused = 3;
 constexpr int kNotUnderWine = 4;
@@ -85,27 +87,31 @@ TEST_F(MappedFile, AWriterGrowsByViewsOnDiskAndIsCutToItsLength) {
     EXPECT_EQ(ContentOf(name), expected);
 }
 
-TEST_F(MappedFile, OneReadSpansSeveralViews) {
-    const std::string bytes = Pattern(400000);
-    WriteContent(name, bytes);
-    Ref<IXFile> file(Fio_Open(name.c_str(), 0));
-    std::string part(250000, '\0');
-    file->Seek(100000, 0);
-    EXPECT_EQ(file->Read(part.data(), 250000), 250000u);
-    EXPECT_EQ(part, bytes.substr(100000, 250000));
-    EXPECT_EQ(file->GetPosition(), 350000u);
-    // A read that begins exactly at the end of the view just read to its
-    // end: the next view comes in.
-    file->Seek(0, 0);
-    EXPECT_EQ(file->Read(part.data(), kView), kView);
-    char ten[10];
-    EXPECT_EQ(file->Read(ten, 10), 10u);
-    EXPECT_EQ(std::string(ten, 10), bytes.substr(kView, 10));
-    EXPECT_EQ(file->GetPosition(), kView + 10);
-    // A value across the boundary of two views.
-    file->Seek(static_cast<LONG>(kView - 2), 0);
-    const DWORD straddling = file->ReadDWord();
-    EXPECT_EQ(std::memcmp(&straddling, bytes.data() + kView - 2, 4), 0);
+// A sequential reader moves the large window, a random one the small view.
+TEST_F(MappedFile, OneReadSpansTwoViews) {
+    for (const auto& [flags, view] : {std::pair<int, DWORD>{0, kReadWindow}, {FIO_RANDOM, kView}}) {
+        SCOPED_TRACE(flags);
+        const std::string bytes = Pattern(view + 150000);
+        WriteContent(name, bytes);
+        Ref<IXFile> file(Fio_Open(name.c_str(), flags));
+        std::string part(250000, '\0');
+        file->Seek(static_cast<LONG>(view - 100000), 0);
+        EXPECT_EQ(file->Read(part.data(), 250000), 250000u);
+        EXPECT_EQ(part, bytes.substr(view - 100000, 250000));
+        EXPECT_EQ(file->GetPosition(), view + 150000);
+        // A read that begins exactly at the end of the view just read to its
+        // end: the next view comes in.
+        file->Seek(static_cast<LONG>(view - 1000), 0);
+        EXPECT_EQ(file->Read(part.data(), 1000), 1000u);
+        char ten[10];
+        EXPECT_EQ(file->Read(ten, 10), 10u);
+        EXPECT_EQ(std::string(ten, 10), bytes.substr(view, 10));
+        EXPECT_EQ(file->GetPosition(), view + 10);
+        // A value across the boundary of two views.
+        file->Seek(static_cast<LONG>(view - 2), 0);
+        const DWORD straddling = file->ReadDWord();
+        EXPECT_EQ(std::memcmp(&straddling, bytes.data() + view - 2, 4), 0);
+    }
 }
 
 TEST_F(MappedFile, ReadsStopAtTheLength) {
@@ -298,7 +304,7 @@ TEST_F(MappedFile, WritingIntoAFileOpenForReadingIsAnIoFault) {
 }
 
 TEST_F(MappedFile, AFileCutShortUnderAReaderIsAnIoFault) {
-    const std::string bytes = Pattern(3 * kView);
+    const std::string bytes = Pattern(kReadWindow + kView);
     WriteContent(name, bytes);
     Ref<IXFile> file(Fio_Open(name.c_str(), 0));
     EXPECT_EQ(file->ReadByte(), static_cast<BYTE>(bytes[0]));
@@ -322,7 +328,7 @@ TEST_F(MappedFile, AFileCutShortUnderAReaderIsAnIoFault) {
         {"ReadLine", [&] { file->ReadLine(piece, 900); }},
         {"ReadLineW", [&] { file->ReadLineW(reinterpret_cast<KTWCHAR*>(piece), 400); }},
     };
-    for (const DWORD at : {DWORD{100000}, 2 * kView + 8}) {  // in the view, then in another
+    for (const DWORD at : {DWORD{100000}, kReadWindow + 8}) {  // in the window, then in the next
         for (const auto& [what, read] : reads) {
             file->Seek(static_cast<LONG>(at), 0);
             ExpectIoFault(file.get(), read, XFILEOP_READ, what);
