@@ -51,9 +51,23 @@ public:
         return made;
     }
 
+    // Records of `module` are found no more.
+    void Forget(HMODULE module) {
+        sys::ScopedLock hold(lock);
+        for (KT_LISTITEM* item = list.first; item != nullptr; item = list.Next(item)) {
+            auto* record = static_cast<SuppResource*>(item);
+            if (record->module == module)
+                record->module = kForgottenModule;
+        }
+    }
+
     sys::CriticalSection lock;
 
 private:
+    // No module has this handle: FindResource of the program's own resources
+    // is asked with a null one.
+    inline static const HMODULE kForgottenModule = reinterpret_cast<HMODULE>(~std::uintptr_t{0});
+
     SuppResource* FindHeld(HMODULE module, HRSRC real) const {
         for (KT_LISTITEM* item = list.first; item != nullptr; item = list.Next(item)) {
             auto* record = static_cast<SuppResource*>(item);
@@ -199,3 +213,5 @@ DWORD kt::ServedResourceSize(HMODULE module, SuppResource* record) {
     sys::ScopedLock hold(records.lock);
     return record->size;
 }
+
+void kt::ForgetModuleResources(HMODULE module) { records.Forget(module); }

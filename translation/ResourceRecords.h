@@ -67,4 +67,9 @@ namespace kt {
 // block gets the size of the block it will get.
 KTCORE_API DWORD ServedResourceSize(HMODULE module, SuppResource* record);
 
+// Forgets the records of a module that is unloaded: another module may come
+// to its address with handles of the same values. The records themselves
+// stay, since a caller may still hold one.
+KTCORE_API void ForgetModuleResources(HMODULE module);
+
 }  // namespace kt
