@@ -124,5 +124,23 @@ TEST(Render, LongerTextsOverflowAndTheFittedLayoutMakesRoomForThem) {
         EXPECT_GE(EdgesOf(fitted, right).at(0), label[2]) << "control " << right;
 }
 
+TEST(Render, CommandLinesAreAnswered) {
+    const struct {
+        Arguments args;
+        int status;
+        const char* says;
+    } answers[] = {
+        {{"render", "--help"}, kSuccess, "usage: kttool render"},
+        {{"fit", "--help"}, kSuccess, "usage: kttool fit"},
+        {{"render", kDialogsModule}, kFailure, "needs at least one MODULE and -o"},
+        {{"fit", kDialogsModule, "-o", "out.dlg"}, kFailure, "--wld"},
+    };
+    for (const auto& answer : answers) {
+        const ToolRun run = RunKtTool(answer.args);
+        EXPECT_EQ(run.status, answer.status) << answer.says;
+        EXPECT_NE((run.out + run.err).find(answer.says), std::string::npos) << run.out << run.err;
+    }
+}
+
 }  // namespace
 }  // namespace kttool::test

@@ -1,6 +1,6 @@
 // render: every dialog of the modules as a translated application shows it,
 // written as a picture, and the controls whose texts do not fit.
-#include <windows.h>
+#include <filesystem>
 
 #include "tools/kttool/CommandLine.h"
 #include "tools/kttool/Commands.h"
@@ -38,7 +38,8 @@ int RunRender(const Arguments& args, std::ostream& out, std::ostream& err) {
         throw UsageError("render needs at least one MODULE and -o DIR");
     LoadTranslation(line.Value("--wld", ""), line.Value("--dlg", ""));
     const std::string pictures = line.Value("-o", "");
-    CreateDirectoryA(pictures.c_str(), nullptr);
+    std::error_code unmade;  // a directory that cannot be made fails at the first picture
+    std::filesystem::create_directories(pictures, unmade);
     int status = kSuccess;
     for (const std::string& path : line.Operands()) {
         for (const RenderedDialog& dialog : RenderDialogs(path, pictures)) {
