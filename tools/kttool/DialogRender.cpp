@@ -100,13 +100,6 @@ void PumpMessages(DWORD milliseconds) {
     }
 }
 
-std::wstring TextOf(HWND window) {
-    const int length = GetWindowTextLengthW(window);
-    std::wstring text(static_cast<size_t>(length) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), length + 1)));
-    return text;
-}
-
 RECT PlaceIn(HWND dialog, HWND control) {
     RECT place;
     GetWindowRect(control, &place);
@@ -144,7 +137,7 @@ void Measure(HWND dialog, RenderedDialog& rendered, std::vector<RECT>& outlines)
         if (missing == 0)
             continue;
         const int dialogUnits = (missing * 4 + rendered.fourUnits - 1) / rendered.fourUnits;
-        rendered.overflows.push_back({position, dialogUnits, TextOf(control)});
+        rendered.overflows.push_back({position, dialogUnits, WindowText(control)});
         outlines.push_back(PlaceInPicture(dialog, control));
     }
 }

@@ -104,11 +104,9 @@ int WrappedWidth(HDC dc, const std::wstring& text, int width, int height, UINT f
 
 int MissingWidth(HWND dialog, HWND control, HFONT font) {
     const TextPlace place = PlaceOf(control);
-    const int length = GetWindowTextLengthW(control);
-    if (place.measure == Measure::None || length == 0)
+    const std::wstring text = WindowText(control);
+    if (place.measure == Measure::None || text.empty())
         return 0;
-    std::wstring text(static_cast<size_t>(length) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(control, text.data(), length + 1)));
 
     RECT margin = {0, 0, place.margin, 0};
     MapDialogRect(dialog, &margin);
@@ -127,6 +125,13 @@ int MissingWidth(HWND dialog, HWND control, HFONT font) {
     SelectObject(dc, previous);
     ReleaseDC(control, dc);
     return needed > width ? needed - width : 0;
+}
+
+std::wstring WindowText(HWND window) {
+    const int length = GetWindowTextLengthW(window);
+    std::wstring text(static_cast<size_t>(length) + 1, L'\0');
+    text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), length + 1)));
+    return text;
 }
 
 }  // namespace kttool

@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 namespace kttool {
 
 // The pixels of width that `control` lacks for its text in `font`; 0 where
@@ -14,5 +16,8 @@ namespace kttool {
 // ellipsis on purpose). `dialog` converts the controls' margins from dialog
 // units.
 int MissingWidth(HWND dialog, HWND control, HFONT font);
+
+// The window's whole text.
+std::wstring WindowText(HWND window);
 
 }  // namespace kttool
