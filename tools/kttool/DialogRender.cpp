@@ -74,10 +74,15 @@ TemplateCopy ServedTemplate(const void* resource, size_t size, const std::string
 // Made a hidden top-level window, whatever the dialog is in its module: a
 // child dialog has no parent here.
 void MakeHiddenPopup(TemplateCopy& tmpl) {
+    if (tmpl.empty())
+        return;  // the dialog manager refuses it
     auto* bytes = reinterpret_cast<std::uint8_t*>(tmpl.data());
     WORD signature = 0;
     std::memcpy(&signature, bytes + sizeof(WORD), sizeof signature);
-    std::uint8_t* field = bytes + (signature == kExtendedSignature ? kExtendedStyleOffset : 0);
+    const size_t offset = signature == kExtendedSignature ? kExtendedStyleOffset : 0;
+    if (tmpl.size() * sizeof(DWORD) < offset + sizeof(DWORD))
+        return;  // too short for its header: the dialog manager refuses it
+    std::uint8_t* field = bytes + offset;
     DWORD style = 0;
     std::memcpy(&style, field, sizeof style);
     if ((style & WS_CHILD) != 0)
