@@ -7,7 +7,7 @@
 #include "AppIds.h"
 #include "MainDialog.h"
 #include "Report.h"
-#include "WindowPicture.h"
+#include "tools/picture/WindowPicture.h"
 
 namespace {
 

@@ -10,7 +10,7 @@ namespace kttool {
 
 // Exit statuses.
 constexpr int kSuccess = 0;
-constexpr int kFindings = 1;  // check: something was found
+constexpr int kFindings = 1;  // check: something was found; render: a text overflows
 constexpr int kFailure = 2;   // bad command line or input
 
 using Arguments = std::vector<std::string>;
@@ -18,6 +18,10 @@ using Arguments = std::vector<std::string>;
 int RunExtract(const Arguments& args, std::ostream& out, std::ostream& err);
 int RunCheck(const Arguments& args, std::ostream& out, std::ostream& err);
 int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err);
+#if defined(_WIN32)
+int RunRender(const Arguments& args, std::ostream& out, std::ostream& err);
+int RunFit(const Arguments& args, std::ostream& out, std::ostream& err);
+#endif
 
 // The program: the subcommand's name, then its arguments.
 int RunTool(const Arguments& args, std::ostream& out, std::ostream& err);

@@ -119,9 +119,11 @@ Bytes ReadWholeFile(const std::string& path) {
     return bytes;
 }
 
+std::string ModuleFileName(const std::string& path) { return path.substr(path.find_last_of(":\\/") + 1); }
+
 Module ReadModule(const std::string& path) {
     Module module;
-    module.fileName = path.substr(path.find_last_of(":\\/") + 1);
+    module.fileName = ModuleFileName(path);
     size_t nextScope = 1;
     try {
         module.texts = TextsOfResources(ReadPeResources(ReadWholeFile(path)), nextScope);

@@ -30,6 +30,9 @@ struct Module {
 // "app.dll dialog 100 control 3": where a text of module `fileName` stands.
 std::string WhereOf(const std::string& fileName, const ModuleText& text);
 
+// The path behind its last separator.
+std::string ModuleFileName(const std::string& path);
+
 // Throws FormatError for a malformed image or resource, std::runtime_error
 // for a file that cannot be read.
 Module ReadModule(const std::string& path);

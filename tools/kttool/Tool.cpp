@@ -17,8 +17,14 @@ constexpr char kHelp[] =
     "  extract MODULE... -o FILE.wld   every text of the modules as a skeleton\n"
     "  check FILE.wld MODULE...        what the dictionary misses or gets wrong\n"
     "  pseudo FILE.wld -o OUT.wld      pseudo-translated values, for testing\n"
+#if defined(_WIN32)
+    "  render MODULE... -o DIR         the translated dialogs as pictures, and\n"
+    "                                  the texts that do not fit\n"
+    "  fit MODULE... --wld F -o F.dlg  layouts that make the texts fit\n"
+#endif
     "\n"
-    "Exit status: 0 done, 1 check found something, 2 bad command line or input.\n";
+    "Exit status: 0 done, 1 check or render found something, 2 bad command line\n"
+    "or input.\n";
 
 using Command = int (*)(const Arguments&, std::ostream&, std::ostream&);
 
@@ -29,6 +35,12 @@ Command CommandNamed(const std::string& name) {
         return RunCheck;
     if (name == "pseudo")
         return RunPseudo;
+#if defined(_WIN32)
+    if (name == "render")
+        return RunRender;
+    if (name == "fit")
+        return RunFit;
+#endif
     return nullptr;
 }
 

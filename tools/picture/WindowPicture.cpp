@@ -1,10 +1,11 @@
-#include "WindowPicture.h"
+#include "tools/picture/WindowPicture.h"
 
 #include <wincodec.h>
 
 namespace {
 
 constexpr WORD kBitsPerPixel = 32;
+constexpr COLORREF kOutlineColour = RGB(255, 0, 0);
 
 // Releases a COM interface at the end of its scope.
 template <class Interface>
@@ -29,7 +30,14 @@ struct Pixels {
     }
 };
 
-bool CopyPixels(HWND window, Pixels& pixels) {
+void DrawOutlines(HDC dc, const std::vector<RECT>& outlines) {
+    HBRUSH brush = CreateSolidBrush(kOutlineColour);
+    for (const RECT& outline : outlines)
+        FrameRect(dc, &outline, brush);
+    DeleteObject(brush);
+}
+
+bool CopyPixels(HWND window, const std::vector<RECT>& outlines, Pixels& pixels) {
     RECT frame;
     GetWindowRect(window, &frame);
     pixels.width = frame.right - frame.left;
@@ -48,6 +56,7 @@ bool CopyPixels(HWND window, Pixels& pixels) {
     if (pixels.bitmap != nullptr) {
         HGDIOBJ previous = SelectObject(memoryDc, pixels.bitmap);
         copied = BitBlt(memoryDc, 0, 0, pixels.width, pixels.height, windowDc, 0, 0, SRCCOPY) != 0;
+        DrawOutlines(memoryDc, outlines);
         SelectObject(memoryDc, previous);
     }
     DeleteDC(memoryDc);
@@ -94,9 +103,9 @@ HRESULT Encode(const Pixels& pixels, const wchar_t* pngPath) {
 
 }  // namespace
 
-bool SaveWindowPicture(HWND window, const wchar_t* pngPath) {
+bool SaveWindowPicture(HWND window, const wchar_t* pngPath, const std::vector<RECT>& outlines) {
     Pixels pixels;
-    if (!CopyPixels(window, pixels))
+    if (!CopyPixels(window, outlines, pixels))
         return false;
     const HRESULT initialised = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     const bool saved = SUCCEEDED(Encode(pixels, pngPath));
