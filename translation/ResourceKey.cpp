@@ -95,10 +95,16 @@ bool kt::ModuleKeyStart(HMODULE module, HashedText& start) {
     return true;
 }
 
+// Every string load of a patched module makes one: the few units are folded
+// into the start's hash one by one, as the keys' hash takes them.
 kt::HashedText kt::ResourceKeyPrefix(HashedText moduleStart, unsigned kind, unsigned id) {
+    constexpr DWORD kHashFactor = 257;
     KTWCHAR text[32];
-    *PutNumber(PutKind(text, kind), id) = 0;
-    return Joined(moduleStart, HashText(text));
+    const KTWCHAR* end = PutNumber(PutKind(text, kind), id);
+    HashedText prefix = moduleStart;
+    for (const KTWCHAR* unit = text; unit != end; ++unit, ++prefix.length)
+        prefix.hash = prefix.hash * kHashFactor + static_cast<WORD>(*unit);
+    return prefix;
 }
 
 DWORD Supp_HashKey(const char* key) {

@@ -4,6 +4,7 @@
 // only what a walk gives back. New entries go to the front of their chain.
 #pragma once
 
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <type_traits>
@@ -171,7 +172,7 @@ public:
     static constexpr DWORD kTableMark = 6502;
 
     explicit CTMap(IHeap* heap = nullptr, DWORD tableSize = 127)
-        : heap(heap), tableSize(tableSize) {}
+        : heap(heap), tableSize(tableSize), bucketStep(~std::uint64_t{0} / tableSize + 1) {}
     CTMap(const CTMap&) = delete;
     CTMap& operator=(const CTMap&) = delete;
     virtual ~CTMap() { RemoveAll(); }
@@ -308,7 +309,16 @@ protected:
 
     Node** Bucket(DWORD hash) {
         CreateTable();
-        return &table[hash % tableSize];
+        return &table[BucketOf(hash)];
+    }
+
+    // hash % tableSize by two multiplications: every lookup takes one, and a
+    // division by a size known only at run time costs as much as the rest of
+    // a lookup (the remainder of a 32-bit number by way of the fraction
+    // 2^64 / tableSize, exact for every 32-bit hash and size).
+    DWORD BucketOf(DWORD hash) const {
+        const std::uint64_t fraction = bucketStep * hash;
+        return static_cast<DWORD>((static_cast<unsigned __int128>(fraction) * tableSize) >> 64);
     }
 
     // A closed map has no table, and gets none: its destructor would not free
@@ -356,6 +366,7 @@ protected:
     DWORD count = 0;
     IHeap* heap;
     DWORD tableSize;
+    std::uint64_t bucketStep;  // 2^64 / tableSize, rounded up
     DWORD tableMark = 0;
     DWORD closing = 0;
 };
