@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "kticore/translation/Translation.h"
 #include "tests/support/WideText.h"
@@ -106,6 +107,33 @@ TEST(Lookup, KeyedBufferPrefersThePrefixedText) {
     char narrow[32] = "lookup-menu";
     EXPECT_EQ(Supp_TranslateKeyedA(narrow, sizeof narrow, "mod.dll#2#8", 0), 5u);
     EXPECT_STREQ(narrow, "plain");
+}
+
+// The wide keyed lookup finds prefix + text by joining their hashes: texts
+// of every length the hash takes in steps of four, and the key limit, where
+// prefix and text of 1,024 units go to the plain text.
+TEST(Lookup, KeyedBufferFindsEveryLengthOfTextUpToTheKeyLimit) {
+    const std::string prefix = "join.dll#3#1";
+    const std::string atLimit(1023 - prefix.size(), 'j');
+    const std::string pastLimit = atLimit + "j";
+    Define((prefix + atLimit).c_str(), "at limit");
+    Define((prefix + pastLimit).c_str(), "past limit, keyed");
+    Define(pastLimit.c_str(), "past limit, plain");
+    std::vector<std::pair<std::string, std::string>> cases = {{atLimit, "at limit"},
+                                                              {pastLimit, "past limit, plain"}};
+    for (size_t length = 1; length <= 9; ++length) {
+        const std::string text = std::string("abcdefghi").substr(0, length);
+        const std::string translation = "joined " + std::to_string(length);
+        Define((prefix + text).c_str(), translation.c_str());
+        cases.emplace_back(text, translation);
+    }
+    for (const auto& [text, translation] : cases) {
+        std::vector<KTWCHAR> buffer(1100);
+        const WideString wide = W(text.c_str());
+        std::char_traits<KTWCHAR>::copy(buffer.data(), wide.c_str(), wide.size() + 1);
+        EXPECT_EQ(Supp_TranslateKeyedW(buffer.data(), 1100, W(prefix.c_str()).c_str(), 0), translation.size());
+        EXPECT_EQ(Wide(buffer.data()), W(translation.c_str())) << text.size();
+    }
 }
 
 TEST(Lookup, BufferTranslationFitsWholeCharacters) {
