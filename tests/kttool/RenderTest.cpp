@@ -22,8 +22,12 @@ ToolRun RunProgram(const Arguments& args, const std::string& outputPath) {
     for (const std::string& arg : args)
         command += " \"" + arg + "\"";
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-    HANDLE output = CreateFileA(outputPath.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
-                                FILE_ATTRIBUTE_NORMAL, nullptr);
+    // Shared with writers too: under load, Wine may close the last run's
+    // handle on the file only after its process is reported gone.
+    HANDLE output = CreateFileA(outputPath.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                &inherited, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (output == INVALID_HANDLE_VALUE)
+        return {static_cast<int>(kFailure + 1), "cannot make " + outputPath, {}};
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
