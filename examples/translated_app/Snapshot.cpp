@@ -14,18 +14,6 @@ namespace {
 // Long enough for the window manager to map and paint the dialog.
 constexpr DWORD kPaintMilliseconds = 500;
 
-void PumpMessages(DWORD milliseconds) {
-    const ULONGLONG until = GetTickCount64() + milliseconds;
-    MSG message;
-    while (GetTickCount64() < until) {
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
-        Sleep(10);
-    }
-}
-
 }  // namespace
 
 int RunSnapshot(const wchar_t* pngPath) {

@@ -12,6 +12,7 @@
 #include "tools/kttool/TextRoom.h"
 #include "tools/kttool/WldText.h"
 #include "tools/picture/WindowPicture.h"
+#include "translation/DialogTemplate.h"
 #include "translation/DialogLayouts.h"
 #include "translation/Lookup.h"
 #include "translation/WldFile.h"
@@ -21,12 +22,6 @@ namespace {
 
 // Long enough for the dialog and its controls to paint.
 constexpr DWORD kPaintMilliseconds = 200;
-constexpr DWORD kPumpStepMilliseconds = 10;
-
-// Where the style lies in a template: first in the classic form, behind the
-// version, signature, help id and extended style in the extended one.
-constexpr WORD kExtendedSignature = 0xFFFF;
-constexpr size_t kExtendedStyleOffset = 12;
 
 constexpr KTWCHAR kLayoutExtension[] = KTW("dlg");
 
@@ -78,8 +73,8 @@ void MakeHiddenPopup(TemplateCopy& tmpl) {
         return;  // the dialog manager refuses it
     auto* bytes = reinterpret_cast<std::uint8_t*>(tmpl.data());
     WORD signature = 0;
-    std::memcpy(&signature, bytes + sizeof(WORD), sizeof signature);
-    const size_t offset = signature == kExtendedSignature ? kExtendedStyleOffset : 0;
+    std::memcpy(&signature, bytes + kt::kSignatureOffset, sizeof signature);
+    const size_t offset = signature == kt::kExtendedSignature ? kt::kExtendedForm.style : kt::kClassicForm.style;
     if (tmpl.size() * sizeof(DWORD) < offset + sizeof(DWORD))
         return;  // too short for its header: the dialog manager refuses it
     std::uint8_t* field = bytes + offset;
@@ -92,18 +87,6 @@ void MakeHiddenPopup(TemplateCopy& tmpl) {
 }
 
 INT_PTR CALLBACK DoNothing(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
-
-void PumpMessages(DWORD milliseconds) {
-    const ULONGLONG until = GetTickCount64() + milliseconds;
-    MSG message;
-    while (GetTickCount64() < until) {
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
-        Sleep(kPumpStepMilliseconds);
-    }
-}
 
 RECT PlaceIn(HWND dialog, HWND control) {
     RECT place;

@@ -113,3 +113,16 @@ bool SaveWindowPicture(HWND window, const wchar_t* pngPath, const std::vector<RE
         CoUninitialize();
     return saved;
 }
+
+void PumpMessages(DWORD milliseconds) {
+    constexpr DWORD kPumpStepMilliseconds = 10;
+    const ULONGLONG until = GetTickCount64() + milliseconds;
+    MSG message;
+    while (GetTickCount64() < until) {
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+        Sleep(kPumpStepMilliseconds);
+    }
+}

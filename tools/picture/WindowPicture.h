@@ -11,3 +11,7 @@
 // `outlines` (in the window's own coordinates, its frame's top left at 0,0)
 // drawn over them in red. False when any step fails.
 bool SaveWindowPicture(HWND window, const wchar_t* pngPath, const std::vector<RECT>& outlines = {});
+
+// Dispatches the thread's messages for `milliseconds`, so that a window just
+// shown is mapped and painted before its picture is taken.
+void PumpMessages(DWORD milliseconds);
