@@ -8,6 +8,7 @@
 
 #include "kticore/core/Map.h"
 #include "kticore/translation/Translation.h"
+#include "strings/WideSteps.h"
 #include "translation/SuppDictionary.h"
 
 namespace {
@@ -47,16 +48,23 @@ void CopyPadded(Unit* buffer, unsigned capacity, const Unit* text, size_t length
     std::fill(buffer + copied, buffer + capacity, Unit(0));
 }
 
-// What a keyed translation leaves in the buffer: `found`, cut to fit unless
-// only measured; the length of `found`, or 0 for none.
+size_t LengthOfFound(const char* found) { return LengthOf(found); }
+size_t LengthOfFound(const KTWCHAR* found) { return kt::WideLength(found); }
+
+// What a keyed translation leaves in the buffer: `found`, of `length`
+// units, cut to fit unless only measured; that length, or 0 for none.
 template <class Unit>
-unsigned Deliver(Unit* buffer, unsigned capacity, const Unit* found, int measure) {
+unsigned Deliver(Unit* buffer, unsigned capacity, const Unit* found, size_t length, int measure) {
     if (found == nullptr)
         return 0;
-    const size_t length = LengthOf(found);
     if (measure == 0 && found != buffer)
         CopyPadded(buffer, capacity, found, length);
     return static_cast<unsigned>(length);
+}
+
+template <class Unit>
+unsigned Deliver(Unit* buffer, unsigned capacity, const Unit* found, int measure) {
+    return Deliver(buffer, capacity, found, found != nullptr ? LengthOfFound(found) : 0, measure);
 }
 
 }  // namespace
@@ -126,56 +134,35 @@ unsigned Supp_TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const KTWCHAR*
     return kt::TranslateKeyedW(buffer, capacity, &hashed, measure);
 }
 
-kt::HashedText kt::HashText(const KTWCHAR* text) {
-    HashedText hashed;
-    hashed.hash = CTMapKey<const KTWCHAR*>::Hash(text, hashed.length);
-    return hashed;
-}
-
-namespace {
-
-// 257 to the powers below the longest key: the hash is h * 257 + unit over
-// the text, so a front's hash is shifted by 257 to the power of the length
-// of what follows it.
-struct HashShifts {
-    DWORD power[kKeyedCapacityW];
-    constexpr HashShifts() : power() {
-        power[0] = 1;
-        for (unsigned n = 1; n < kKeyedCapacityW; ++n)
-            power[n] = power[n - 1] * 257;
-    }
-};
-constexpr HashShifts kHashShifts;
-
-DWORD HashShift(size_t length) {
-    if (length < kKeyedCapacityW)
-        return kHashShifts.power[length];
-    DWORD shift = 1;
-    for (DWORD base = 257, exponent = static_cast<DWORD>(length); exponent != 0; exponent >>= 1, base *= base)
-        if (exponent & 1)
-            shift *= base;
-    return shift;
-}
-
-}  // namespace
-
-kt::HashedText kt::Joined(HashedText front, HashedText back) {
-    return {front.hash * HashShift(back.length) + back.hash, front.length + back.length};
+kt::KeyedChances kt::ChancesOf(const KTWCHAR* text, size_t length, size_t prefixLength) {
+    const KeyTailFilter& keyTails = SuppDictionary().keyTails;
+    const size_t keyedLength = prefixLength != 0 ? prefixLength + length : 0;
+    return {keyedLength != 0 && keyedLength < kKeyedCapacityW && keyTails.MayHold(keyedLength, text, length),
+            length != 0 && keyTails.MayHold(length, text, length)};
 }
 
 // A wide key is found by the hash of prefix and text joined, without
-// composing them; the order and the limit are those of the narrow form.
+// composing them; the order and the limit are those of the narrow form. A
+// text is hashed only for a lookup that may find it.
 unsigned kt::TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const HashedText* prefix, int measure) {
+    const size_t length = WideLength(buffer);
+    const KeyedChances chances = ChancesOf(buffer, length, prefix != nullptr ? prefix->length : 0);
+    return TranslateKeyedW(buffer, length, chances, capacity, prefix, measure);
+}
+
+unsigned kt::TranslateKeyedW(KTWCHAR* buffer, size_t length, KeyedChances chances, unsigned capacity,
+                             const HashedText* prefix, int measure) {
     CSuppDictionary& dictionary = SuppDictionary();
-    const HashedText text = HashText(buffer);
+    const HashedText text = chances.Any() ? HashText(buffer, length) : HashedText{0, length};
     const KTWCHAR* found = nullptr;
-    const size_t keyedLength = prefix != nullptr ? prefix->length + text.length : 0;
-    if (keyedLength != 0 && keyedLength < kKeyedCapacityW)
+    if (chances.keyed)
         if (CContext* entry = dictionary.FindHash(Joined(*prefix, text).hash))
             found = entry->WideForm();
-    if (found == nullptr && text.length != 0) {
-        CContext* entry = dictionary.FindHash(text.hash);
-        found = entry != nullptr ? entry->WideForm() : buffer;
+    if (found == nullptr && length != 0) {
+        CContext* entry = chances.plain ? dictionary.FindHash(text.hash) : nullptr;
+        if (entry == nullptr)
+            return Deliver(buffer, capacity, buffer, length, measure);
+        found = entry->WideForm();
     }
     return Deliver(buffer, capacity, found, measure);
 }

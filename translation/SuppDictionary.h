@@ -9,6 +9,7 @@
 #include "kticore/core/Map.h"
 #include "kticore/strings/XString.h"
 #include "kticore/strings/XStringW.h"
+#include "translation/KeyTailFilter.h"
 
 namespace kt {
 
@@ -80,6 +81,8 @@ struct KTCORE_API CSuppDictionary {
     BYTE replaceFont = 1;
     HFONT font = nullptr;
     CTMap<const KTWCHAR*, CContext*> texts{nullptr, kTextBuckets};
+    // The endings of every key offered to `texts`.
+    KeyTailFilter keyTails;
     CTMap<int, KTDlgPos*> dialogs;
 };
 

@@ -4,6 +4,7 @@
 
 #include "kticore/translation/Interception.h"
 #include "kticore/translation/Translation.h"
+#include "strings/WideSteps.h"
 #include "translation/Lookup.h"
 #include "translation/intercept/Interceptors.h"
 #include "translation/intercept/ModuleKeyStarts.h"
@@ -52,14 +53,20 @@ int WINAPI LoadStringA(HINSTANCE module, UINT id, LPSTR buffer, int capacity) {
 
 // The wide form is on the path of every text a patched module shows: the
 // prefix is joined from the module's remembered key start by its hash, with
-// no file name read and no key composed.
+// no file name read and no key composed, and only for a text that a key of
+// the dictionary may match.
 int WINAPI LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int capacity) {
     return LoadTranslatedString(KT_REAL(LoadStringW), [&](bool hasBlock) {
         HashedText start;
         if (!hasBlock || !RememberedModuleKeyStart(module, start))
             return TranslateKeyedW(buffer, static_cast<unsigned>(capacity), nullptr, 0);
+        const size_t length = WideLength(buffer);
+        const KeyedChances chances =
+            ChancesOf(buffer, length, ResourceKeyPrefixLength(start, kSuppKindString, BlockOf(id)));
+        if (!chances.Any())
+            return static_cast<unsigned>(length);
         const HashedText prefix = ResourceKeyPrefix(start, kSuppKindString, BlockOf(id));
-        return TranslateKeyedW(buffer, static_cast<unsigned>(capacity), &prefix, 0);
+        return TranslateKeyedW(buffer, length, chances, static_cast<unsigned>(capacity), &prefix, 0);
     }, module, id, buffer, capacity);
 }
 

@@ -1,0 +1,56 @@
+// The hash of a wide text as the dictionary hashes its keys: h * 257 + unit
+// over the text, in 32 bits, and the hash of two texts joined from theirs.
+#include "kticore/core/Map.h"
+#include "strings/WideSteps.h"
+#include "translation/Lookup.h"
+
+namespace {
+
+constexpr DWORD kHashFactor = 257;
+
+// 257 to the powers below the longest key: a front's hash is shifted by 257
+// to the power of the length of what follows it.
+struct HashShifts {
+    DWORD power[kKeyedCapacityW];
+    constexpr HashShifts() : power() {
+        power[0] = 1;
+        for (unsigned n = 1; n < kKeyedCapacityW; ++n)
+            power[n] = power[n - 1] * kHashFactor;
+    }
+};
+constexpr HashShifts kHashShifts;
+
+DWORD HashShift(size_t length) {
+    if (length < kKeyedCapacityW)
+        return kHashShifts.power[length];
+    DWORD shift = 1;
+    for (DWORD base = kHashFactor, exponent = static_cast<DWORD>(length); exponent != 0; exponent >>= 1, base *= base)
+        if (exponent & 1)
+            shift *= base;
+    return shift;
+}
+
+// Four units a step over a text of known length: the products of a step do
+// not wait on each other. Its factors are constants, not a table: the real
+// LoadString before a lookup leaves little of the library in the cache.
+DWORD KnownLengthHash(const KTWCHAR* text, size_t length) {
+    constexpr DWORD k1 = kHashFactor, k2 = k1 * k1, k3 = k2 * k1, k4 = k3 * k1;
+    const auto unit = [text](size_t n) { return static_cast<DWORD>(static_cast<WORD>(text[n])); };
+    DWORD hash = 0;
+    size_t n = 0;
+    for (; n + 4 <= length; n += 4)
+        hash = hash * k4 + unit(n) * k3 + unit(n + 1) * k2 + unit(n + 2) * k1 + unit(n + 3);
+    for (; n < length; ++n)
+        hash = hash * k1 + unit(n);
+    return hash;
+}
+
+}  // namespace
+
+kt::HashedText kt::HashText(const KTWCHAR* text, size_t length) { return {KnownLengthHash(text, length), length}; }
+
+kt::HashedText kt::HashText(const KTWCHAR* text) { return HashText(text, WideLength(text)); }
+
+kt::HashedText kt::Joined(HashedText front, HashedText back) {
+    return {front.hash * HashShift(back.length) + back.hash, front.length + back.length};
+}
