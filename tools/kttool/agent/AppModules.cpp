@@ -1,0 +1,151 @@
+#include "tools/kttool/agent/AppModules.h"
+
+#include <windows.h>
+#include <psapi.h>
+
+#include <cwctype>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "kticore/translation/Interception.h"
+#include "kticore/translation/Translation.h"
+
+namespace kttool::agent {
+namespace {
+
+constexpr char kLoaderLibrary[] = "kernel32.dll";
+
+// The module that holds `address`.
+HMODULE ModuleOf(const void* address) {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       static_cast<LPCWSTR>(address), &module);
+    return module;
+}
+
+std::wstring Lower(std::wstring text) {
+    for (wchar_t& character : text)
+        character = static_cast<wchar_t>(std::towlower(character));
+    return text;
+}
+
+std::wstring PathOf(HMODULE module) {
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            return Lower(path);
+        }
+        path.resize(path.size() * 2);
+    }
+}
+
+std::wstring WindowsDirectory() {
+    wchar_t path[MAX_PATH] = {};
+    GetSystemWindowsDirectoryW(path, MAX_PATH);
+    return Lower(path) + L"\\";
+}
+
+// The application's own: not the system's, not the library, not the agent.
+bool BelongsToApplication(HMODULE module) {
+    static const std::wstring system = WindowsDirectory();
+    static const HMODULE library = ModuleOf(reinterpret_cast<const void*>(&Supp_InitResTranslation));
+    static const HMODULE agent = ModuleOf(reinterpret_cast<const void*>(&TakeNewModules));
+    return module != library && module != agent && PathOf(module).compare(0, system.size(), system) != 0;
+}
+
+std::vector<HMODULE> LoadedModules() {
+    std::vector<HMODULE> modules(64);
+    for (;;) {
+        DWORD needed = 0;
+        const DWORD capacity = static_cast<DWORD>(modules.size() * sizeof(HMODULE));
+        if (!EnumProcessModules(GetCurrentProcess(), modules.data(), capacity, &needed))
+            return {};
+        if (needed <= capacity) {
+            modules.resize(needed / sizeof(HMODULE));
+            return modules;
+        }
+        modules.resize(needed / sizeof(HMODULE));
+    }
+}
+
+// The system's loader functions, as the modules imported them.
+struct Loaders {
+    decltype(&LoadLibraryA) loadA;
+    decltype(&LoadLibraryW) loadW;
+    decltype(&LoadLibraryExA) loadExA;
+    decltype(&LoadLibraryExW) loadExW;
+};
+
+template <class Function>
+Function Exported(const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(kLoaderLibrary), name)));
+}
+
+const Loaders& RealLoaders() {
+    static const Loaders loaders = {
+        Exported<decltype(&LoadLibraryA)>("LoadLibraryA"),
+        Exported<decltype(&LoadLibraryW)>("LoadLibraryW"),
+        Exported<decltype(&LoadLibraryExA)>("LoadLibraryExA"),
+        Exported<decltype(&LoadLibraryExW)>("LoadLibraryExW"),
+    };
+    return loaders;
+}
+
+// A load that brought a module, or found one loaded, is followed by a look
+// for modules not yet taken: a library's own imports come with it.
+HMODULE Watched(HMODULE loaded) {
+    if (loaded != nullptr)
+        TakeNewModules();
+    return loaded;
+}
+
+HMODULE WINAPI WatchedLoadLibraryA(LPCSTR name) { return Watched(RealLoaders().loadA(name)); }
+HMODULE WINAPI WatchedLoadLibraryW(LPCWSTR name) { return Watched(RealLoaders().loadW(name)); }
+HMODULE WINAPI WatchedLoadLibraryExA(LPCSTR name, HANDLE file, DWORD flags) {
+    return Watched(RealLoaders().loadExA(name, file, flags));
+}
+HMODULE WINAPI WatchedLoadLibraryExW(LPCWSTR name, HANDLE file, DWORD flags) {
+    return Watched(RealLoaders().loadExW(name, file, flags));
+}
+
+void Take(HMODULE module) {
+    Supp_InitResTranslation(module);
+    const struct {
+        const char* name;
+        void* replacement;
+    } kWatches[] = {
+        {"LoadLibraryA", reinterpret_cast<void*>(&WatchedLoadLibraryA)},
+        {"LoadLibraryW", reinterpret_cast<void*>(&WatchedLoadLibraryW)},
+        {"LoadLibraryExA", reinterpret_cast<void*>(&WatchedLoadLibraryExA)},
+        {"LoadLibraryExW", reinterpret_cast<void*>(&WatchedLoadLibraryExW)},
+    };
+    for (const auto& watch : kWatches)
+        HookProc_Install(module, kLoaderLibrary, watch.name, watch.replacement);
+}
+
+std::mutex takingModules;
+// Each module as it was last seen loaded: one unloaded and another loaded
+// at its address is taken again.
+std::set<HMODULE> takenModules;
+
+}  // namespace
+
+void TakeNewModules() {
+    RealLoaders();  // before any import entry leads to a replacement
+    std::lock_guard<std::mutex> taking(takingModules);
+    std::set<HMODULE> loaded;
+    for (HMODULE module : LoadedModules()) {
+        if (!BelongsToApplication(module))
+            continue;
+        loaded.insert(module);
+        if (takenModules.count(module) == 0)
+            Take(module);
+    }
+    takenModules.swap(loaded);
+}
+
+}  // namespace kttool::agent
