@@ -11,9 +11,10 @@ constexpr wchar_t kWindowClass[] = L"NotesWindow";
 constexpr int kTextCapacity = 256;
 constexpr int kWidth = 480;
 constexpr int kHeight = 320;
-// Written in the code, not in the resources.
-constexpr wchar_t kAboutText[] = L"Notes keeps short notes.";
-constexpr wchar_t kAboutCaption[] = L"About Notes";
+// Written in the code, not in the resources, and narrow: the library
+// translates the message boxes of the ANSI functions.
+constexpr char kAboutText[] = "Notes keeps short notes.";
+constexpr char kAboutCaption[] = "About Notes";
 
 HMODULE App() { return GetModuleHandleW(nullptr); }
 
@@ -67,7 +68,7 @@ INT_PTR OpenNoteDialog(HWND owner, DLGPROC procedure, LPARAM parameter) {
     return DialogBoxParamW(App(), MAKEINTRESOURCEW(IDD_NOTE), owner, procedure, parameter);
 }
 
-void ShowAbout(HWND owner) { MessageBoxW(owner, kAboutText, kAboutCaption, MB_OK | MB_ICONINFORMATION); }
+void ShowAbout(HWND owner) { MessageBoxA(owner, kAboutText, kAboutCaption, MB_OK | MB_ICONINFORMATION); }
 
 HMODULE PrintModule() { return LoadLibraryW(NOTES_PRINT_MODULE); }
 

@@ -28,7 +28,7 @@ void ReadWindow(HWND window, Report& report) {
     ReadMenu(GetMenu(window), ItemName(App(), "menu", IDM_MAIN, "window"), report);
     DialogRead note = {&report, ItemName(App(), "dialog", IDD_NOTE, "DialogBoxParamW")};
     OpenNoteDialog(window, ReadModalDialog, reinterpret_cast<LPARAM>(&note));
-    ReadMessageBox(ItemName(App(), "box", 0, "MessageBoxW"), report, [window] { ShowAbout(window); });
+    ReadMessageBox(ItemName(App(), "box", 0, "MessageBoxA"), report, [window] { ShowAbout(window); });
 }
 
 // What printing brings: the module, loaded only now, its dialog and its
