@@ -102,6 +102,15 @@ SuspendedApp::SuspendedApp(const std::wstring& executable, const std::vector<std
     if (!CreateProcessW(executable.c_str(), line.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr, nullptr,
                         &startup, &process))
         throw std::runtime_error("cannot start the application: " + SystemMessage(GetLastError()));
+    // kticore and the agent are 64-bit modules, and the loader's address
+    // taken here is a 64-bit process's.
+    BOOL emulated = FALSE;
+    if (IsWow64Process(process.hProcess, &emulated) && emulated) {
+        TerminateProcess(process.hProcess, ERROR_CANCELLED);
+        CloseHandle(process.hThread);
+        CloseHandle(process.hProcess);
+        throw std::runtime_error("a 32-bit application cannot be run translated");
+    }
 }
 
 SuspendedApp::~SuspendedApp() {
