@@ -70,13 +70,11 @@ INT_PTR OpenNoteDialog(HWND owner, DLGPROC procedure, LPARAM parameter) {
 
 void ShowAbout(HWND owner) { MessageBoxA(owner, kAboutText, kAboutCaption, MB_OK | MB_ICONINFORMATION); }
 
-HMODULE PrintModule() { return LoadLibraryW(NOTES_PRINT_MODULE); }
+HMODULE PrintModule() { return LoadLibraryW(kPrintModule); }
 
 INT_PTR OpenPrintDialog(HWND owner, DLGPROC procedure, LPARAM parameter) {
     HMODULE module = PrintModule();
-    const auto open = module != nullptr
-                          ? reinterpret_cast<PrintDialogBox>(reinterpret_cast<void*>(GetProcAddress(module, NOTES_PRINT_DIALOG)))
-                          : nullptr;
+    const auto open = module != nullptr ? PrintFunction<PrintDialogBox>(module, kPrintDialogBox) : nullptr;
     return open != nullptr ? open(owner, procedure, parameter) : -1;
 }
 

@@ -35,13 +35,13 @@ void ReadWindow(HWND window, Report& report) {
 // string.
 bool ReadPrinting(HWND window, Report& report) {
     report[ItemName(App(), "module", 0, "print module loaded at start")] =
-        GetModuleHandleW(NOTES_PRINT_MODULE) != nullptr ? L"yes" : L"no";
+        GetModuleHandleW(kPrintModule) != nullptr ? L"yes" : L"no";
     HMODULE print = PrintModule();
     if (print == nullptr)
         return false;
     DialogRead dialog = {&report, ItemName(print, "dialog", IDD_PRINT, "DialogBoxParamW")};
     OpenPrintDialog(window, ReadModalDialog, reinterpret_cast<LPARAM>(&dialog));
-    const auto loadString = reinterpret_cast<PrintLoadString>(reinterpret_cast<void*>(GetProcAddress(print, NOTES_PRINT_STRING)));
+    const auto loadString = PrintFunction<PrintLoadString>(print, kPrintLoadString);
     wchar_t text[kTextCapacity] = {};
     loadString(IDS_PRINT_DONE, text, kTextCapacity);
     report[ItemName(print, "string", IDS_PRINT_DONE, "LoadStringW")] = text;

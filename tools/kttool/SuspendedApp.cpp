@@ -48,10 +48,7 @@ std::wstring FileName(const std::wstring& path) {
 
 std::wstring PathOf(HANDLE process, HMODULE module) {
     wchar_t path[MAX_PATH] = {};
-    if (process == GetCurrentProcess())
-        GetModuleFileNameW(module, path, MAX_PATH);
-    else
-        GetModuleFileNameExW(process, module, path, MAX_PATH);
+    GetModuleFileNameExW(process, module, path, MAX_PATH);
     return path;
 }
 
