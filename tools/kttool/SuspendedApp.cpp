@@ -4,9 +4,14 @@
 
 #include <cwctype>
 #include <stdexcept>
+#include <string>
 
 namespace kttool {
 namespace {
+
+// A load or the agent's start takes well under a second; a thread that has
+// not ended by then is stuck, in a process that will be ended.
+constexpr DWORD kCallMilliseconds = 60000;
 
 std::string SystemMessage(DWORD error) {
     char* text = nullptr;
@@ -138,10 +143,13 @@ DWORD SuspendedApp::Call(LPTHREAD_START_ROUTINE start, const void* data, size_t 
     HANDLE thread = CreateRemoteThread(process.hProcess, nullptr, 0, start, argument.Address(), 0, nullptr);
     if (thread == nullptr)
         throw std::runtime_error("cannot run a thread in the application: " + SystemMessage(GetLastError()));
-    WaitForSingleObject(thread, INFINITE);
+    const DWORD waited = WaitForSingleObject(thread, kCallMilliseconds);
     DWORD code = 0;
     GetExitCodeThread(thread, &code);
     CloseHandle(thread);
+    if (waited != WAIT_OBJECT_0)
+        throw std::runtime_error("the application did not answer within " +
+                                 std::to_string(kCallMilliseconds / 1000) + " seconds");
     return code;
 }
 
