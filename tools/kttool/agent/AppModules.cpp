@@ -129,23 +129,33 @@ void Take(HMODULE module) {
 
 std::mutex takingModules;
 // Each module as it was last seen loaded: one unloaded and another loaded
-// at its address is taken again.
+// at its address is taken again. Taking a module twice changes nothing.
 std::set<HMODULE> takenModules;
+
+// The application's modules loaded now that were not when last seen.
+std::vector<HMODULE> Untaken(const std::vector<HMODULE>& application) {
+    std::set<HMODULE> loaded(application.begin(), application.end());
+    std::vector<HMODULE> untaken;
+    std::lock_guard<std::mutex> taking(takingModules);
+    for (HMODULE module : loaded)
+        if (takenModules.count(module) == 0)
+            untaken.push_back(module);
+    takenModules.swap(loaded);
+    return untaken;
+}
 
 }  // namespace
 
 void TakeNewModules() {
     RealLoaders();  // before any import entry leads to a replacement
-    std::lock_guard<std::mutex> taking(takingModules);
-    std::set<HMODULE> loaded;
-    for (HMODULE module : LoadedModules()) {
-        if (!BelongsToApplication(module))
-            continue;
-        loaded.insert(module);
-        if (takenModules.count(module) == 0)
-            Take(module);
-    }
-    takenModules.swap(loaded);
+    // The loader is asked outside the lock: a thread in a module's DllMain
+    // holds the loader's own lock while its load waits here.
+    std::vector<HMODULE> application;
+    for (HMODULE module : LoadedModules())
+        if (BelongsToApplication(module))
+            application.push_back(module);
+    for (HMODULE module : Untaken(application))
+        Take(module);
 }
 
 }  // namespace kttool::agent
