@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "kticore/translation/Translation.h"
+#include "platform/Module.h"
 #include "tools/kttool/AnsiText.h"
 #include "tools/kttool/CommandLine.h"
 #include "tools/kttool/Commands.h"
@@ -62,16 +63,9 @@ void RequireReadable(const std::string& path) {
         throw std::runtime_error(path + ": cannot be read");
 }
 
-HMODULE ModuleOf(const void* address) {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       static_cast<LPCWSTR>(address), &module);
-    return module;
-}
-
 std::wstring PathOf(HMODULE module) {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(module, path, MAX_PATH);
+    KTWCHAR path[kt::sys::kModulePathCapacity] = {};
+    kt::sys::ModuleFileNameW(module, path);
     return path;
 }
 
@@ -121,8 +115,8 @@ int RunRun(const Arguments& args, std::ostream& out, std::ostream&) {
         arguments.push_back(Wide(*arg));
     SuspendedApp app(Wide(executable), arguments);
     // The agent imports kticore: the library goes first, from beside kttool.
-    const HMODULE library = ModuleOf(reinterpret_cast<const void*>(&Supp_IsTranslationEnable));
-    const HMODULE agent = ModuleOf(reinterpret_cast<const void*>(&KtAgent_Start));
+    const HMODULE library = kt::sys::ModuleContaining(reinterpret_cast<const void*>(&Supp_IsTranslationEnable));
+    const HMODULE agent = kt::sys::ModuleContaining(reinterpret_cast<const void*>(&KtAgent_Start));
     if (!app.Load(PathOf(library)) || !app.Load(PathOf(agent)))
         throw std::runtime_error("kticore and kttool's agent cannot be loaded into " + executable);
     const std::wstring paths = AgentArgument(line.wld, line.dlg);

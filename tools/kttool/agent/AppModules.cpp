@@ -11,19 +11,12 @@
 
 #include "kticore/translation/Interception.h"
 #include "kticore/translation/Translation.h"
+#include "platform/Module.h"
 
 namespace kttool::agent {
 namespace {
 
 constexpr char kLoaderLibrary[] = "kernel32.dll";
-
-// The module that holds `address`.
-HMODULE ModuleOf(const void* address) {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       static_cast<LPCWSTR>(address), &module);
-    return module;
-}
 
 std::wstring Lower(std::wstring text) {
     for (wchar_t& character : text)
@@ -32,15 +25,9 @@ std::wstring Lower(std::wstring text) {
 }
 
 std::wstring PathOf(HMODULE module) {
-    std::wstring path(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
-        if (length < path.size()) {
-            path.resize(length);
-            return Lower(path);
-        }
-        path.resize(path.size() * 2);
-    }
+    KTWCHAR path[kt::sys::kModulePathCapacity] = {};
+    kt::sys::ModuleFileNameW(module, path);
+    return Lower(path);
 }
 
 std::wstring WindowsDirectory() {
@@ -52,8 +39,8 @@ std::wstring WindowsDirectory() {
 // The application's own: not the system's, not the library, not the agent.
 bool BelongsToApplication(HMODULE module) {
     static const std::wstring system = WindowsDirectory();
-    static const HMODULE library = ModuleOf(reinterpret_cast<const void*>(&Supp_InitResTranslation));
-    static const HMODULE agent = ModuleOf(reinterpret_cast<const void*>(&TakeNewModules));
+    static const HMODULE library = kt::sys::ModuleContaining(reinterpret_cast<const void*>(&Supp_InitResTranslation));
+    static const HMODULE agent = kt::sys::ModuleContaining(reinterpret_cast<const void*>(&TakeNewModules));
     return module != library && module != agent && PathOf(module).compare(0, system.size(), system) != 0;
 }
 
@@ -82,7 +69,7 @@ struct Loaders {
 
 template <class Function>
 Function Exported(const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(kLoaderLibrary), name)));
+    return reinterpret_cast<Function>(kt::sys::FindExport(GetModuleHandleA(kLoaderLibrary), name));
 }
 
 const Loaders& RealLoaders() {
