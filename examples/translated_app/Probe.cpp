@@ -12,6 +12,7 @@
 #include "Forms.h"
 #include "MainDialog.h"
 #include "Panel.h"
+#include "Reading.h"
 #include "Report.h"
 #include "kticore/translation/Interception.h"
 #include "kticore/translation/Translation.h"
@@ -19,9 +20,6 @@
 namespace {
 
 constexpr int kTextCapacity = 256;
-constexpr UINT kReadNow = WM_APP;
-constexpr int kMessageBoxTextId = 0xFFFF;  // the static that holds a message box's text
-constexpr wchar_t kDialogClass[] = L"#32770";
 constexpr unsigned kStressThreads = 4;
 const LPCWSTR kDialogTypeW = MAKEINTRESOURCEW(5);  // RT_DIALOG
 
@@ -88,27 +86,6 @@ void ReadMenus(Report& report) {
     DestroyMenu(panel);
 }
 
-struct DialogRead {
-    Report* report;
-    std::string item;
-};
-
-// A modal dialog is read once its own message loop runs, then ended.
-INT_PTR CALLBACK ModalProbeProc(HWND dialog, UINT message, WPARAM, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-        SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-        PostMessageW(dialog, kReadNow, 0, 0);
-        return TRUE;
-    }
-    if (message == kReadNow) {
-        const auto* read = reinterpret_cast<const DialogRead*>(GetWindowLongPtrW(dialog, DWLP_USER));
-        ReadDialog(dialog, read->item, *read->report);
-        EndDialog(dialog, IDOK);
-        return TRUE;
-    }
-    return FALSE;
-}
-
 INT_PTR CALLBACK ModelessProc(HWND, UINT message, WPARAM, LPARAM) { return message == WM_INITDIALOG; }
 
 // Each way of opening a dialog: a modal way returns once the dialog was read,
@@ -124,20 +101,20 @@ struct Opening {
 
 const Opening kOpenings[] = {
     {"DialogBoxParamA", false,
-     [](LPARAM read) { return DialogBoxParamA(App(), MAKEINTRESOURCEA(IDD_MAIN), nullptr, ModalProbeProc, read); },
+     [](LPARAM read) { return DialogBoxParamA(App(), MAKEINTRESOURCEA(IDD_MAIN), nullptr, ReadModalDialog, read); },
      nullptr},
     {"DialogBoxParamW", false,
-     [](LPARAM read) { return DialogBoxParamW(App(), MAKEINTRESOURCEW(IDD_MAIN), nullptr, ModalProbeProc, read); },
+     [](LPARAM read) { return DialogBoxParamW(App(), MAKEINTRESOURCEW(IDD_MAIN), nullptr, ReadModalDialog, read); },
      nullptr},
     {"DialogBoxIndirectParamA", true,
      [](LPARAM read) {
          const auto* form = reinterpret_cast<LPCDLGTEMPLATEA>(Forms_Template(IDD_FORM));
-         return DialogBoxIndirectParamA(Forms(), form, nullptr, ModalProbeProc, read);
+         return DialogBoxIndirectParamA(Forms(), form, nullptr, ReadModalDialog, read);
      },
      nullptr},
     {"DialogBoxIndirectParamW", true,
      [](LPARAM read) {
-         return DialogBoxIndirectParamW(Forms(), Forms_Template(IDD_FORM), nullptr, ModalProbeProc, read);
+         return DialogBoxIndirectParamW(Forms(), Forms_Template(IDD_FORM), nullptr, ReadModalDialog, read);
      },
      nullptr},
     {"CreateDialogParamA", false, nullptr,
@@ -180,27 +157,7 @@ void ReadDialogs(Report& report) {
         DestroyWindow(dialog);
     }
     DialogRead panel = {&report, ItemName(Panel(), "dialog", IDD_PANEL, "DialogBoxParamW")};
-    Panel_DialogBox(nullptr, ModalProbeProc, reinterpret_cast<LPARAM>(&panel));
-}
-
-// The message box being read on this thread: read when it is activated, then
-// closed.
-thread_local DialogRead* boxRead = nullptr;
-
-LRESULT CALLBACK ReadMessageBox(int code, WPARAM wParam, LPARAM lParam) {
-    HWND box = reinterpret_cast<HWND>(wParam);
-    wchar_t windowClass[16] = {};
-    if (code == HCBT_ACTIVATE && boxRead != nullptr && GetClassNameW(box, windowClass, 16) &&
-        std::wcscmp(windowClass, kDialogClass) == 0) {
-        wchar_t text[kTextCapacity] = {};
-        GetWindowTextW(box, text, kTextCapacity);
-        (*boxRead->report)[boxRead->item + "/caption"] = text;
-        GetDlgItemTextW(box, kMessageBoxTextId, text, kTextCapacity);
-        (*boxRead->report)[boxRead->item + "/text"] = text;
-        boxRead = nullptr;
-        PostMessageW(box, WM_COMMAND, IDOK, 0);
-    }
-    return CallNextHookEx(nullptr, code, wParam, lParam);
+    Panel_DialogBox(nullptr, ReadModalDialog, reinterpret_cast<LPARAM>(&panel));
 }
 
 void ReadMessageBoxes(Report& report) {
@@ -220,14 +177,8 @@ void ReadMessageBoxes(Report& report) {
              MessageBoxIndirectA(&params);
          }},
     };
-    HHOOK hook = SetWindowsHookExW(WH_CBT, ReadMessageBox, nullptr, GetCurrentThreadId());
-    for (const auto& box : kBoxes) {
-        DialogRead read = {&report, ItemName(App(), "box", 0, box.way)};
-        boxRead = &read;
-        box.show();
-        boxRead = nullptr;
-    }
-    UnhookWindowsHookEx(hook);
+    for (const auto& box : kBoxes)
+        ReadMessageBox(ItemName(App(), "box", 0, box.way), report, box.show);
 }
 
 // Everything but the message boxes, which the stress run leaves out.

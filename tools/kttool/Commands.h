@@ -21,6 +21,7 @@ int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err);
 #if defined(_WIN32)
 int RunRender(const Arguments& args, std::ostream& out, std::ostream& err);
 int RunFit(const Arguments& args, std::ostream& out, std::ostream& err);
+int RunRun(const Arguments& args, std::ostream& out, std::ostream& err);
 #endif
 
 // The program: the subcommand's name, then its arguments.

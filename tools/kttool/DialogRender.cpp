@@ -7,6 +7,7 @@
 #include "kticore/core/Exception.h"
 #include "kticore/strings/XString.h"
 #include "kticore/translation/DialogTemplates.h"
+#include "tools/kttool/AnsiText.h"
 #include "tools/kttool/ModuleTexts.h"
 #include "tools/kttool/ResourceKeys.h"
 #include "tools/kttool/TextRoom.h"
@@ -24,13 +25,6 @@ namespace {
 constexpr DWORD kPaintMilliseconds = 200;
 
 constexpr KTWCHAR kLayoutExtension[] = KTW("dlg");
-
-std::wstring Wide(const std::string& narrow) {
-    const int length = MultiByteToWideChar(CP_ACP, 0, narrow.data(), static_cast<int>(narrow.size()), nullptr, 0);
-    std::wstring wide(static_cast<size_t>(length), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, narrow.data(), static_cast<int>(narrow.size()), wide.data(), length);
-    return wide;
-}
 
 BOOL CALLBACK AddName(HMODULE, LPCWSTR, LPWSTR name, LONG_PTR names) {
     reinterpret_cast<std::vector<ResourceName>*>(names)->push_back(

@@ -21,6 +21,8 @@ constexpr char kHelp[] =
     "  render MODULE... -o DIR         the translated dialogs as pictures, and\n"
     "                                  the texts that do not fit\n"
     "  fit MODULE... --wld F -o F.dlg  layouts that make the texts fit\n"
+    "  run APP.exe [ARGS...] --wld F   an application translated, though it was\n"
+    "                                  never built for it\n"
 #endif
     "\n"
     "Exit status: 0 done, 1 check or render found something, 2 bad command line\n"
@@ -40,6 +42,8 @@ Command CommandNamed(const std::string& name) {
         return RunRender;
     if (name == "fit")
         return RunFit;
+    if (name == "run")
+        return RunRun;
 #endif
     return nullptr;
 }

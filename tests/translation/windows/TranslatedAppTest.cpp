@@ -17,6 +17,7 @@
 
 #include "examples/translated_app/AppIds.h"
 #include "kticore/translation/Translation.h"
+#include "tests/support/AppReport.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ScratchDirectory.h"
 #include "tests/translation/TemplateWalker.h"
@@ -29,21 +30,6 @@ constexpr char kApp[] = "translated_app.exe";
 constexpr char kForms[] = "order_forms.dll";
 constexpr int kStressSeconds = 10;
 constexpr unsigned kStressThreads = 4;
-
-// Item texts by item name ("<module>|<kind>|<id>|<detail>"), by phase.
-using Items = std::map<std::string, std::wstring>;
-using Phases = std::map<std::string, Items>;
-
-// The fields of `text` between `separator`s.
-template <class Text>
-std::vector<Text> Split(const Text& text, typename Text::value_type separator) {
-    std::vector<Text> fields;
-    size_t start = 0;
-    for (size_t end; (end = text.find(separator, start)) != Text::npos; start = end + 1)
-        fields.push_back(text.substr(start, end - start));
-    fields.push_back(text.substr(start));
-    return fields;
-}
 
 // One item name taken apart.
 struct Item {
@@ -74,21 +60,6 @@ std::string VariantDirectory(const char* variant) {
     std::string directory(path);
     directory.erase(directory.find_last_of("\\/") + 1);
     return directory + KT_TRANSLATED_APP_FROM_TESTS + "/" + variant + "/";
-}
-
-std::string Ascii(const std::wstring& text) { return std::string(text.begin(), text.end()); }
-
-// Lines "<phase>\t<item>\t<text>" in UTF-16.
-Phases ParseReport(const WideString& path) {
-    const std::string bytes = ContentOf(path);
-    const std::wstring text(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t));
-    Phases phases;
-    for (const std::wstring& line : Split(text, L'\n')) {
-        const std::vector<std::wstring> fields = Split(line, L'\t');
-        if (fields.size() == 3)
-            phases[Ascii(fields[0])][Ascii(fields[1])] = fields[2];
-    }
-    return phases;
 }
 
 // The application's report after it ran with `arguments` and a report file.

@@ -1,6 +1,6 @@
-// What the application shows, read back from its live windows and menus:
-// texts and rectangles by item name, for the probe, the stress run and the
-// snapshot. Not part of the application proper.
+// What an example application shows, read back from its live windows and
+// menus: texts and rectangles by item name, for its test modes and the
+// demo. Not part of an application proper.
 //
 // An item name is "<module file>|<kind>|<resource id>|<detail>", kind one of
 // string, notrans, menu, dialog, box; a dialog's detail is "<path>/caption",
