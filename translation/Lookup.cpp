@@ -147,24 +147,26 @@ kt::KeyedChances kt::ChancesOf(const KTWCHAR* text, size_t length, size_t prefix
 unsigned kt::TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const HashedText* prefix, int measure) {
     const size_t length = WideLength(buffer);
     const KeyedChances chances = ChancesOf(buffer, length, prefix != nullptr ? prefix->length : 0);
-    return TranslateKeyedW(buffer, length, chances, capacity, prefix, measure);
+    const KTWCHAR* found = FindKeyedW(buffer, length, chances, prefix);
+    if (found == nullptr)
+        return Deliver(buffer, capacity, length != 0 ? buffer : nullptr, length, measure);
+    return Deliver(buffer, capacity, found, measure);
 }
 
-unsigned kt::TranslateKeyedW(KTWCHAR* buffer, size_t length, KeyedChances chances, unsigned capacity,
-                             const HashedText* prefix, int measure) {
+const KTWCHAR* kt::FindKeyedW(const KTWCHAR* text, size_t length, KeyedChances chances, const HashedText* prefix) {
     CSuppDictionary& dictionary = SuppDictionary();
-    const HashedText text = chances.Any() ? HashText(buffer, length) : HashedText{0, length};
-    const KTWCHAR* found = nullptr;
+    const HashedText hashed = chances.Any() ? HashText(text, length) : HashedText{0, length};
     if (chances.keyed)
-        if (CContext* entry = dictionary.FindHash(Joined(*prefix, text).hash))
-            found = entry->WideForm();
-    if (found == nullptr && length != 0) {
-        CContext* entry = chances.plain ? dictionary.FindHash(text.hash) : nullptr;
-        if (entry == nullptr)
-            return Deliver(buffer, capacity, buffer, length, measure);
-        found = entry->WideForm();
-    }
-    return Deliver(buffer, capacity, found, measure);
+        if (CContext* entry = dictionary.FindHash(Joined(*prefix, hashed).hash))
+            return entry->WideForm();
+    if (chances.plain)
+        if (CContext* entry = dictionary.FindHash(hashed.hash))
+            return entry->WideForm();
+    return nullptr;
+}
+
+unsigned kt::DeliverW(KTWCHAR* buffer, unsigned capacity, const KTWCHAR* translation, size_t length) {
+    return Deliver(buffer, capacity, translation, length, 0);
 }
 
 const KTWCHAR* Supp_Translate(const KTWCHAR* text) {

@@ -88,9 +88,13 @@ KTCORE_API KeyedChances ChancesOf(const KTWCHAR* text, size_t length, size_t pre
 
 // Supp_TranslateKeyedW with the prefix known by its hash; null for none.
 KTCORE_API unsigned TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const HashedText* prefix, int measure);
-// The same on a text whose length and chances are known.
-KTCORE_API unsigned TranslateKeyedW(KTWCHAR* buffer, size_t length, KeyedChances chances, unsigned capacity,
-                                    const HashedText* prefix, int measure);
+// The translation the keyed order finds for a text whose length and
+// chances are known, or null.
+KTCORE_API const KTWCHAR* FindKeyedW(const KTWCHAR* text, size_t length, KeyedChances chances,
+                                     const HashedText* prefix);
+// A translation of `length` units into `buffer`, as the keyed order
+// delivers it; that length.
+KTCORE_API unsigned DeliverW(KTWCHAR* buffer, unsigned capacity, const KTWCHAR* translation, size_t length);
 
 }  // namespace kt
 

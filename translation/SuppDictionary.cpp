@@ -86,6 +86,7 @@ CContext* CSuppDictionary::Add(const CXString& key, const CXString& value) {
         return existing;
     CContext* entry = new CContext(key, value);
     texts.Set(wideKey, entry);
+    generation.fetch_add(1, std::memory_order_release);
     return entry;
 }
 

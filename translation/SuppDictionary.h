@@ -83,6 +83,10 @@ struct KTCORE_API CSuppDictionary {
     CTMap<const KTWCHAR*, CContext*> texts{nullptr, kTextBuckets};
     // The endings of every key offered to `texts`.
     KeyTailFilter keyTails;
+    // Grows after each entry is added, and when a module goes (its keys
+    // start with its name): what a lookup found holds while this stays as
+    // it was before the lookup.
+    std::atomic<unsigned> generation{0};
     CTMap<int, KTDlgPos*> dialogs;
 };
 

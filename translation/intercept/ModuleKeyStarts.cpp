@@ -9,6 +9,7 @@
 #include "platform/CriticalSection.h"
 #include "platform/GuardedCopy.h"
 #include "translation/ResourceRecords.h"
+#include "translation/intercept/RecentStrings.h"
 
 namespace kt {
 namespace {
@@ -103,6 +104,7 @@ void CALLBACK OnModuleNotice(ULONG reason, const ModuleNotice* notice, void*) {
     if (slot.module.load(std::memory_order_relaxed) == module)
         Write(slot, nullptr, 0, {});
     ForgetModuleResources(module);
+    ForgetRecentStrings();
 }
 
 using RegisterNotification = LONG(NTAPI*)(ULONG, decltype(&OnModuleNotice), void*, void**);
@@ -153,6 +155,11 @@ bool RememberedModuleKeyStart(HMODULE module, HashedText& start) {
     if (identity != 0 && unloadWatch.Watching())
         Write(slot, module, identity, start);
     return true;
+}
+
+bool RememberableIdentity(HMODULE module, std::uint64_t& identity) {
+    identity = IdentityOf(module);
+    return identity != 0 && unloadWatch.Watching();
 }
 
 }  // namespace kt

@@ -8,6 +8,7 @@
 #include "translation/Lookup.h"
 #include "translation/intercept/Interceptors.h"
 #include "translation/intercept/ModuleKeyStarts.h"
+#include "translation/intercept/RecentStrings.h"
 
 namespace kt::intercept {
 namespace {
@@ -25,8 +26,8 @@ unsigned BlockOf(UINT id) { return id / kStringsPerBlock + 1; }
 // of a copy: that is passed through as it is.
 bool IsCopied(const void* buffer, int capacity) { return buffer != nullptr && capacity > 0; }
 
-// The real string in the caller's buffer, then `translate(hasBlock)` on it:
-// a string of a block is keyed by the block's prefix.
+// The real string in the caller's buffer, then `translate(hasBlock, loaded)`
+// on it: a string of a block is keyed by the block's prefix.
 template <class Unit, class Real, class Translate>
 int LoadTranslatedString(Real real, Translate translate, HINSTANCE module, UINT id, Unit* buffer, int capacity) {
     const int loaded = real(module, id, buffer, capacity);
@@ -37,13 +38,13 @@ int LoadTranslatedString(Real real, Translate translate, HINSTANCE module, UINT 
         buffer[0] = 0;
         return 0;
     }
-    return static_cast<int>(translate(HasBlock(id)));
+    return static_cast<int>(translate(HasBlock(id), loaded));
 }
 
 }  // namespace
 
 int WINAPI LoadStringA(HINSTANCE module, UINT id, LPSTR buffer, int capacity) {
-    return LoadTranslatedString(KT_REAL(LoadStringA), [&](bool hasBlock) {
+    return LoadTranslatedString(KT_REAL(LoadStringA), [&](bool hasBlock, int) {
         char prefix[kKeyPrefixRoom] = {};
         if (hasBlock)
             Supp_MakeKeyA(module, reinterpret_cast<const void*>(std::uintptr_t{BlockOf(id)}), prefix, kSuppKindString);
@@ -51,22 +52,47 @@ int WINAPI LoadStringA(HINSTANCE module, UINT id, LPSTR buffer, int capacity) {
     }, module, id, buffer, capacity);
 }
 
-// The wide form is on the path of every text a patched module shows: the
-// prefix is joined from the module's remembered key start by its hash, with
-// no file name read and no key composed, and only for a text that a key of
+namespace {
+
+// A wide string of a block: its outcome remembered by module and id, else
+// the keyed order with the block's prefix, joined from the module's
+// remembered key start by its hash and made only for a text that a key of
 // the dictionary may match.
-int WINAPI LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int capacity) {
-    return LoadTranslatedString(KT_REAL(LoadStringW), [&](bool hasBlock) {
+unsigned TranslateStringOfBlock(HMODULE module, UINT id, KTWCHAR* buffer, unsigned capacity, int loaded) {
+    StringSource source = {module, 0, id, RecentStringsGeneration()};
+    const bool rememberable = RememberableIdentity(module, source.identity);
+    StringOutcome outcome;
+    if (!rememberable || !RecallString(source, buffer, loaded, outcome)) {
         HashedText start;
-        if (!hasBlock || !RememberedModuleKeyStart(module, start))
-            return TranslateKeyedW(buffer, static_cast<unsigned>(capacity), nullptr, 0);
+        if (!RememberedModuleKeyStart(module, start))
+            return TranslateKeyedW(buffer, capacity, nullptr, 0);
         const size_t length = WideLength(buffer);
-        const KeyedChances chances =
-            ChancesOf(buffer, length, ResourceKeyPrefixLength(start, kSuppKindString, BlockOf(id)));
-        if (!chances.Any())
+        const unsigned block = BlockOf(id);
+        const KeyedChances chances = ChancesOf(buffer, length, ResourceKeyPrefixLength(start, kSuppKindString, block));
+        if (chances.Any()) {
+            const HashedText prefix = ResourceKeyPrefix(start, kSuppKindString, block);
+            outcome.translation = FindKeyedW(buffer, length, chances, &prefix);
+            outcome.translationLength = outcome.translation != nullptr ? WideLength(outcome.translation) : 0;
+        }
+        if (rememberable)
+            RememberString(source, buffer, length, loaded, outcome);
+        if (outcome.translation == nullptr)
             return static_cast<unsigned>(length);
-        const HashedText prefix = ResourceKeyPrefix(start, kSuppKindString, BlockOf(id));
-        return TranslateKeyedW(buffer, length, chances, static_cast<unsigned>(capacity), &prefix, 0);
+    }
+    if (outcome.translation == nullptr)
+        return static_cast<unsigned>(loaded);
+    return DeliverW(buffer, capacity, outcome.translation, outcome.translationLength);
+}
+
+}  // namespace
+
+// The wide form is on the path of every text a patched module shows.
+int WINAPI LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int capacity) {
+    return LoadTranslatedString(KT_REAL(LoadStringW), [&](bool hasBlock, int loaded) {
+        if (!hasBlock)
+            return TranslateKeyedW(buffer, static_cast<unsigned>(capacity), nullptr, 0);
+        const HMODULE resolved = module != nullptr ? module : GetModuleHandleW(nullptr);
+        return TranslateStringOfBlock(resolved, id, buffer, static_cast<unsigned>(capacity), loaded);
     }, module, id, buffer, capacity);
 }
 

@@ -80,20 +80,32 @@ TEST_F(Interception, StringsPreferTheEntryKeyedByTheirBlock) {
     EXPECT_EQ(std::wstring(source), L"it.Keyed");
 }
 
-// String 1 of a module translated as `translation`, as LoadStringW gives it
-// and as its block, found and loaded by hand, holds it; the module is
-// unloaded after.
+// A string loaded again shows what the dictionary learnt meanwhile, and a
+// buffer that cuts it gives the cut text its own lookup.
+TEST_F(Interception, AStringLoadedAgainShowsWhatTheDictionaryLearntMeanwhile) {
+    wchar_t wide[64] = {};
+    ASSERT_EQ(LoadStringW(ThisModule(), 321, wide, 64), 8);
+    EXPECT_EQ(std::wstring(wide), L"it.Later");
+    AddTranslations({{"it.Later", "Spaeter"}, {"it.Lat", "Cut"}});
+    for (int again = 0; again < 2; ++again) {
+        EXPECT_EQ(LoadStringW(ThisModule(), 321, wide, 64), 7);
+        EXPECT_EQ(std::wstring(wide), L"Spaeter");
+    }
+    EXPECT_EQ(LoadStringW(ThisModule(), 321, wide, 7), 3);
+    EXPECT_EQ(std::wstring(wide), L"Cut");
+}
+
+// String 1 of a module translated as the dictionary has it for its file, as
+// LoadStringW gives it and as its block, found and loaded by hand, holds
+// it; the module is unloaded after.
 struct ShownString {
     HMODULE module;
     std::wstring loaded;
     std::wstring served;
 };
 
-ShownString ShowString(const char* file, DWORD flags, const char* translation) {
+ShownString ShowString(const char* file, DWORD flags) {
     const HMODULE module = LoadLibraryExA(file, nullptr, flags);
-    char prefix[kKeyPrefixRoom] = {};
-    Supp_MakeKeyA(module, MAKEINTRESOURCEA(1), prefix, kSuppKindString);
-    AddTranslations({{(std::string(prefix) + "pt.Text").c_str(), translation}});
     ShownString shown{module, {}, {}};
     wchar_t text[32] = {};
     LoadStringW(module, 1, text, 32);
@@ -120,8 +132,12 @@ TEST_F(Interception, AModuleLoadedWhereAnotherWasShowsItsOwnKeys) {
     } cases[] = {{KT_PATCH_TWIN_FILE, 0, true}, {KT_PATCH_OTHER_FILE, DONT_RESOLVE_DLL_REFERENCES, false}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.later);
-        const ShownString first = ShowString(KT_PATCH_TARGET_FILE, c.flags, "First");
-        const ShownString later = ShowString(c.later, c.flags, c.later);
+        // Both known before either is loaded: nothing tells the second from
+        // the first but its name.
+        AddTranslations({{(std::string(KT_PATCH_TARGET_FILE) + "#3#1pt.Text").c_str(), "First"},
+                         {(std::string(c.later) + "#3#1pt.Text").c_str(), c.later}});
+        const ShownString first = ShowString(KT_PATCH_TARGET_FILE, c.flags);
+        const ShownString later = ShowString(c.later, c.flags);
         const std::string expected(c.later);
         EXPECT_EQ(first.loaded, L"First");
         EXPECT_EQ(later.loaded, std::wstring(expected.begin(), expected.end()));
