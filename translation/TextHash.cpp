@@ -30,24 +30,11 @@ DWORD HashShift(size_t length) {
     return shift;
 }
 
-// Four units a step over a text of known length: the products of a step do
-// not wait on each other. Its factors are constants, not a table: the real
-// LoadString before a lookup leaves little of the library in the cache.
-DWORD KnownLengthHash(const KTWCHAR* text, size_t length) {
-    constexpr DWORD k1 = kHashFactor, k2 = k1 * k1, k3 = k2 * k1, k4 = k3 * k1;
-    const auto unit = [text](size_t n) { return static_cast<DWORD>(static_cast<WORD>(text[n])); };
-    DWORD hash = 0;
-    size_t n = 0;
-    for (; n + 4 <= length; n += 4)
-        hash = hash * k4 + unit(n) * k3 + unit(n + 1) * k2 + unit(n + 2) * k1 + unit(n + 3);
-    for (; n < length; ++n)
-        hash = hash * k1 + unit(n);
-    return hash;
-}
-
 }  // namespace
 
-kt::HashedText kt::HashText(const KTWCHAR* text, size_t length) { return {KnownLengthHash(text, length), length}; }
+kt::HashedText kt::HashText(const KTWCHAR* text, size_t length) {
+    return {CTMapKey<const KTWCHAR*>::HashOfLength(text, length), length};
+}
 
 kt::HashedText kt::HashText(const KTWCHAR* text) { return HashText(text, WideLength(text)); }
 
