@@ -134,32 +134,23 @@ unsigned Supp_TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const KTWCHAR*
     return kt::TranslateKeyedW(buffer, capacity, &hashed, measure);
 }
 
-kt::KeyedChances kt::ChancesOf(const KTWCHAR* text, size_t length, size_t prefixLength) {
-    const KeyTailFilter& keyTails = SuppDictionary().keyTails;
-    const size_t keyedLength = prefixLength != 0 ? prefixLength + length : 0;
-    return {keyedLength != 0 && keyedLength < kKeyedCapacityW && keyTails.MayHold(keyedLength, text, length),
-            length != 0 && keyTails.MayHold(length, text, length)};
-}
-
 // A wide key is found by the hash of prefix and text joined, without
-// composing them; the order and the limit are those of the narrow form. A
-// text is hashed only for a lookup that may find it.
+// composing them; the order and the limit are those of the narrow form.
 unsigned kt::TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const HashedText* prefix, int measure) {
-    const size_t length = WideLength(buffer);
-    const KeyedChances chances = ChancesOf(buffer, length, prefix != nullptr ? prefix->length : 0);
-    const KTWCHAR* found = FindKeyedW(buffer, length, chances, prefix);
-    if (found == nullptr)
-        return Deliver(buffer, capacity, length != 0 ? buffer : nullptr, length, measure);
-    return Deliver(buffer, capacity, found, measure);
+    HashedText text;
+    if (const KTWCHAR* found = FindKeyedW(buffer, prefix, text))
+        return Deliver(buffer, capacity, found, measure);
+    return Deliver(buffer, capacity, text.length != 0 ? buffer : nullptr, text.length, measure);
 }
 
-const KTWCHAR* kt::FindKeyedW(const KTWCHAR* text, size_t length, KeyedChances chances, const HashedText* prefix) {
+const KTWCHAR* kt::FindKeyedW(const KTWCHAR* text, const HashedText* prefix, HashedText& hashed) {
     CSuppDictionary& dictionary = SuppDictionary();
-    const HashedText hashed = chances.Any() ? HashText(text, length) : HashedText{0, length};
-    if (chances.keyed)
+    hashed = HashText(text);
+    const size_t keyedLength = prefix != nullptr ? prefix->length + hashed.length : 0;
+    if (keyedLength != 0 && keyedLength < kKeyedCapacityW)
         if (CContext* entry = dictionary.FindHash(Joined(*prefix, hashed).hash))
             return entry->WideForm();
-    if (chances.plain)
+    if (hashed.length != 0)
         if (CContext* entry = dictionary.FindHash(hashed.hash))
             return entry->WideForm();
     return nullptr;

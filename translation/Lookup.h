@@ -62,8 +62,6 @@ struct HashedText {
 };
 
 KTCORE_API HashedText HashText(const KTWCHAR* text);
-// The same for a text whose length is known.
-KTCORE_API HashedText HashText(const KTWCHAR* text, size_t length);
 // The hash of `front` followed by `back`, from theirs.
 KTCORE_API HashedText Joined(HashedText front, HashedText back);
 
@@ -72,26 +70,12 @@ KTCORE_API HashedText Joined(HashedText front, HashedText back);
 KTCORE_API bool ModuleKeyStart(HMODULE module, HashedText& start);
 // The start of a module's keys followed by "<kind>#<id>".
 KTCORE_API HashedText ResourceKeyPrefix(HashedText moduleStart, unsigned kind, unsigned id);
-// Its length alone.
-KTCORE_API size_t ResourceKeyPrefixLength(HashedText moduleStart, unsigned kind, unsigned id);
-
-// Which of the two lookups of the keyed order may find a translation of
-// `text`, of `length` units, with a prefix of `prefixLength` units (0 for
-// none). Most texts are not in the dictionary, and this answers for them
-// without hashing them.
-struct KeyedChances {
-    bool keyed;
-    bool plain;
-    bool Any() const { return keyed || plain; }
-};
-KTCORE_API KeyedChances ChancesOf(const KTWCHAR* text, size_t length, size_t prefixLength);
 
 // Supp_TranslateKeyedW with the prefix known by its hash; null for none.
 KTCORE_API unsigned TranslateKeyedW(KTWCHAR* buffer, unsigned capacity, const HashedText* prefix, int measure);
-// The translation the keyed order finds for a text whose length and
-// chances are known, or null.
-KTCORE_API const KTWCHAR* FindKeyedW(const KTWCHAR* text, size_t length, KeyedChances chances,
-                                     const HashedText* prefix);
+// The translation the keyed order finds for `text`, or null; `hashed`
+// gets the text's hash and length.
+KTCORE_API const KTWCHAR* FindKeyedW(const KTWCHAR* text, const HashedText* prefix, HashedText& hashed);
 // A translation of `length` units into `buffer`, as the keyed order
 // delivers it; that length.
 KTCORE_API unsigned DeliverW(KTWCHAR* buffer, unsigned capacity, const KTWCHAR* translation, size_t length);

@@ -107,23 +107,6 @@ kt::HashedText kt::ResourceKeyPrefix(HashedText moduleStart, unsigned kind, unsi
     return prefix;
 }
 
-namespace {
-
-// Counted, not written: asked for every string a patched module loads.
-size_t DecimalDigits(unsigned number) {
-    size_t digits = 1;
-    for (unsigned bound = 10; digits < 10 && number >= bound; bound *= 10)
-        ++digits;
-    return digits;
-}
-
-}  // namespace
-
-size_t kt::ResourceKeyPrefixLength(HashedText moduleStart, unsigned kind, unsigned id) {
-    constexpr size_t kSeparator = 1;
-    return moduleStart.length + DecimalDigits(kind) + kSeparator + DecimalDigits(id);
-}
-
 DWORD Supp_HashKey(const char* key) {
     // The case-blind hash of the maps of narrow names: h * 257 + c over the
     // bytes taken as signed, ASCII letters in lower case.

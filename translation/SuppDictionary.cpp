@@ -79,9 +79,6 @@ CContext* CSuppDictionary::FindHash(DWORD hash) {
 
 CContext* CSuppDictionary::Add(const CXString& key, const CXString& value) {
     const CXStringW wideKey(key);
-    // Also a key that loses to an earlier one of its hash: a text equal to
-    // it finds that entry.
-    keyTails.Note(wideKey, wideKey.GetLength());
     if (CContext* existing = Find(wideKey))
         return existing;
     CContext* entry = new CContext(key, value);

@@ -9,7 +9,6 @@
 #include "kticore/core/Map.h"
 #include "kticore/strings/XString.h"
 #include "kticore/strings/XStringW.h"
-#include "translation/KeyTailFilter.h"
 
 namespace kt {
 
@@ -81,8 +80,6 @@ struct KTCORE_API CSuppDictionary {
     BYTE replaceFont = 1;
     HFONT font = nullptr;
     CTMap<const KTWCHAR*, CContext*> texts{nullptr, kTextBuckets};
-    // The endings of every key offered to `texts`.
-    KeyTailFilter keyTails;
     // Grows after each entry is added, and when a module goes (its keys
     // start with its name): what a lookup found holds while this stays as
     // it was before the lookup.

@@ -1,7 +1,6 @@
 // The hash of a wide text as the dictionary hashes its keys: h * 257 + unit
 // over the text, in 32 bits, and the hash of two texts joined from theirs.
 #include "kticore/core/Map.h"
-#include "strings/WideSteps.h"
 #include "translation/Lookup.h"
 
 namespace {
@@ -32,11 +31,11 @@ DWORD HashShift(size_t length) {
 
 }  // namespace
 
-kt::HashedText kt::HashText(const KTWCHAR* text, size_t length) {
-    return {CTMapKey<const KTWCHAR*>::HashOfLength(text, length), length};
+kt::HashedText kt::HashText(const KTWCHAR* text) {
+    HashedText hashed;
+    hashed.hash = CTMapKey<const KTWCHAR*>::Hash(text, hashed.length);
+    return hashed;
 }
-
-kt::HashedText kt::HashText(const KTWCHAR* text) { return HashText(text, WideLength(text)); }
 
 kt::HashedText kt::Joined(HashedText front, HashedText back) {
     return {front.hash * HashShift(back.length) + back.hash, front.length + back.length};

@@ -7,6 +7,7 @@
 
 #include "kticore/translation/Translation.h"
 #include "tests/support/WideText.h"
+#include "strings/WideSteps.h"
 #include "translation/Lookup.h"
 #include "translation/SuppDictionary.h"
 
@@ -136,36 +137,27 @@ TEST(Lookup, KeyedBufferFindsEveryLengthOfTextUpToTheKeyLimit) {
     }
 }
 
-// A key that lost its place to an earlier one of its hash still finds that
-// entry through the keyed lookup: the quick answer for unknown texts knows
-// of it too.
-TEST(Lookup, KeyedBufferFindsTheEntryOfAKeyThatLostToItsHash) {
+// A key is its hash: a text that only shares the hash of a key finds its
+// entry through the keyed lookup as through the plain one.
+TEST(Lookup, KeyedBufferFindsAnEntryByItsHashAlone) {
     // aeaea and bagab have one hash (h = h * 257 + c in 32 bits).
     Define("lookup-aeaea", "first");
-    Define("lookup-bagab", "second");
     KTWCHAR buffer[32];
     std::char_traits<KTWCHAR>::copy(buffer, W("lookup-bagab").c_str(), 13);
-    EXPECT_EQ(Supp_TranslateKeyedW(buffer, 32, nullptr, 0), 5u);
+    EXPECT_EQ(Supp_TranslateKeyedW(buffer, 32, W("other.dll#3#1").c_str(), 0), 5u);
     EXPECT_EQ(Wide(buffer), W("first"));
 }
 
-// The hash of a text of known length, and the length found sixteen bytes a
-// step, against the map's own walk: every length around the steps, every
-// start within a step, units with the high bit set.
-TEST(Lookup, TextHashAndLengthAgreeWithTheMapAtEveryOffset) {
+// The length found sixteen bytes a step: every start within a step, every
+// length around the steps, a 0 just before the text and other units after.
+TEST(Lookup, WideLengthFindsTheTerminatorFromEveryStart) {
     alignas(16) KTWCHAR room[64];
-    for (size_t offset = 0; offset < 8; ++offset)
+    for (size_t offset = 1; offset <= 8; ++offset)
         for (size_t length = 0; length <= 40; ++length) {
-            KTWCHAR* text = room + offset;
-            for (size_t n = 0; n < length; ++n)
-                text[n] = static_cast<KTWCHAR>(n % 3 == 0 ? 0xFF00 + n : 'a' + n);
-            text[length] = 0;
-            room[63] = 0x1234;  // past the terminator, read by the steps
-            size_t mapLength = 0;
-            const DWORD mapHash = CTMapKey<const KTWCHAR*>::Hash(text, mapLength);
-            const HashedText hashed = HashText(text);
-            EXPECT_EQ(hashed.length, length) << offset;
-            EXPECT_EQ(hashed.hash, mapHash) << offset << " " << length;
+            std::char_traits<KTWCHAR>::assign(room, 64, 0x1234);
+            room[offset - 1] = 0;
+            room[offset + length] = 0;
+            EXPECT_EQ(WideLength(room + offset), length) << offset;
         }
 }
 

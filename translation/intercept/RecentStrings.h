@@ -31,18 +31,19 @@ struct StringSource {
 };
 
 // The generation of a source: what was found holds while it stays.
-unsigned RecentStringsGeneration();
+KTCORE_API unsigned RecentStringsGeneration();
 
 // The outcome remembered for `source` if `text`, as loaded (`loaded` as the
 // system counted it), is the text it was remembered for.
-bool RecallString(const StringSource& source, const KTWCHAR* text, int loaded, StringOutcome& outcome);
+KTCORE_API bool RecallString(const StringSource& source, const KTWCHAR* text, int loaded, StringOutcome& outcome);
 
 // Remembers the outcome for `text`, of `length` units; a text too long for
 // the memory, or with a 0 inside, is not kept.
-void RememberString(const StringSource& source, const KTWCHAR* text, size_t length, int loaded,
+KTCORE_API void RememberString(const StringSource& source, const KTWCHAR* text, size_t length, int loaded,
                     StringOutcome outcome);
 
-// Everything remembered is forgotten: a module went.
-void ForgetRecentStrings();
+// Everything remembered is forgotten: a module went. Exported, with the
+// rest, for the tests.
+KTCORE_API void ForgetRecentStrings();
 
 }  // namespace kt

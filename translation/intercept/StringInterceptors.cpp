@@ -56,8 +56,8 @@ namespace {
 
 // A wide string of a block: its outcome remembered by module and id, else
 // the keyed order with the block's prefix, joined from the module's
-// remembered key start by its hash and made only for a text that a key of
-// the dictionary may match.
+// remembered key start by its hash, with no file name read and no key
+// composed.
 unsigned TranslateStringOfBlock(HMODULE module, UINT id, KTWCHAR* buffer, unsigned capacity, int loaded) {
     StringSource source = {module, 0, id, RecentStringsGeneration()};
     const bool rememberable = RememberableIdentity(module, source.identity);
@@ -66,18 +66,14 @@ unsigned TranslateStringOfBlock(HMODULE module, UINT id, KTWCHAR* buffer, unsign
         HashedText start;
         if (!RememberedModuleKeyStart(module, start))
             return TranslateKeyedW(buffer, capacity, nullptr, 0);
-        const size_t length = WideLength(buffer);
-        const unsigned block = BlockOf(id);
-        const KeyedChances chances = ChancesOf(buffer, length, ResourceKeyPrefixLength(start, kSuppKindString, block));
-        if (chances.Any()) {
-            const HashedText prefix = ResourceKeyPrefix(start, kSuppKindString, block);
-            outcome.translation = FindKeyedW(buffer, length, chances, &prefix);
-            outcome.translationLength = outcome.translation != nullptr ? WideLength(outcome.translation) : 0;
-        }
+        const HashedText prefix = ResourceKeyPrefix(start, kSuppKindString, BlockOf(id));
+        HashedText text;
+        outcome.translation = FindKeyedW(buffer, &prefix, text);
+        outcome.translationLength = outcome.translation != nullptr ? WideLength(outcome.translation) : 0;
         if (rememberable)
-            RememberString(source, buffer, length, loaded, outcome);
+            RememberString(source, buffer, text.length, loaded, outcome);
         if (outcome.translation == nullptr)
-            return static_cast<unsigned>(length);
+            return static_cast<unsigned>(text.length);
     }
     if (outcome.translation == nullptr)
         return static_cast<unsigned>(loaded);

@@ -47,19 +47,6 @@ DWORD CTMapTextHash(const Unit* text, Value value, size_t& length) {
     }
 }
 
-// The same over a text of known length, without looking for its end.
-template <class Unit, class Value>
-DWORD CTMapTextHashOfLength(const Unit* text, size_t length, Value value) {
-    constexpr DWORD k1 = 257, k2 = k1 * k1, k3 = k2 * k1, k4 = k3 * k1;
-    DWORD hash = 0;
-    size_t n = 0;
-    for (; n + 4 <= length; n += 4)
-        hash = hash * k4 + value(text[n]) * k3 + value(text[n + 1]) * k2 + value(text[n + 2]) * k1 + value(text[n + 3]);
-    for (; n < length; ++n)
-        hash = hash * k1 + value(text[n]);
-    return hash;
-}
-
 template <class Unit, class Value>
 DWORD CTMapTextHash(const Unit* text, Value value) {
     size_t length;
@@ -105,12 +92,10 @@ struct CTMapKey<const KTWCHAR*> {
         return Hash(key, length);
     }
     // With the text's length, found on the way.
-    static DWORD Hash(const KTWCHAR* key, size_t& length) { return CTMapTextHash(key, UnitValue, length); }
-    // Of a text whose length is known.
-    static DWORD HashOfLength(const KTWCHAR* key, size_t length) {
-        return CTMapTextHashOfLength(key, length, UnitValue);
+    static DWORD Hash(const KTWCHAR* key, size_t& length) {
+        return CTMapTextHash(
+            key, [](KTWCHAR unit) { return static_cast<DWORD>(static_cast<WORD>(unit)); }, length);
     }
-    static DWORD UnitValue(KTWCHAR unit) { return static_cast<DWORD>(static_cast<WORD>(unit)); }
     static const KTWCHAR* Copy(const KTWCHAR* key) {
         const size_t size = std::char_traits<KTWCHAR>::length(key) + 1;
         KTWCHAR* copy = new KTWCHAR[size];
