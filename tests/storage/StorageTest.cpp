@@ -98,30 +98,33 @@ TEST(Storage, SubStoragesKeepTheRootsNameAndFlags) {
 }
 
 // A transacted root and its transacted child: the child's commit reaches the
-// root, and only the root's commit reaches the file.
+// root, only the root's commit reaches the file, and a release commits.
 TEST(Storage, TransactionsCommitAtReleaseAndRevertDropsWork) {
     ScratchDirectory directory;
     const WideString path = directory / KTW("transacted.stg");
-    {
-        StorageRef fresh(new_Storage(path.c_str(), 0));
-        WriteText(StorageRef(fresh->CreateStorage("child")).get(), "kept", "before");
-    }
+    auto kept = [&] {
+        StorageRef child(StorageRef(open_Storage(path.c_str(), 1))->OpenStorage("child"));
+        return ReadText(child.get(), "kept");
+    };
+    WriteText(StorageRef(StorageRef(new_Storage(path.c_str(), 0))->CreateStorage("child")).get(), "kept", "before");
     {
         StorageRef root(open_Storage(path.c_str(), 0));
         StorageRef child(root->OpenStorage("child"));
-        WriteText(child.get(), "kept", "after");
+        WriteText(child.get(), "kept", "child committed");
         EXPECT_EQ(child->Commit(), S_OK);
         child.reset();
         static_cast<CStorage*>(root.get())->Revert();
     }
-    EXPECT_EQ(ReadText(StorageRef(StorageRef(open_Storage(path.c_str(), 1))->OpenStorage("child")).get(), "kept"),
-              "before");
+    EXPECT_EQ(kept(), "before");
     {
         StorageRef root(open_Storage(path.c_str(), 0));
-        WriteText(StorageRef(root->OpenStorage("child")).get(), "kept", "after");
+        StorageRef child(root->OpenStorage("child"));
+        WriteText(child.get(), "kept", "child reverted");
+        static_cast<CStorage*>(child.get())->Revert();
     }
-    EXPECT_EQ(ReadText(StorageRef(StorageRef(open_Storage(path.c_str(), 1))->OpenStorage("child")).get(), "kept"),
-              "after");
+    EXPECT_EQ(kept(), "before");
+    WriteText(StorageRef(StorageRef(open_Storage(path.c_str(), 0))->OpenStorage("child")).get(), "kept", "released");
+    EXPECT_EQ(kept(), "released");
 }
 
 TEST(Storage, NewStorageOverAPathMakesItsDirectoriesAndReplacesAFile) {
