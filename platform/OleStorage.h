@@ -16,4 +16,8 @@ HRESULT CreateCompoundFileInMemory(DWORD mode, IStorage** out);
 // Frees what the platform's task allocator gave, such as an element's name.
 void FreeTaskMemory(void* memory);
 
+// CoInitialize(null) on the calling thread; true when it is to be left.
+bool JoinComApartment();
+void LeaveComApartment();
+
 }  // namespace kt::sys

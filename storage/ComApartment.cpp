@@ -1,16 +1,16 @@
 // The library joins COM on the thread that loads it and leaves as it unloads:
 // a host may open storages without initialising COM itself. Other threads
 // that use storages initialise COM themselves.
-#include <objbase.h>
+#include "platform/OleStorage.h"
 
 namespace {
 
 class ComApartment {
 public:
-    ComApartment() : joined(SUCCEEDED(CoInitialize(nullptr))) {}
+    ComApartment() : joined(kt::sys::JoinComApartment()) {}
     ~ComApartment() {
         if (joined)
-            CoUninitialize();
+            kt::sys::LeaveComApartment();
     }
     ComApartment(const ComApartment&) = delete;
     ComApartment& operator=(const ComApartment&) = delete;

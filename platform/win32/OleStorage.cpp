@@ -34,4 +34,8 @@ HRESULT CreateCompoundFileInMemory(DWORD mode, IStorage** out) {
 
 void FreeTaskMemory(void* memory) { CoTaskMemFree(memory); }
 
+bool JoinComApartment() { return SUCCEEDED(CoInitialize(nullptr)); }
+
+void LeaveComApartment() { CoUninitialize(); }
+
 }  // namespace kt::sys
