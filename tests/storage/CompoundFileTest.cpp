@@ -68,6 +68,20 @@ TEST(CompoundFile, AnIndependentReaderFindsTheTreeNamesAndBytes) {
               "stream \xc3\x84rger \xc3\xa9t\xc3\xa9/empty \n");
 }
 
+// olefile's writer keeps a stream's size; what it puts in a file the library
+// made, the library reads.
+TEST(CompoundFile, ReadsWhatAnIndependentWriterWrote) {
+    ScratchDirectory directory;
+    const WideString path = directory / KTW("rewritten.stg");
+    WriteText(StorageRef(StorageRef(new_Storage(path.c_str(), 0))->CreateStorage("inner")).get(), "text",
+              "written by kticore");
+    const std::string other = "written by olefile";
+    EXPECT_EQ(kt::test::IndependentTree(path, "inner/text=" + Hex(other)),
+              "storage inner\nstream inner/text " + Hex(other) + "\n");
+    EXPECT_EQ(ReadText(StorageRef(StorageRef(open_Storage(path.c_str(), 1))->OpenStorage("inner")).get(), "text"),
+              other);
+}
+
 // Cases that fail, each on a fresh file holding the stream "stream" and the
 // storage "storage". The cases on the file itself get it after the root has
 // let it go, and a null root.
@@ -108,6 +122,8 @@ const Refusal kRefusals[] = {
          open_Storage(path.c_str(), 0);
      },
      {XE_IO_FAULT, XFILEOP_OPEN, KTW("=path")}},
+    {"FileOpenTwice", false, [](IXStorage*, const WideString& path) { open_Storage(path.c_str(), 1); },
+     {XE_SHARING, XFILEOP_OPEN, KTW("=path")}},
     {"MissingElement", false, [](IXStorage* root, const WideString&) { root->OpenStorage("missing"); },
      {XE_FILE_NOT_FOUND, XFILEOP_OPEN, KTW("missing")}},
     {"NameTooLong", false,

@@ -18,8 +18,9 @@
 namespace kt::test {
 
 // The file's elements as ole_tree.py lists them, one line each; empty when
-// the reader could not be run.
-inline std::string IndependentTree(const WideString& file) {
+// the reader could not be run. `rewrites` ("path=hex" each) are written by
+// olefile first.
+inline std::string IndependentTree(const WideString& file, const std::string& rewrites = "") {
     using UnixFileName = char*(CDECL*)(const WCHAR*);
     const auto unixFileName = reinterpret_cast<UnixFileName>(reinterpret_cast<void*>(
         GetProcAddress(GetModuleHandleA("kernel32"), "wine_get_unix_file_name")));
@@ -45,7 +46,7 @@ inline std::string IndependentTree(const WideString& file) {
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = startup.hStdOutput = startup.hStdError = nothing;
     std::string line = std::string("Z:\\usr\\bin\\python3 \"") + KT_OLE_TREE_SCRIPT + "\" \"" +
-                       unixName(file) + "\" \"" + unixName(listing) + "\"";
+                       unixName(file) + "\" \"" + unixName(listing) + "\" " + rewrites;
     PROCESS_INFORMATION process = {};
     const bool started = CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
                                         nullptr, &startup, &process);
