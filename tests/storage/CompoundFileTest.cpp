@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <vector>
 
 #include "kticore/files/FileUtilities.h"
 #include "platform/TextConversion.h"
@@ -66,6 +67,32 @@ TEST(CompoundFile, AnIndependentReaderFindsTheTreeNamesAndBytes) {
               "stream Gr\xc3\xb6\xc3\x9f" "e " + Hex(binary) + "\n"
               "stream " + kLongestName + " " + Hex("long") + "\n"
               "stream \xc3\x84rger \xc3\xa9t\xc3\xa9/empty \n");
+}
+
+// 100 MiB in one stream: with 512-byte sectors, the allocation-table sectors
+// that the header lists itself cover about 7 MiB; beyond, the file needs its
+// further list of them.
+TEST(CompoundFile, AStreamOf100MiB) {
+    ScratchDirectory directory;
+    const WideString path = directory / KTW("large.stg");
+    constexpr unsigned kBlock = 1 << 20, kBlocks = 100;
+    std::vector<ULONG> block(kBlock / sizeof(ULONG));
+    {
+        StorageRef root(new_Storage(path.c_str(), 0));
+        kt::test::Ref<IXStream> stream(root->CreateStream("large"));
+        for (ULONG n = 0; n < kBlocks; ++n) {
+            std::fill(block.begin(), block.end(), n);
+            stream->Write(block.data(), kBlock);
+        }
+    }
+    StorageRef root(open_Storage(path.c_str(), 1));
+    kt::test::Ref<IXStream> stream(root->OpenStream("large"));
+    ASSERT_EQ(stream->GetLength(), kBlocks * kBlock);
+    for (ULONG n = 0; n < kBlocks; ++n) {
+        ASSERT_EQ(stream->Read(block.data(), kBlock), kBlock);
+        ASSERT_EQ(block.front(), n);
+        ASSERT_EQ(block.back(), n);
+    }
 }
 
 // olefile's writer keeps a stream's size; what it puts in a file the library
