@@ -24,8 +24,8 @@ class WideName {
 public:
     explicit WideName(const char* name) {
         if (name != nullptr)
-            kt::sys::MultiByteToWide(kt::sys::kAnsiCodePage, name, static_cast<int>(std::strlen(name)),
-                                     units, kNameUnits);
+            kt::sys::MultiByteToWide(kt::sys::kAnsiCodePage, name,
+                                     static_cast<int>(std::strlen(name)), units, kNameUnits);
     }
     operator const KTWCHAR*() const { return units; }
 
@@ -36,8 +36,8 @@ private:
 // A name from the platform narrowed in the ANSI code page, as a private copy.
 char* NarrowCopy(const KTWCHAR* name) {
     char narrow[kNameUnits] = {};
-    kt::sys::WideToMultiByte(kt::sys::kAnsiCodePage, name, static_cast<int>(std::wcslen(name)), narrow,
-                             kNameUnits - 1);
+    kt::sys::WideToMultiByte(kt::sys::kAnsiCodePage, name, static_cast<int>(std::wcslen(name)),
+                             narrow, kNameUnits - 1);
     char* copy = new char[std::strlen(narrow) + 1];
     std::strcpy(copy, narrow);
     return copy;
@@ -101,7 +101,8 @@ IXStorage* CStorage::CreateStorage(const char* elementName) {
 IXStorage* CStorage::OpenStorage(const char* elementName) {
     const WideName wide(elementName);
     IStorage* child = nullptr;
-    const HRESULT status = storage->OpenStorage(wide, nullptr, kt::OpenStorageMode(flags), nullptr, 0, &child);
+    const HRESULT status =
+        storage->OpenStorage(wide, nullptr, kt::OpenStorageMode(flags), nullptr, 0, &child);
     if (FAILED(status))
         ThrowStatus(status, wide, XFILEOP_OPEN);
     return NewChild(child);
@@ -126,14 +127,16 @@ IXStorage* CStorage::GetParent() {
 
 IXStream* CStorage::CreateStream(const char* elementName) {
     IStream* stream = nullptr;
-    if (FAILED(storage->CreateStream(WideName(elementName), kt::CreateStreamMode(flags), 0, 0, &stream)))
+    if (FAILED(storage->CreateStream(WideName(elementName), kt::CreateStreamMode(flags), 0, 0,
+                                     &stream)))
         return nullptr;
     return WrapStream(elementName, stream);
 }
 
 IXStream* CStorage::OpenStream(const char* elementName) {
     IStream* stream = nullptr;
-    if (FAILED(storage->OpenStream(WideName(elementName), nullptr, kt::OpenStreamMode(flags), 0, &stream)))
+    if (FAILED(storage->OpenStream(WideName(elementName), nullptr, kt::OpenStreamMode(flags), 0,
+                                   &stream)))
         return nullptr;
     return WrapStream(elementName, stream);
 }

@@ -10,9 +10,7 @@ inline DWORD AccessMode(DWORD flags) {
     return STGM_SHARE_EXCLUSIVE | ((flags & XSTG_READONLY) ? 0 : STGM_READWRITE);
 }
 
-inline DWORD TransactedMode(DWORD flags) {
-    return (flags & XSTG_TRANSACTED) ? STGM_TRANSACTED : 0;
-}
+inline DWORD TransactedMode(DWORD flags) { return (flags & XSTG_TRANSACTED) ? STGM_TRANSACTED : 0; }
 
 inline DWORD CreateStorageMode(DWORD flags) {
     return AccessMode(flags) | STGM_CREATE | TransactedMode(flags);

@@ -17,7 +17,9 @@ constexpr int kStreams = 1000;
 constexpr DWORD kChildMode = STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
 
 // A compound file in the temporary directory that goes with its storage.
-IXStorage* NewScratchStorage() { return new_Storage(nullptr, XSTG_TEMPFILE | XSTG_DELETEONRELEASE); }
+IXStorage* NewScratchStorage() {
+    return new_Storage(nullptr, XSTG_TEMPFILE | XSTG_DELETEONRELEASE);
+}
 
 void StreamBlocks() {
     std::vector<char> source(kBlockSize, 'k'), back(kBlockSize);
@@ -49,7 +51,8 @@ void StreamBlocks() {
             storage->Release();
         },
         1, 3);
-    kt::bench::PrintRatio("Stream/100MiB (ms)", "raw IStream", figures.ours / 1e6, figures.theirs / 1e6);
+    kt::bench::PrintRatio("Stream/100MiB (ms)", "raw IStream", figures.ours / 1e6,
+                          figures.theirs / 1e6);
 }
 
 void OpenAndEnumerate() {
@@ -71,7 +74,8 @@ void OpenAndEnumerate() {
         },
         [&] {
             IStorage* storage = nullptr;
-            StgOpenStorage(path.c_str(), nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, nullptr, 0, &storage);
+            StgOpenStorage(path.c_str(), nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, nullptr, 0,
+                           &storage);
             IEnumSTATSTG* elements = nullptr;
             storage->EnumElements(0, nullptr, 0, &elements);
             STATSTG element;
@@ -83,8 +87,10 @@ void OpenAndEnumerate() {
         1, 9);
     DeleteFileW(path.c_str());
     if (ourCount != kStreams || theirCount != kStreams)
-        std::printf("enumerations counted %zu and %zu of %d streams\n", ourCount, theirCount, kStreams);
-    kt::bench::PrintRatio("Open+enumerate 1000 (us)", "raw OLE", figures.ours / 1e3, figures.theirs / 1e3);
+        std::printf("enumerations counted %zu and %zu of %d streams\n", ourCount, theirCount,
+                    kStreams);
+    kt::bench::PrintRatio("Open+enumerate 1000 (us)", "raw OLE", figures.ours / 1e3,
+                          figures.theirs / 1e3);
 }
 
 }  // namespace

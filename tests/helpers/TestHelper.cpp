@@ -101,7 +101,8 @@ constexpr int kNotUnderWine = 4;
 void StorageCommitLoop(const std::basic_string<KTWCHAR>& name) {
     IXStorage* root = open_Storage(name.c_str(), 0);
     for (unsigned generation = 0;; ++generation) {
-        const std::vector<char> content(5000 * (generation % 7 + 1), static_cast<char>('A' + generation % 26));
+        const std::vector<char> content(5000 * (generation % 7 + 1),
+                                        static_cast<char>('A' + generation % 26));
         for (const char* stream : {"a", "b"}) {
             IXStream* out = root->CreateStream(stream);
             out->Write(content.data(), static_cast<unsigned>(content.size()));

@@ -30,8 +30,8 @@ using kt::test::WriteText;
 // An element name in the process's ANSI code page, as the interface takes it.
 std::string Narrow(const WideString& wide) {
     char narrow[512] = {};
-    kt::sys::WideToMultiByte(kt::sys::kAnsiCodePage, wide.c_str(), static_cast<int>(wide.size()), narrow,
-                             sizeof narrow - 1);
+    kt::sys::WideToMultiByte(kt::sys::kAnsiCodePage, wide.c_str(), static_cast<int>(wide.size()),
+                             narrow, sizeof narrow - 1);
     return narrow;
 }
 
@@ -64,9 +64,14 @@ TEST(CompoundFile, AnIndependentReaderFindsTheTreeNamesAndBytes) {
     EXPECT_EQ(kt::test::IndependentTree(path),
               "storage \xc3\x84rger \xc3\xa9t\xc3\xa9\n"
               "storage \xc3\x84rger \xc3\xa9t\xc3\xa9/inner\n"
-              "stream Gr\xc3\xb6\xc3\x9f" "e " + Hex(binary) + "\n"
-              "stream " + kLongestName + " " + Hex("long") + "\n"
-              "stream \xc3\x84rger \xc3\xa9t\xc3\xa9/empty \n");
+              "stream Gr\xc3\xb6\xc3\x9f"
+              "e " +
+                  Hex(binary) +
+                  "\n"
+                  "stream " +
+                  kLongestName + " " + Hex("long") +
+                  "\n"
+                  "stream \xc3\x84rger \xc3\xa9t\xc3\xa9/empty \n");
 }
 
 // 100 MiB in one stream: with 512-byte sectors, the allocation-table sectors
@@ -100,13 +105,15 @@ TEST(CompoundFile, AStreamOf100MiB) {
 TEST(CompoundFile, ReadsWhatAnIndependentWriterWrote) {
     ScratchDirectory directory;
     const WideString path = directory / KTW("rewritten.stg");
-    WriteText(StorageRef(StorageRef(new_Storage(path.c_str(), 0))->CreateStorage("inner")).get(), "text",
-              "written by kticore");
+    WriteText(StorageRef(StorageRef(new_Storage(path.c_str(), 0))->CreateStorage("inner")).get(),
+              "text", "written by kticore");
     const std::string other = "written by olefile";
     EXPECT_EQ(kt::test::IndependentTree(path, "inner/text=" + Hex(other)),
               "storage inner\nstream inner/text " + Hex(other) + "\n");
-    EXPECT_EQ(ReadText(StorageRef(StorageRef(open_Storage(path.c_str(), 1))->OpenStorage("inner")).get(), "text"),
-              other);
+    EXPECT_EQ(
+        ReadText(StorageRef(StorageRef(open_Storage(path.c_str(), 1))->OpenStorage("inner")).get(),
+                 "text"),
+        other);
 }
 
 // Cases that fail, each on a fresh file holding the stream "stream" and the
@@ -119,7 +126,9 @@ struct Refusal {
     StorageFailure expected;  // a name beginning "=path" stands for the file's path
 };
 
-void CutShort(const WideString& path) { std::filesystem::resize_file(std::filesystem::path(path), 700); }
+void CutShort(const WideString& path) {
+    std::filesystem::resize_file(std::filesystem::path(path), 700);
+}
 
 // Fills the first sector of the allocation table, which the header names at
 // offset 0x4C, with sector numbers far past the end of the file.
@@ -134,29 +143,38 @@ void DamageFirstFatSector(const WideString& path) {
 }
 
 const Refusal kRefusals[] = {
-    {"MissingFile", true,
+    {"MissingFile",
+     true,
      [](IXStorage*, const WideString& path) { open_Storage((path + KTW(".missing")).c_str(), 1); },
      {XE_FILE_NOT_FOUND, XFILEOP_OPEN, KTW("=path.missing")}},
-    {"NotACompoundFile", true,
+    {"NotACompoundFile",
+     true,
      [](IXStorage*, const WideString& path) {
          kt::test::WriteContent(path, std::string(4096, 'x'));
          open_Storage(path.c_str(), 1);
      },
      {XE_BAD_DATA, XFILEOP_OPEN, KTW("=path")}},
-    {"CutShort", true,
+    {"CutShort",
+     true,
      [](IXStorage*, const WideString& path) {
          CutShort(path);
          open_Storage(path.c_str(), 0);
      },
      {XE_IO_FAULT, XFILEOP_OPEN, KTW("=path")}},
-    {"FileOpenTwice", false, [](IXStorage*, const WideString& path) { open_Storage(path.c_str(), 1); },
+    {"FileOpenTwice",
+     false,
+     [](IXStorage*, const WideString& path) { open_Storage(path.c_str(), 1); },
      {XE_SHARING, XFILEOP_OPEN, KTW("=path")}},
-    {"MissingElement", false, [](IXStorage* root, const WideString&) { root->OpenStorage("missing"); },
+    {"MissingElement",
+     false,
+     [](IXStorage* root, const WideString&) { root->OpenStorage("missing"); },
      {XE_FILE_NOT_FOUND, XFILEOP_OPEN, KTW("missing")}},
-    {"NameTooLong", false,
+    {"NameTooLong",
+     false,
      [](IXStorage* root, const WideString&) { root->CreateStorage((kLongestName + "n").c_str()); },
      {XE_PATH_NOT_FOUND, XFILEOP_OPEN, WideString(32, 'n')}},
-    {"DamagedSectorChain", true,
+    {"DamagedSectorChain",
+     true,
      [](IXStorage*, const WideString& path) {
          DamageFirstFatSector(path);
          StorageRef damaged(open_Storage(path.c_str(), 1));
@@ -165,15 +183,19 @@ const Refusal kRefusals[] = {
              ReadText(damaged.get(), "stream");
      },
      {XE_IO_FAULT, XFILEOP_OPEN, KTW("=path")}},
-    {"StorageOpenTwice", false,
+    {"StorageOpenTwice",
+     false,
      [](IXStorage* root, const WideString&) {
          StorageRef first(root->OpenStorage("storage"));
          root->OpenStorage("storage");
      },
      {XE_SHARING, XFILEOP_OPEN, KTW("storage")}},
-    {"DestroyMissing", false, [](IXStorage* root, const WideString&) { root->DestroyStream("missing"); },
+    {"DestroyMissing",
+     false,
+     [](IXStorage* root, const WideString&) { root->DestroyStream("missing"); },
      {XE_FILE_NOT_FOUND, XFILEOP_DESTROY_ELEMENT, {}}},
-    {"CreateWhileReadOnly", true,
+    {"CreateWhileReadOnly",
+     true,
      [](IXStorage*, const WideString& path) {
          StorageRef(open_Storage(path.c_str(), 1))->CreateStorage("new");
      },
@@ -197,7 +219,9 @@ TEST_P(Refused, WithTheMappedFailure) {
 }
 
 struct RefusalName {
-    std::string operator()(const ::testing::TestParamInfo<Refusal>& info) const { return info.param.name; }
+    std::string operator()(const ::testing::TestParamInfo<Refusal>& info) const {
+        return info.param.name;
+    }
 };
 
 INSTANTIATE_TEST_SUITE_P(Storage, Refused, ::testing::ValuesIn(kRefusals), RefusalName());

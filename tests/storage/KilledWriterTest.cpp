@@ -39,7 +39,8 @@ TEST(KilledWriter, LeavesOneWholeCommit) {
     int unopenable = 0, mixed = 0;
     for (int kill = 0; kill < kKills; ++kill) {
         {
-            kt::test::ChildProcess writer(KT_TEST_HELPER, {"storage-commit-loop", kt::test::Narrow(target)});
+            kt::test::ChildProcess writer(KT_TEST_HELPER,
+                                          {"storage-commit-loop", kt::test::Narrow(target)});
             ASSERT_TRUE(writer.Started());
             // Two commits tell how long one takes at the machine's present
             // load; the kill falls at a random moment of the next one.
@@ -61,11 +62,12 @@ TEST(KilledWriter, LeavesOneWholeCommit) {
             // may have landed before its report.
             const bool whole = a == b && (a == Generation(commits - 1) || a == Generation(commits));
             mixed += !whole;
-            EXPECT_TRUE(whole) << "kill " << kill << " after " << commits << " commits: " << a.size()
-                               << " and " << b.size() << " bytes";
+            EXPECT_TRUE(whole) << "kill " << kill << " after " << commits
+                               << " commits: " << a.size() << " and " << b.size() << " bytes";
         } catch (const CXFileException& failure) {
             ++unopenable;
-            ADD_FAILURE() << "kill " << kill << " left a file that does not open: code " << failure.code;
+            ADD_FAILURE() << "kill " << kill << " left a file that does not open: code "
+                          << failure.code;
         }
         for (unsigned n = 1; n <= commits + 1; ++n)
             if (Fio_IsFileExist(marker(n).c_str()))

@@ -106,7 +106,8 @@ TEST(Storage, TransactionsCommitAtReleaseAndRevertDropsWork) {
         StorageRef child(StorageRef(open_Storage(path.c_str(), 1))->OpenStorage("child"));
         return ReadText(child.get(), "kept");
     };
-    WriteText(StorageRef(StorageRef(new_Storage(path.c_str(), 0))->CreateStorage("child")).get(), "kept", "before");
+    WriteText(StorageRef(StorageRef(new_Storage(path.c_str(), 0))->CreateStorage("child")).get(),
+              "kept", "before");
     {
         StorageRef root(open_Storage(path.c_str(), 0));
         StorageRef child(root->OpenStorage("child"));
@@ -123,7 +124,8 @@ TEST(Storage, TransactionsCommitAtReleaseAndRevertDropsWork) {
         static_cast<CStorage*>(child.get())->Revert();
     }
     EXPECT_EQ(kept(), "before");
-    WriteText(StorageRef(StorageRef(open_Storage(path.c_str(), 0))->OpenStorage("child")).get(), "kept", "released");
+    WriteText(StorageRef(StorageRef(open_Storage(path.c_str(), 0))->OpenStorage("child")).get(),
+              "kept", "released");
     EXPECT_EQ(kept(), "released");
 }
 
@@ -174,8 +176,8 @@ TEST(Storage, OleStorageFlagsFromItsMode) {
     const WideString path = directory / KTW("ole.stg");
     StorageRef(new_Storage(path.c_str(), 0));
     IStorage* ole = nullptr;
-    ASSERT_EQ(StgOpenStorage(path.c_str(), nullptr, STGM_READ | STGM_TRANSACTED | STGM_SHARE_DENY_WRITE,
-                             nullptr, 0, &ole),
+    ASSERT_EQ(StgOpenStorage(path.c_str(), nullptr,
+                             STGM_READ | STGM_TRANSACTED | STGM_SHARE_DENY_WRITE, nullptr, 0, &ole),
               S_OK);
     StorageRef readOnlyTransacted(new_StorageByOleStorage(ole));
     ole->Release();
@@ -192,7 +194,8 @@ TEST(Storage, AnUnreachableUrlIsANetworkFailureAndLeavesNoCopy) {
         return found.size();
     };
     const size_t before = copies();
-    const StorageFailure failure = StorageFailureOf([] { open_Storage(KTW("ftp://127.0.0.1:1/none.stg"), 1); });
+    const StorageFailure failure =
+        StorageFailureOf([] { open_Storage(KTW("ftp://127.0.0.1:1/none.stg"), 1); });
     EXPECT_EQ(failure, (StorageFailure{XE_NETWORK, XFILEOP_OPEN, {}}));
     EXPECT_EQ(copies(), before);
 }
