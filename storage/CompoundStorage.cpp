@@ -11,13 +11,9 @@
 
 namespace {
 
-// OLE element names are far shorter; a longer name becomes the empty one,
-// which OLE refuses.
+// Element names of a compound file hold 31 units; a name beyond this buffer
+// goes to the platform as the empty one, for it to take or refuse.
 constexpr int kNameUnits = 512;
-
-// STATSTG::type of the two kinds of element.
-constexpr DWORD kStorageElement = STGTY_STORAGE;
-constexpr DWORD kStreamElement = STGTY_STREAM;
 
 // An element name widened in the ANSI code page, on the stack of the call.
 class WideName {
@@ -161,9 +157,9 @@ CTEnum<const char*>* CStorage::EnumElements(DWORD wantedType) {
     return walk;
 }
 
-CTEnum<const char*>* CStorage::EnumStorages() { return EnumElements(kStorageElement); }
+CTEnum<const char*>* CStorage::EnumStorages() { return EnumElements(STGTY_STORAGE); }
 
-CTEnum<const char*>* CStorage::EnumStreams() { return EnumElements(kStreamElement); }
+CTEnum<const char*>* CStorage::EnumStreams() { return EnumElements(STGTY_STREAM); }
 
 bool CStorage::CommitsAtAll() const { return flags != XSTG_READONLY; }
 
