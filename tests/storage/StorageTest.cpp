@@ -37,9 +37,13 @@ TEST(Storage, NestedElementsRoundTripInMemory) {
         StorageRef parent(grandchild->GetParent());
         EXPECT_EQ(parent.get(), child.get());
     }
+    // Past the block of memory the storage starts with.
+    const std::string large(300000, 'm');
+    WriteText(root.get(), "large", large);
     StorageRef grandchild(StorageRef(root->OpenStorage("child"))->OpenStorage("grandchild"));
     EXPECT_EQ(ReadText(grandchild.get(), "deep"), "deep text");
     EXPECT_EQ(ReadText(root.get(), "top"), "top text");
+    EXPECT_EQ(ReadText(root.get(), "large"), large);
 }
 
 TEST(Storage, EnumerationsListOneKindEachAndOutliveTheStorage) {
