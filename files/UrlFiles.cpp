@@ -1,5 +1,7 @@
 #include "files/UrlFiles.h"
 
+#include "kticore/files/FileUtilities.h"
+
 namespace kt {
 namespace {
 
@@ -25,3 +27,5 @@ void GetUrlFileInfo(const KTWCHAR* url, FioFileInfo*) { Unreachable(url, XFILEOP
 int IsWritableUrl(const KTWCHAR*) { return 0; }
 
 }  // namespace kt
+
+int Fio_DownloadToFile(const KTWCHAR*, const KTWCHAR*) { return 0; }

@@ -22,6 +22,10 @@
 #include "kticore/params/Param.h"
 #include "kticore/params/ParamTools.h"
 #include "kticore/streams/Stream.h"
+#if defined(_WIN32)
+#    include "kticore/storage/CompoundStorage.h"
+#    include "kticore/storage/Storage.h"
+#endif
 #include "kticore/translation/DialogTemplates.h"
 #include "kticore/translation/Interception.h"
 #include "kticore/translation/Translation.h"

@@ -13,6 +13,10 @@
 //                         exit code is 0, or 3 when the system refused
 //   cut-beneath NAME SIZE the same from beneath the system's rules: under
 //                         Wine by a Unix process (4 elsewhere on Windows)
+//   storage-commit-loop NAME  (Windows) in the compound file NAME opened for
+//                         writing, give the streams "a" and "b" the content
+//                         of the next generation and commit, until killed;
+//                         after the N-th commit make the empty file NAME.N
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -26,6 +30,8 @@
 #include "kticore/streams/Stream.h"
 #if defined(_WIN32)
 #    include <windows.h>
+
+#    include "kticore/storage/Storage.h"
 #endif
 
 namespace {
@@ -88,6 +94,26 @@ void PassThrough(const std::basic_string<KTWCHAR>& in, const std::basic_string<K
 constexpr int kCut = 0;
 constexpr int kRefused = 3;
 constexpr int kNotUnderWine = 4;
+
+#if defined(_WIN32)
+// Generation G: "a" and "b" each hold 5,000 * (G % 7 + 1) bytes of the
+// letter of G, so that the streams move between the file's sectors.
+void StorageCommitLoop(const std::basic_string<KTWCHAR>& name) {
+    IXStorage* root = open_Storage(name.c_str(), 0);
+    for (unsigned generation = 0;; ++generation) {
+        const std::vector<char> content(5000 * (generation % 7 + 1),
+                                        static_cast<char>('A' + generation % 26));
+        for (const char* stream : {"a", "b"}) {
+            IXStream* out = root->CreateStream(stream);
+            out->Write(content.data(), static_cast<unsigned>(content.size()));
+            out->Release();
+        }
+        root->Commit();
+        const std::string count = "." + std::to_string(generation + 1);
+        Fio_Open((name + Wide(count.c_str())).c_str(), FIO_WRITE)->Release();
+    }
+}
+#endif
 
 int Cut(const char* name, const char* size) {
     std::error_code error;
@@ -170,6 +196,12 @@ int main(int argc, char** argv) {
         return Cut(argv[2], argv[3]);
     if (what == "cut-beneath" && argc == 4)
         return CutBeneath(argv[2], argv[3]);
+#if defined(_WIN32)
+    if (what == "storage-commit-loop") {
+        StorageCommitLoop(name);
+        return 0;
+    }
+#endif
     if (what == "commit-loop" && argc == 4) {
         CommitLoop(name, static_cast<size_t>(std::atol(argv[3])));
         return 0;

@@ -33,6 +33,7 @@ enum XFileOperation : DWORD {
     XFILEOP_READ = 1,
     XFILEOP_WRITE = 2,  // a file open for writing
     XFILEOP_SEEK = 3,   // a stream's seek
+    XFILEOP_DESTROY_ELEMENT = 4,  // removing an element of a storage
     XFILEOP_LOCK = 5,   // a lock giving up its handles
     XFILEOP_DELETE = 7,
     XFILEOP_COPY = 8,

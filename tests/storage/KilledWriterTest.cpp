@@ -1,0 +1,79 @@
+// A writer killed at any moment of its commits of a transacted compound file
+// leaves the file that one commit or the next made: openable, and never with
+// the streams of two generations.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <random>
+#include <string>
+#include <thread>
+
+#include "tests/storage/StorageSupport.h"
+#include "tests/support/ScratchDirectory.h"
+#include "tests/support/TestHelper.h"
+
+namespace {
+
+using kt::test::ReadText;
+using kt::test::StorageRef;
+using kt::test::WideString;
+
+constexpr int kKills = 50;
+
+// What generation G of the writer leaves in each of its streams.
+std::string Generation(unsigned generation) {
+    return std::string(5000 * (generation % 7 + 1), static_cast<char>('A' + generation % 26));
+}
+
+TEST(KilledWriter, LeavesOneWholeCommit) {
+    kt::test::ScratchDirectory directory;
+    const WideString target = directory / KTW("killed.stg");
+    StorageRef(new_Storage(target.c_str(), 0));
+    auto marker = [&](unsigned n) { return target + kt::test::W("." + std::to_string(n)); };
+    auto waitForCommit = [&](unsigned n) {
+        for (int i = 0; i < 3000 && !Fio_IsFileExist(marker(n).c_str()); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        return Fio_IsFileExist(marker(n).c_str()) != 0;
+    };
+    std::mt19937 random(20261125);
+    int unopenable = 0, mixed = 0;
+    for (int kill = 0; kill < kKills; ++kill) {
+        {
+            kt::test::ChildProcess writer(KT_TEST_HELPER,
+                                          {"storage-commit-loop", kt::test::Narrow(target)});
+            ASSERT_TRUE(writer.Started());
+            // Two commits tell how long one takes at the machine's present
+            // load; the kill falls at a random moment of the next one.
+            ASSERT_TRUE(waitForCommit(1));
+            const auto first = std::chrono::steady_clock::now();
+            ASSERT_TRUE(waitForCommit(2));
+            const auto period = std::chrono::steady_clock::now() - first;
+            std::uniform_int_distribution<long long> moment(0, period.count());
+            std::this_thread::sleep_for(std::chrono::steady_clock::duration(moment(random)));
+            writer.Kill();
+        }
+        unsigned commits = 2;
+        while (Fio_IsFileExist(marker(commits + 1).c_str()))
+            ++commits;
+        try {
+            StorageRef left(open_Storage(target.c_str(), 1));
+            const std::string a = ReadText(left.get(), "a"), b = ReadText(left.get(), "b");
+            // The N-th reported commit wrote generation N - 1; the next one
+            // may have landed before its report.
+            const bool whole = a == b && (a == Generation(commits - 1) || a == Generation(commits));
+            mixed += !whole;
+            EXPECT_TRUE(whole) << "kill " << kill << " after " << commits
+                               << " commits: " << a.size() << " and " << b.size() << " bytes";
+        } catch (const CXFileException& failure) {
+            ++unopenable;
+            ADD_FAILURE() << "kill " << kill << " left a file that does not open: code "
+                          << failure.code;
+        }
+        for (unsigned n = 1; n <= commits + 1; ++n)
+            if (Fio_IsFileExist(marker(n).c_str()))
+                Fio_DeleteFile(marker(n).c_str());
+    }
+    std::printf("%d kills: %d files unopenable, %d mixed\n", kKills, unopenable, mixed);
+}
+
+}  // namespace

@@ -1,0 +1,70 @@
+// Storages for tests: references held, streams written and read as text,
+// enumerations as lists, failures as what they carried.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "kticore/core/Exception.h"
+#include "kticore/storage/CompoundStorage.h"
+#include "tests/support/Counted.h"
+#include "tests/support/WideText.h"
+
+namespace kt::test {
+
+using StorageRef = Ref<IXStorage>;
+
+inline void WriteText(IXStorage* storage, const char* name, const std::string& text) {
+    Ref<IXStream> stream(storage->CreateStream(name));
+    ASSERT_NE(stream, nullptr) << name;
+    stream->Write(text.data(), static_cast<unsigned>(text.size()));
+}
+
+// The whole stream; "<none>" when it cannot be opened.
+inline std::string ReadText(IXStorage* storage, const char* name) {
+    Ref<IXStream> stream(storage->OpenStream(name));
+    if (stream == nullptr)
+        return "<none>";
+    std::string text(stream->GetLength(), '\0');
+    stream->Read(text.data(), static_cast<unsigned>(text.size()));
+    return text;
+}
+
+inline std::vector<std::string> Names(CTEnum<const char*>* walk) {
+    std::vector<std::string> names;
+    const char* name = nullptr;
+    while (walk->Next(1, &name, nullptr))
+        names.push_back(name);
+    walk->Release();
+    return names;
+}
+
+// What a CXFileException carried; its name is copied inside the handler.
+struct StorageFailure {
+    DWORD code = XE_NONE;
+    DWORD operation = 0xFFFFFFFF;
+    WideString name;
+    bool operator==(const StorageFailure& other) const {
+        return code == other.code && operation == other.operation && name == other.name;
+    }
+};
+
+inline std::ostream& operator<<(std::ostream& out, const StorageFailure& failure) {
+    return out << "code " << failure.code << ", operation " << failure.operation << ", name of "
+               << failure.name.size() << " units";
+}
+
+template <class Action>
+StorageFailure StorageFailureOf(Action&& action) {
+    try {
+        action();
+    } catch (const CXFileException& failure) {
+        return {failure.code, failure.operation, Wide(failure.name)};
+    }
+    ADD_FAILURE() << "no CXFileException was thrown";
+    return {};
+}
+
+}  // namespace kt::test

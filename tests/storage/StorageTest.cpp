@@ -1,0 +1,207 @@
+// The storage over the platform's compound file: elements, names, parents,
+// enumeration, the open flags, transactions, and how failures come out.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "kticore/files/FileUtilities.h"
+#include "tests/storage/StorageSupport.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+using kt::test::Names;
+using kt::test::ReadText;
+using kt::test::Ref;
+using kt::test::ScratchDirectory;
+using kt::test::StorageFailure;
+using kt::test::StorageFailureOf;
+using kt::test::StorageRef;
+using kt::test::Wide;
+using kt::test::WideString;
+using kt::test::WriteText;
+
+using Strings = std::vector<std::string>;
+
+bool Exists(const WideString& name) { return std::filesystem::exists(std::filesystem::path(name)); }
+
+TEST(Storage, NestedElementsRoundTripInMemory) {
+    StorageRef root(new_Storage(nullptr, 0));
+    EXPECT_EQ(Wide(root->GetName()), WideString());
+    EXPECT_EQ(root->GetParent(), nullptr);
+    WriteText(root.get(), "top", "top text");
+    {
+        StorageRef child(root->CreateStorage("child"));
+        StorageRef grandchild(child->CreateStorage("grandchild"));
+        WriteText(grandchild.get(), "deep", "deep text");
+        StorageRef parent(grandchild->GetParent());
+        EXPECT_EQ(parent.get(), child.get());
+    }
+    // Past the block of memory the storage starts with.
+    const std::string large(300000, 'm');
+    WriteText(root.get(), "large", large);
+    StorageRef grandchild(StorageRef(root->OpenStorage("child"))->OpenStorage("grandchild"));
+    EXPECT_EQ(ReadText(grandchild.get(), "deep"), "deep text");
+    EXPECT_EQ(ReadText(root.get(), "top"), "top text");
+    EXPECT_EQ(ReadText(root.get(), "large"), large);
+}
+
+TEST(Storage, EnumerationsListOneKindEachAndOutliveTheStorage) {
+    CTEnum<const char*>* streams;
+    CTEnum<const char*>* storages;
+    CTEnum<const char*>* empty;
+    {
+        StorageRef root(new_Storage(nullptr, 0));
+        for (const char* name : {"s1", "s2", "s3"})
+            WriteText(root.get(), name, name);
+        StorageRef child(root->CreateStorage("sub"));
+        streams = root->EnumStreams();
+        storages = root->EnumStorages();
+        empty = child->EnumStreams();
+    }
+    // The platform orders by its own rule; what matters is the set.
+    Strings streamNames = Names(streams);
+    std::sort(streamNames.begin(), streamNames.end());
+    EXPECT_EQ(streamNames, (Strings{"s1", "s2", "s3"}));
+    EXPECT_EQ(Names(storages), Strings{"sub"});
+    EXPECT_EQ(Names(empty), Strings{});
+}
+
+TEST(Storage, DestroyOfEitherNameRemovesAnElementOfEitherKind) {
+    StorageRef root(new_Storage(nullptr, 0));
+    StorageRef(root->CreateStorage("storage"));
+    WriteText(root.get(), "stream", "x");
+    EXPECT_EQ(root->DestroyStream("storage"), S_OK);
+    EXPECT_EQ(root->DestroyStorage("stream"), S_OK);
+    EXPECT_EQ(Names(root->EnumStorages()), Strings{});
+    EXPECT_EQ(Names(root->EnumStreams()), Strings{});
+}
+
+TEST(Storage, AnswersForItsOwnInterfaceAlone) {
+    StorageRef root(new_Storage(nullptr, 0));
+    void* out = &out;
+    EXPECT_EQ(root->QueryInterface(typeid(IKTUnknown), &out), 0);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(root->QueryInterface(typeid(IXStorage), nullptr), 1);
+    ASSERT_EQ(root->QueryInterface(typeid(IXStorage), &out), 1);
+    EXPECT_EQ(out, root.get());
+    EXPECT_EQ(root->Release(), 1u);
+}
+
+TEST(Storage, SubStoragesKeepTheRootsNameAndFlags) {
+    ScratchDirectory directory;
+    const WideString path = directory / KTW("flags.stg");
+    StorageRef(new_Storage(path.c_str(), 0))->CreateStorage("child")->Release();
+
+    StorageRef reader(open_Storage(path.c_str(), 1));
+    StorageRef child(reader->OpenStorage("child"));
+    EXPECT_EQ(Wide(child->GetName()), path);
+    EXPECT_EQ(child->CreateStream("new"), nullptr);
+    EXPECT_EQ(StorageFailureOf([&] { child->CreateStorage("new"); }).code, XE_SHARING);
+    EXPECT_EQ(child->Commit(), S_OK);
+}
+
+// A transacted root and its transacted child: the child's commit reaches the
+// root, only the root's commit reaches the file, and a release commits.
+TEST(Storage, TransactionsCommitAtReleaseAndRevertDropsWork) {
+    ScratchDirectory directory;
+    const WideString path = directory / KTW("transacted.stg");
+    auto kept = [&] {
+        StorageRef child(StorageRef(open_Storage(path.c_str(), 1))->OpenStorage("child"));
+        return ReadText(child.get(), "kept");
+    };
+    WriteText(StorageRef(StorageRef(new_Storage(path.c_str(), 0))->CreateStorage("child")).get(),
+              "kept", "before");
+    {
+        StorageRef root(open_Storage(path.c_str(), 0));
+        StorageRef child(root->OpenStorage("child"));
+        WriteText(child.get(), "kept", "child committed");
+        EXPECT_EQ(child->Commit(), S_OK);
+        child.reset();
+        static_cast<CStorage*>(root.get())->Revert();
+    }
+    EXPECT_EQ(kept(), "before");
+    {
+        StorageRef root(open_Storage(path.c_str(), 0));
+        StorageRef child(root->OpenStorage("child"));
+        WriteText(child.get(), "kept", "child reverted");
+        static_cast<CStorage*>(child.get())->Revert();
+    }
+    EXPECT_EQ(kept(), "before");
+    WriteText(StorageRef(StorageRef(open_Storage(path.c_str(), 0))->OpenStorage("child")).get(),
+              "kept", "released");
+    EXPECT_EQ(kept(), "released");
+}
+
+TEST(Storage, NewStorageOverAPathMakesItsDirectoriesAndReplacesAFile) {
+    ScratchDirectory directory;
+    const WideString deep = directory / KTW("a/b/deep.stg");
+    StorageRef(new_Storage(deep.c_str(), 0));
+    EXPECT_TRUE(Exists(deep));
+
+    const WideString plain = directory / KTW("plain.stg");
+    kt::test::WriteContent(plain, "not a compound file");
+    WriteText(StorageRef(new_Storage(plain.c_str(), 0)).get(), "s", "replaced");
+    EXPECT_EQ(ReadText(StorageRef(open_Storage(plain.c_str(), 1)).get(), "s"), "replaced");
+}
+
+TEST(Storage, TemporaryAndDeletedOnReleaseFiles) {
+    ScratchDirectory directory;
+    const WideString ignored = directory / KTW("ignored.stg");
+    WideString temporary;
+    {
+        StorageRef storage(new_Storage(ignored.c_str(), XSTG_TEMPFILE | XSTG_DELETEONRELEASE));
+        temporary = Wide(storage->GetName());
+        EXPECT_TRUE(Exists(temporary));
+    }
+    EXPECT_FALSE(Exists(ignored));
+    // The platform takes three characters of the prefix "KTPR".
+    EXPECT_EQ(std::filesystem::path(temporary).filename().wstring().substr(0, 3), L"KTP");
+    EXPECT_FALSE(Exists(temporary));
+}
+
+TEST(Storage, OleStorageInAndOut) {
+    StorageRef made(new_Storage(nullptr, 0));
+    auto* ole = static_cast<IStorage*>(Storage_GetOLEStorage(made.get()));
+    // Ours and the caller's; on a miscount the test stops before it releases.
+    ASSERT_EQ(ole->AddRef(), 3u);
+    ole->Release();
+    StorageRef wrapped(new_StorageByOleStorage(ole));
+    WriteText(wrapped.get(), "shared", "one storage");
+    EXPECT_EQ(ReadText(made.get(), "shared"), "one storage");
+    wrapped.reset();
+    EXPECT_EQ(ole->Release(), 1u);
+}
+
+// A read-only transacted OLE storage gets flags 3, which are not "read-only
+// alone": its Commit goes to the platform.
+TEST(Storage, OleStorageFlagsFromItsMode) {
+    ScratchDirectory directory;
+    const WideString path = directory / KTW("ole.stg");
+    StorageRef(new_Storage(path.c_str(), 0));
+    IStorage* ole = nullptr;
+    ASSERT_EQ(StgOpenStorage(path.c_str(), nullptr,
+                             STGM_READ | STGM_TRANSACTED | STGM_SHARE_DENY_WRITE, nullptr, 0, &ole),
+              S_OK);
+    StorageRef readOnlyTransacted(new_StorageByOleStorage(ole));
+    ole->Release();
+    EXPECT_NE(readOnlyTransacted->Commit(), S_OK);
+}
+
+TEST(Storage, AnUnreachableUrlIsANetworkFailureAndLeavesNoCopy) {
+    auto copies = [] {
+        std::vector<std::filesystem::path> found;
+        const std::filesystem::path temp = std::filesystem::temp_directory_path();
+        for (const auto& entry : std::filesystem::directory_iterator(temp))
+            if (entry.path().filename().wstring().rfind(L"KTP", 0) == 0)
+                found.push_back(entry.path());
+        return found.size();
+    };
+    const size_t before = copies();
+    const StorageFailure failure =
+        StorageFailureOf([] { open_Storage(KTW("ftp://127.0.0.1:1/none.stg"), 1); });
+    EXPECT_EQ(failure, (StorageFailure{XE_NETWORK, XFILEOP_OPEN, {}}));
+    EXPECT_EQ(copies(), before);
+}
+
+}  // namespace
