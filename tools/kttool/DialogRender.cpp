@@ -11,6 +11,7 @@
 #include "tools/kttool/ModuleTexts.h"
 #include "tools/kttool/ResourceKeys.h"
 #include "tools/kttool/TextRoom.h"
+#include "tools/kttool/WldEntries.h"
 #include "tools/kttool/WldText.h"
 #include "tools/picture/WindowPicture.h"
 #include "translation/DialogTemplate.h"
@@ -140,15 +141,15 @@ std::string PicturePath(const std::string& directory, const RenderedDialog& rend
     return directory + "/" + file.substr(0, file.find_last_of('.')) + "_" + Describe(rendered.name) + ".png";
 }
 
-RenderedDialog RenderDialog(HMODULE module, const std::string& moduleFile, const ResourceName& name,
+RenderedDialog RenderDialog(HMODULE module, const std::string& path, const ResourceName& name,
                             const std::string& pictures) {
     RenderedDialog rendered;
-    rendered.moduleFile = moduleFile;
+    rendered.moduleFile = ModuleFileName(path);
     rendered.name = name;
     ModuleText dialogText;
     dialogText.kind = kSuppKindDialog;
     dialogText.resource = name;
-    const std::string prefix = Narrow(KeyPrefix(moduleFile, dialogText), CP_ACP);
+    const std::string prefix = Narrow(KeyPrefix(ModuleKeyName(path), dialogText), CP_ACP);
     rendered.keyHash = Supp_HashKey(prefix.c_str());
 
     HRSRC found = FindResourceW(module, Identifier(name), MAKEINTRESOURCEW(kDialogType));
@@ -195,7 +196,7 @@ std::vector<RenderedDialog> RenderDialogs(const std::string& path, const std::st
     std::vector<RenderedDialog> dialogs;
     try {
         for (const ResourceName& name : names)
-            dialogs.push_back(RenderDialog(module, ModuleFileName(path), name, pictures));
+            dialogs.push_back(RenderDialog(module, path, name, pictures));
     } catch (...) {
         FreeLibrary(module);
         throw;
@@ -207,6 +208,7 @@ std::vector<RenderedDialog> RenderDialogs(const std::string& path, const std::st
 void LoadTranslation(const std::string& wld, const std::string& dlg) {
     kt::CSuppDictionary& dictionary = kt::SuppDictionary();
     if (!wld.empty()) {
+        ReadWldEntries(wld);  // refuses a file that is no dictionary
         try {
             kt::LoadWldFile(dictionary, Wide(wld).c_str());
         } catch (const CXFileException&) {

@@ -47,10 +47,10 @@ public:
             WideText());
     }
 
-    void Text(const std::string& fileName, const ModuleText& text) {
-        const WideText key = SkeletonKey(fileName, text);
+    void Text(const Module& module, const ModuleText& text) {
+        const WideText key = SkeletonKey(module.keyName, text);
         const std::string where =
-            WhereOf(fileName, text) + " (language " + std::to_string(text.language) + ")";
+            WhereOf(module.fileName, text) + " (language " + std::to_string(text.language) + ")";
         if (key.empty()) {
             err << "warning: " << where << ": too long to be looked up, left out\n";
             return;
@@ -113,7 +113,7 @@ int RunExtract(const Arguments& args, std::ostream& out, std::ostream& err) {
     writer.Language(language);
     for (const Module& module : modules)
         for (const ModuleText& text : module.texts)
-            writer.Text(module.fileName, text);
+            writer.Text(module, text);
     file.close();
     if (!file)
         throw std::runtime_error(outPath + ": cannot be written");
