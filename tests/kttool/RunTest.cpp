@@ -124,6 +124,7 @@ TEST(RunFailures, EachHasAMessageAndStatusTwo) {
         {{"run", kNotesApp, "--wld", missing + ".wld"}, "missing.wld: cannot be read"},
         {{"run", kNotesApp, "--wld", kNotesWld, "--dlg", missing + ".dlg"}, "missing.dlg: cannot be read"},
         {{"run", notAnExecutable, "--wld", kNotesWld}, "cannot start the application"},
+        {{"run", kNotesApp, "--wld", notAnExecutable}, "not a dictionary"},
     };
     for (const auto& failure : kFailures) {
         const ToolRun run = RunKtTool(failure.args);

@@ -107,7 +107,8 @@ int RunRun(const Arguments& args, std::ostream& out, std::ostream&) {
         throw UsageError("run needs an APP.exe and --wld FILE.wld");
     const std::string& executable = line.application.front();
     RequireReadable(executable);
-    ReadWldEntries(line.wld);  // refuses a file that cannot be read or is no dictionary
+    RequireReadable(line.wld);
+    ReadWldEntries(line.wld);  // refuses a file that is no dictionary
     if (!line.dlg.empty())
         RequireReadable(line.dlg);
 
