@@ -154,6 +154,7 @@ TEST(Render, ATextThatEscapesTranslationIsListed) {
 }
 
 TEST(Render, CommandLinesAreAnswered) {
+    Scratch scratch;
     const struct {
         Arguments args;
         int status;
@@ -164,7 +165,7 @@ TEST(Render, CommandLinesAreAnswered) {
         {{"render", kDialogsModule}, kFailure, "needs at least one MODULE and -o"},
         {{"fit", kDialogsModule, "-o", "out.dlg"}, kFailure, "--wld"},
         // Not a dictionary's text: the test module itself.
-        {{"render", kDialogsModule, "--wld", kDialogsModule, "-o", "pictures"}, kFailure, "not a dictionary"},
+        {{"render", kDialogsModule, "--wld", kDialogsModule, "-o", scratch / "pictures"}, kFailure, "not a dictionary"},
     };
     for (const auto& answer : answers) {
         const ToolRun run = RunKtTool(answer.args);

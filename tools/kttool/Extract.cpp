@@ -29,7 +29,10 @@ constexpr char kHelp[] =
     "  --key-codepage CP    the code page the application runs in, which keys are\n"
     "                       read in (default: the language's)\n"
     "\n"
-    "A text the code pages cannot carry exactly is left out with a warning.\n";
+    "A text the code pages cannot carry exactly is left out with a warning. A\n"
+    "dialog or menu with a name is keyed by the name as the module holds it (in\n"
+    "capitals, as resource compilers write it): where the application asks for\n"
+    "it in another spelling, the key must use that spelling.\n";
 
 class SkeletonWriter {
 public:
@@ -62,6 +65,15 @@ public:
                     << ": its key has the hash of an earlier one, left out\n";
             return;
         }
+        if (!text.resource.isNumber && !namedNoted) {
+            // The library keys a named dialog or menu by the name as the
+            // application spells it in its call, which the module does not
+            // keep; FindResource matches the name case-blind, the keys do not.
+            Line("; a dialog or menu with a name is keyed here by the name as the module's resources hold");
+            Line("; it (resource compilers write it in capitals); where the application asks for it in");
+            Line("; another spelling, the key must use that spelling");
+            namedNoted = true;
+        }
         std::string narrowKey;
         std::string narrowValue;
         if (!EncodeWldString(key, keyCodePage, narrowKey) ||
@@ -87,6 +99,7 @@ private:
     unsigned valueCodePage;
     // Keys by hash: the dictionary holds one entry per hash.
     std::unordered_map<DWORD, WideText> seen;
+    bool namedNoted = false;
 };
 
 }  // namespace
