@@ -48,8 +48,9 @@ void LoadModule(CSuppDictionary& dictionary, const char* module, IParam* moduleS
         Held<Names> values(dialog ? dialog->EnumValues() : nullptr);
         if (!values)
             continue;
-        dictionary.dialogs.Set(static_cast<int>(Supp_HashKey(DialogLayoutKey(module, name).c_str())),
-                               LayoutOf(dialog.get(), values.get()));
+        dictionary.dialogs.Set(
+            static_cast<int>(Supp_HashKey(DialogLayoutKey(module, name).c_str())),
+            LayoutOf(dialog.get(), values.get()));
     }
 }
 

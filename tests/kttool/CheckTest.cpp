@@ -131,7 +131,8 @@ TEST_F(Check, AnEntryForTheDialogFontIsInUse) {
 }
 
 // Modules and dictionaries made in place, for what the test module lacks.
-ModuleText MenuOrStringText(unsigned kind, std::uint32_t language, std::string position, const char* text) {
+ModuleText MenuOrStringText(unsigned kind, std::uint32_t language, std::string position,
+                            const char* text) {
     ModuleText made;
     made.kind = kind;
     made.resource = ResourceName::Number(kind == kSuppKindMenu ? 200 : 1);
@@ -161,19 +162,19 @@ std::vector<Finding> FindingsIn(const WldEntries& dictionary, std::vector<Module
 }
 
 TEST(CheckInPlace, AMissingTextIsReportedOnceForAllItsLanguages) {
-    const std::vector<Finding> findings =
-        FindingsIn(DictionaryOf({}), {MenuOrStringText(kSuppKindString, 1033, "string 0", "Hello"),
-                                      MenuOrStringText(kSuppKindString, 1031, "string 0", "Hello")});
+    const std::vector<Finding> findings = FindingsIn(
+        DictionaryOf({}), {MenuOrStringText(kSuppKindString, 1033, "string 0", "Hello"),
+                           MenuOrStringText(kSuppKindString, 1031, "string 0", "Hello")});
     ASSERT_EQ(findings.size(), 1u);
     EXPECT_EQ(findings[0].kind, "missing");
 }
 
 // Both letters were O in the module; translation gives both an f.
 TEST(CheckInPlace, ALetterTwoTextsShareAfterTranslationIsReportedThoughTheyClashedBefore) {
-    const std::vector<Finding> findings =
-        FindingsIn(DictionaryOf({{"app.dll#2#200&Open", "O&ffnen"}, {"app.dll#2#200&Options", "&Fenster"}}),
-                   {MenuOrStringText(kSuppKindMenu, 1033, "item 0", "&Open"),
-                    MenuOrStringText(kSuppKindMenu, 1033, "item 1", "&Options")});
+    const std::vector<Finding> findings = FindingsIn(
+        DictionaryOf({{"app.dll#2#200&Open", "O&ffnen"}, {"app.dll#2#200&Options", "&Fenster"}}),
+        {MenuOrStringText(kSuppKindMenu, 1033, "item 0", "&Open"),
+         MenuOrStringText(kSuppKindMenu, 1033, "item 1", "&Options")});
     ASSERT_EQ(findings.size(), 1u);
     EXPECT_EQ(findings[0].kind, "accelerators");
     EXPECT_EQ(findings[0].line, 5u);
@@ -183,7 +184,8 @@ TEST(CheckInPlace, ALetterTwoTextsShareAfterTranslationIsReportedThoughTheyClash
 TEST(CheckInPlace, AnEmptyLineThatEndsTheDictionaryIsReported) {
     Scratch scratch;
     const std::string path = scratch / "ended.wld";
-    std::ofstream(path, std::ios::binary) << "\"KT_WLD_LANG_ID\"\n\"1033\"\n\n\"Open\"\n\"Ouvrir\"\n";
+    std::ofstream(path, std::ios::binary)
+        << "\"KT_WLD_LANG_ID\"\n\"1033\"\n\n\"Open\"\n\"Ouvrir\"\n";
     const std::vector<Finding> findings = CheckDictionary(ReadWldEntries(path), {}, 0);
     ASSERT_EQ(findings.size(), 1u);
     EXPECT_EQ(findings[0].kind, "ended");

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #if defined(_WIN32)
-#include "tools/kttool/AnsiText.h"
+#    include "tools/kttool/AnsiText.h"
 #endif
 
 #include "kticore/strings/XStringW.h"
@@ -28,7 +28,9 @@ constexpr unsigned kPathCodePage = kt::sys::kAnsiCodePage;
 // The prefix the running library makes for the text's resource.
 WideText LibraryPrefix(HMODULE module, const ModuleText& text) {
     KTWCHAR prefix[kKeyedCapacityW] = {};
-    Supp_MakeKeyW(module, text.resource.isNumber ? MAKEINTRESOURCEW(text.resource.number) : text.resource.text.c_str(),
+    Supp_MakeKeyW(module,
+                  text.resource.isNumber ? MAKEINTRESOURCEW(text.resource.number)
+                                         : text.resource.text.c_str(),
                   prefix, text.kind);
     return prefix;
 }
@@ -38,8 +40,10 @@ constexpr unsigned kPathCodePage = kt::sys::kUtf8CodePage;
 // No module of this format loads natively: the prefix as the README defines it.
 using HMODULE = std::nullptr_t;
 WideText LibraryPrefix(HMODULE, const ModuleText& text) {
-    const std::string id = text.resource.isNumber ? std::to_string(text.resource.number) : std::string();
-    return kModuleName + KTW("#") + KTWCHAR('0' + text.kind) + KTW("#") + WideText(id.begin(), id.end()) +
+    const std::string id =
+        text.resource.isNumber ? std::to_string(text.resource.number) : std::string();
+    return kModuleName + KTW("#") + KTWCHAR('0' + text.kind) + KTW("#") +
+           WideText(id.begin(), id.end()) +
            (text.resource.isNumber ? WideText() : text.resource.text);
 }
 #endif
@@ -50,7 +54,8 @@ TEST(Extract, EveryTextIsFoundUnderTheKeyTheLibraryMakes) {
     const std::string copy = scratch / Narrow(kModuleName, kPathCodePage);
     const Bytes bytes = ReadWholeFile(kTextsModule);
     std::ofstream(copy, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
     ASSERT_EQ(RunKtTool({"extract", copy, "-o", skeleton}).status, kSuccess);
     kt::LoadWldFile(kt::SuppDictionary(), CXStringW(skeleton.c_str()));
 #if defined(_WIN32)

@@ -117,7 +117,8 @@ const Breakage kBreakages[] = {
      [](Bytes& bytes) {
          const size_t root = ResourceDirectoryOffset(bytes);
          const size_t types = Dword(bytes, root + 16 + 4) & 0x7FFFFFFF;
-         SetDword(bytes, root + types + 16 + 4, 0x80000000u | static_cast<std::uint32_t>(types + 8));
+         SetDword(bytes, root + types + 16 + 4,
+                  0x80000000u | static_cast<std::uint32_t>(types + 8));
      },
      "tables overlap"},
     {"a menu cut short", [](Bytes& bytes) { SetDword(bytes, FirstDataEntry(bytes) + 4, 6); },

@@ -119,7 +119,8 @@ TEST(Render, LongerTextsOverflowAndTheFittedLayoutMakesRoomForThem) {
     const std::string start = scratch / "start.dlg";
     const std::string kept = "[\\other.dll\\Dialogs\\#7]\n";
     WriteLines(start, {kept, "9=t0,0,5,0\n"});
-    const ToolRun fit = RunProgram({"fit", kDialogsModule, "--wld", longer, "--dlg", start, "-o", fitted}, output);
+    const ToolRun fit =
+        RunProgram({"fit", kDialogsModule, "--wld", longer, "--dlg", start, "-o", fitted}, output);
     ASSERT_EQ(fit.status, kSuccess) << fit.out;
     const std::vector<std::string> fittedLines = LinesOf(fitted);
     EXPECT_NE(std::find(fittedLines.begin(), fittedLines.end(), kept), fittedLines.end());
@@ -145,11 +146,14 @@ TEST(Render, ATextThatEscapesTranslationIsListed) {
     const std::string pseudo = scratch / "pseudo.wld";
     ASSERT_EQ(RunKtTool({"extract", notesApp, "-o", skeleton}).status, kSuccess);
     ASSERT_EQ(RunKtTool({"pseudo", skeleton, "-o", pseudo}).status, kSuccess);
-    const ToolRun run = RunProgram({"render", notesApp, "--wld", pseudo, "-o", scratch / "pictures"}, scratch / "out.txt");
+    const ToolRun run = RunProgram(
+        {"render", notesApp, "--wld", pseudo, "-o", scratch / "pictures"}, scratch / "out.txt");
     EXPECT_EQ(run.status, kFindings);
     // Overflows may be listed too: pseudo-translation lengthens.
     const std::string escape = "escapes translation";
-    EXPECT_NE(run.out.find("notes_app.exe dialog 200 control 1 \"Untitled\": " + escape), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("notes_app.exe dialog 200 control 1 \"Untitled\": " + escape),
+              std::string::npos)
+        << run.out;
     EXPECT_EQ(run.out.find(escape), run.out.rfind(escape)) << run.out;
 }
 
@@ -165,7 +169,9 @@ TEST(Render, CommandLinesAreAnswered) {
         {{"render", kDialogsModule}, kFailure, "needs at least one MODULE and -o"},
         {{"fit", kDialogsModule, "-o", "out.dlg"}, kFailure, "--wld"},
         // Not a dictionary's text: the test module itself.
-        {{"render", kDialogsModule, "--wld", kDialogsModule, "-o", scratch / "pictures"}, kFailure, "not a dictionary"},
+        {{"render", kDialogsModule, "--wld", kDialogsModule, "-o", scratch / "pictures"},
+         kFailure,
+         "not a dictionary"},
     };
     for (const auto& answer : answers) {
         const ToolRun run = RunKtTool(answer.args);

@@ -122,7 +122,8 @@ TEST(RunFailures, EachHasAMessageAndStatusTwo) {
         {{"run", kNotesApp}, "needs an APP.exe and --wld"},
         {{"run", missing + ".exe", "--wld", kNotesWld}, "missing.exe: cannot be read"},
         {{"run", kNotesApp, "--wld", missing + ".wld"}, "missing.wld: cannot be read"},
-        {{"run", kNotesApp, "--wld", kNotesWld, "--dlg", missing + ".dlg"}, "missing.dlg: cannot be read"},
+        {{"run", kNotesApp, "--wld", kNotesWld, "--dlg", missing + ".dlg"},
+         "missing.dlg: cannot be read"},
         {{"run", notAnExecutable, "--wld", kNotesWld}, "cannot start the application"},
         {{"run", kNotesApp, "--wld", notAnExecutable}, "not a dictionary"},
     };

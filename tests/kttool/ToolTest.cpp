@@ -45,7 +45,9 @@ TEST(Tool, EveryCommandLineIsAnsweredWithAStatusAndAMessage) {
         {{"check", garbage}, kFailure, "not a dictionary"},
         {{"check", prose, kTextsModule}, kFailure, "not a dictionary"},
         {{"pseudo", garbage, "-o", scratch / "b.wld"}, kFailure, "not a dictionary"},
-        {{"pseudo", small, "-o", scratch / "b.wld", "--lang", "1049"}, kSuccess, "no accented Latin letters"},
+        {{"pseudo", small, "-o", scratch / "b.wld", "--lang", "1049"},
+         kSuccess,
+         "no accented Latin letters"},
     };
     for (const Answer& answer : answers) {
         const ToolRun run = RunKtTool(answer.args);
@@ -88,7 +90,8 @@ TEST(Pseudo, ValuesGrowAndKeepWhatTheProgramReads) {
 TEST(Pseudo, AKeyWithoutAValueKeepsTheEntriesBehindIt) {
     Scratch scratch;
     std::ofstream(scratch / "in.wld", std::ios::binary) << "\"Open\"\n\n\"Close\"\n\"Fermer\"\n";
-    ASSERT_EQ(RunKtTool({"pseudo", scratch / "in.wld", "-o", scratch / "out.wld"}).status, kSuccess);
+    ASSERT_EQ(RunKtTool({"pseudo", scratch / "in.wld", "-o", scratch / "out.wld"}).status,
+              kSuccess);
     const WldEntries read = ReadWldEntries(scratch / "out.wld");
     ASSERT_EQ(read.entries.size(), 3u);  // the language, Open, Close
     EXPECT_EQ(read.entries[1].value.front(), '[');

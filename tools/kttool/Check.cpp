@@ -104,7 +104,7 @@ private:
     struct Entry {
         const WldEntry* read = nullptr;
         WideText key;
-        WideText value;  // as the dictionary shows it: an empty value shows the key
+        WideText value;         // as the dictionary shows it: an empty value shows the key
         bool admitted = false;  // the first of its hash: the dictionary holds it
         bool isLanguage = false;
         bool used = false;
@@ -216,16 +216,16 @@ private:
         if (!entry.admitted || entry.isLanguage)
             return;
         const std::string& raw = entry.read->value;
-        if (languageKnown &&
-            (Narrow(Widen(raw, valueCodePage), valueCodePage) != raw ||
-             (valueCodePage != kt::sys::kUtf8CodePage && LooksLikeUtf8(raw))))
+        if (languageKnown && (Narrow(Widen(raw, valueCodePage), valueCodePage) != raw ||
+                              (valueCodePage != kt::sys::kUtf8CodePage && LooksLikeUtf8(raw))))
             Report(entry.read->valueLine, "language",
                    "value is no text of code page " + std::to_string(valueCodePage) +
                        ", the language's");
         if (!modules.empty() && !entry.used && !(rewritesFont && entry.key == fontFace))
             Report(line, "unused", "key " + Quoted(entry.key) + " matches no text of the modules");
         if (raw.empty()) {
-            Report(line, "untranslated", "empty value: the text shows as its key " + Quoted(entry.key));
+            Report(line, "untranslated",
+                   "empty value: the text shows as its key " + Quoted(entry.key));
             return;
         }
         if (entry.value == entry.source || entry.value == entry.key) {
@@ -269,7 +269,8 @@ private:
             const Holder& other = first.first->second;
             if (first.second || (entry == nullptr && other.entry == nullptr))
                 continue;
-            if (AcceleratorLetter(text.text) == letter && AcceleratorLetter(other.text->text) == letter)
+            if (AcceleratorLetter(text.text) == letter &&
+                AcceleratorLetter(other.text->text) == letter)
                 continue;
             const Entry* reported = entry != nullptr ? entry : other.entry;
             Report(reported->read->keyLine, "accelerators",

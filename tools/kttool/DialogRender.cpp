@@ -15,8 +15,8 @@
 #include "tools/kttool/WldEntries.h"
 #include "tools/kttool/WldText.h"
 #include "tools/picture/WindowPicture.h"
-#include "translation/DialogTemplate.h"
 #include "translation/DialogLayouts.h"
+#include "translation/DialogTemplate.h"
 #include "translation/Lookup.h"
 #include "translation/WldFile.h"
 
@@ -112,7 +112,8 @@ Translations TranslationsOfDictionary() {
     return translations;
 }
 
-void NoteEscape(HWND window, std::string position, const Translations& translations, RenderedDialog& rendered) {
+void NoteEscape(HWND window, std::string position, const Translations& translations,
+                RenderedDialog& rendered) {
     std::wstring text = WindowText(window);
     if (!translations.empty() && !text.empty() && translations.count(text) == 0)
         rendered.escapes.push_back({std::move(position), std::move(text)});
@@ -120,7 +121,8 @@ void NoteEscape(HWND window, std::string position, const Translations& translati
 
 // The controls' places, the texts that do not fit in the dialog's font, and
 // those that escaped translation.
-void Measure(HWND dialog, const Translations& translations, RenderedDialog& rendered, std::vector<RECT>& outlines) {
+void Measure(HWND dialog, const Translations& translations, RenderedDialog& rendered,
+             std::vector<RECT>& outlines) {
     NoteEscape(dialog, "caption", translations, rendered);
     auto font = reinterpret_cast<HFONT>(SendMessageW(dialog, WM_GETFONT, 0, 0));
     if (font == nullptr)
@@ -250,8 +252,9 @@ std::string LoadTranslation(const std::string& wld, const std::string& dlg) {
         return {};
     CXStringW twin(Wide(wld).c_str());
     twin.ChangeFileExt(kLayoutExtension);
-    return kt::LoadDialogLayouts(dictionary, twin) != 0 ? Narrow(static_cast<const KTWCHAR*>(twin), CP_ACP)
-                                                        : std::string();
+    return kt::LoadDialogLayouts(dictionary, twin) != 0
+               ? Narrow(static_cast<const KTWCHAR*>(twin), CP_ACP)
+               : std::string();
 }
 
 }  // namespace kttool

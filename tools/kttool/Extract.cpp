@@ -69,9 +69,9 @@ public:
             // The library keys a named dialog or menu by the name as the
             // application spells it in its call, which the module does not
             // keep; FindResource matches the name case-blind, the keys do not.
-            Line("; a dialog or menu with a name is keyed here by the name as the module's resources hold");
-            Line("; it (resource compilers write it in capitals); where the application asks for it in");
-            Line("; another spelling, the key must use that spelling");
+            Line("; a dialog or menu with a name is keyed by the name as the module holds it");
+            Line("; (in capitals, as resource compilers write it); where the application asks");
+            Line("; for it in another spelling, the key must use that spelling");
             namedNoted = true;
         }
         std::string narrowKey;

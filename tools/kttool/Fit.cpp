@@ -111,7 +111,8 @@ struct LayoutSection {
 
 LayoutSection SectionOf(const RenderedDialog& dialog) {
     return {dialog.moduleFile,
-            dialog.name.isNumber ? "#" + std::to_string(dialog.name.number) : Narrow(dialog.name.text, CP_ACP),
+            dialog.name.isNumber ? "#" + std::to_string(dialog.name.number)
+                                 : Narrow(dialog.name.text, CP_ACP),
             dialog.keyHash};
 }
 
@@ -126,10 +127,12 @@ std::vector<LayoutSection> SectionsOf(const std::string& path) {
     kt::params::Held<Names> modules(tree->EnumSections());
     for (const char* module = nullptr; modules->Next(1, &module, nullptr);) {
         kt::params::Held<IParam> section(tree->GetSection(module, 0));
-        kt::params::Held<IParam> dialogs(section ? section->GetSection(kDialogsSection, 0) : nullptr);
+        kt::params::Held<IParam> dialogs(section ? section->GetSection(kDialogsSection, 0)
+                                                 : nullptr);
         kt::params::Held<Names> names(dialogs ? dialogs->EnumSections() : nullptr);
         for (const char* name = nullptr; names && names->Next(1, &name, nullptr);)
-            sections.push_back({module, name, Supp_HashKey(kt::DialogLayoutKey(module, name).c_str())});
+            sections.push_back(
+                {module, name, Supp_HashKey(kt::DialogLayoutKey(module, name).c_str())});
     }
     return sections;
 }
@@ -143,7 +146,8 @@ void WriteLayouts(const std::vector<LayoutSection>& sections, const std::string&
     for (const LayoutSection& section : sections) {
         kt::KTDlgPos* layout = nullptr;
         if (!written.insert(section.keyHash).second ||
-            !kt::SuppDictionary().dialogs.Lookup(static_cast<int>(section.keyHash), layout) || layout == nullptr)
+            !kt::SuppDictionary().dialogs.Lookup(static_cast<int>(section.keyHash), layout) ||
+            layout == nullptr)
             continue;
         file << "[\\" << section.module << "\\" << kDialogsSection << "\\" << section.name << "]\n";
         file << kt::kDialogSizeValue << "=z" << layout->size.cx << "," << layout->size.cy << "\n";
@@ -152,8 +156,8 @@ void WriteLayouts(const std::vector<LayoutSection>& sections, const std::string&
         while (const int* control = layout->items.NextKey(position))
             layout->items.Lookup(*control, items[*control]);
         for (const auto& [control, edges] : items)
-            file << control << "=t" << edges.left << "," << edges.top << "," << edges.right << "," << edges.bottom
-                 << "\n";
+            file << control << "=t" << edges.left << "," << edges.top << "," << edges.right << ","
+                 << edges.bottom << "\n";
     }
     file.close();
     if (!file)

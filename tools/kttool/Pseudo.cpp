@@ -95,7 +95,9 @@ public:
     }
     // A line with nothing before its LF: where a key is due, it ends the
     // dictionary.
-    bool IsEmpty(unsigned number) const { return number <= lines.size() && lines[number - 1] == "\n"; }
+    bool IsEmpty(unsigned number) const {
+        return number <= lines.size() && lines[number - 1] == "\n";
+    }
 
     void WriteTo(std::ostream& out) const {
         for (size_t i = 0; i < lines.size(); ++i)

@@ -30,8 +30,7 @@ bool IsLookedUp(const ModuleText& text) {
 }  // namespace
 
 WideText KeyPrefix(const WideText& keyName, const ModuleText& text) {
-    const WideText id =
-        text.resource.isNumber ? Digits(text.resource.number) : text.resource.text;
+    const WideText id = text.resource.isNumber ? Digits(text.resource.number) : text.resource.text;
     return keyName + KTWCHAR('#') + Digits(text.kind) + KTWCHAR('#') + id;
 }
 

@@ -44,7 +44,8 @@ std::vector<std::string> LinesOf(const Bytes& bytes) {
 
 bool HoldsString(const std::string& line) {
     const size_t start = line.find_first_not_of(" \t\r");
-    return start != std::string::npos && line[start] == '"' && line.find_last_not_of(" \t\r") > start;
+    return start != std::string::npos && line[start] == '"' &&
+           line.find_last_not_of(" \t\r") > start;
 }
 
 // The empty line behind the last pair that ends the dictionary, when a
@@ -100,9 +101,10 @@ WldEntries ReadWldEntries(const std::string& path) {
     }
     read.endingLine = EndingLine(bytes, read.entries);
     if (read.entries.empty() && !bytes.empty())
-        throw std::runtime_error(path + (read.endingLine != 0 ? ": the empty line " + std::to_string(read.endingLine) +
-                                                                    " ends the dictionary before its first entry"
-                                                              : ": holds no quoted entry: not a dictionary's text"));
+        throw std::runtime_error(
+            path + (read.endingLine != 0 ? ": the empty line " + std::to_string(read.endingLine) +
+                                               " ends the dictionary before its first entry"
+                                         : ": holds no quoted entry: not a dictionary's text"));
     return read;
 }
 
