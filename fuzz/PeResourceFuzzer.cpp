@@ -1,7 +1,8 @@
 // Arbitrary bytes as a PE file: its resource directory read and the texts
 // of its string tables, menus and dialogs taken out. A malformed file is
 // answered with FormatError, never with a read outside the bytes; what is
-// read is never larger than the file.
+// read is never larger than the file, nor are there more resources than
+// the file has room for.
 #include <cstdint>
 
 #include "fuzz/FuzzStreams.h"
@@ -11,6 +12,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     const kttool::Bytes file(data, data + size);
     try {
         const std::vector<kttool::PeResource> resources = kttool::ReadPeResources(file);
+        // Each resource has a directory entry and a data entry of its own.
+        constexpr size_t kBytesOfOneResource = 8 + 16;
+        kt::fuzz::Check(resources.size() <= size / kBytesOfOneResource);
         for (const kttool::PeResource& resource : resources)
             kt::fuzz::Check(resource.data.size() <= size);
         size_t nextScope = 1;

@@ -18,15 +18,6 @@ using Names = CTEnum<const char*>;
 
 constexpr char kDialogsSection[] = "Dialogs";
 
-// The key of dialog `name` of `module`, as Supp_MakeKeyA makes it: "#100"
-// gives "app.dll#1#100", "Main" gives "app.dll#1#Main".
-std::string DialogKey(const char* module, const char* name) {
-    std::string key = std::string(module) + "#" + std::to_string(kSuppKindDialog);
-    if (name[0] != '#')
-        key += "#";
-    return key + name;
-}
-
 // The layout of one dialog section: its size, and its rectangles by the
 // control's position. Values of other kinds are skipped.
 KTDlgPos* LayoutOf(IParam* dialog, Names* values) {
@@ -57,12 +48,20 @@ void LoadModule(CSuppDictionary& dictionary, const char* module, IParam* moduleS
         Held<Names> values(dialog ? dialog->EnumValues() : nullptr);
         if (!values)
             continue;
-        dictionary.dialogs.Set(static_cast<int>(Supp_HashKey(DialogKey(module, name).c_str())),
-                               LayoutOf(dialog.get(), values.get()));
+        dictionary.dialogs.Set(
+            static_cast<int>(Supp_HashKey(DialogLayoutKey(module, name).c_str())),
+            LayoutOf(dialog.get(), values.get()));
     }
 }
 
 }  // namespace
+
+std::string DialogLayoutKey(const char* module, const char* name) {
+    std::string key = std::string(module) + "#" + std::to_string(kSuppKindDialog);
+    if (name[0] != '#')
+        key += "#";
+    return key + name;
+}
 
 int LoadDialogLayouts(CSuppDictionary& dictionary, const KTWCHAR* path) {
     Held<IParam> tree(new_MemParam());

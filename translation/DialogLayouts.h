@@ -8,6 +8,8 @@
 // in dialog units. A dialog named by text has no "#": [\app.dll\Dialogs\Main].
 #pragma once
 
+#include <string>
+
 #include "kticore/platform/Platform.h"
 #include "translation/SuppDictionary.h"
 
@@ -16,6 +18,11 @@ namespace kt {
 // The name of the size value; every other value of kind rectangle is a
 // control's edge offsets, named by the control's position in the template.
 constexpr char kDialogSizeValue[] = "Dialog Size";
+
+// The resource key of dialog section `name` of module section `module`, as
+// Supp_MakeKeyA makes it: "#100" gives "app.dll#1#100", "Main" gives
+// "app.dll#1#Main". Its Supp_HashKey identifies the layout.
+KTCORE_API std::string DialogLayoutKey(const char* module, const char* name);
 
 // Adds the layouts of the file at `path` to `dictionary.dialogs`, by the
 // case-blind hash of each dialog's resource key; a dialog defined again

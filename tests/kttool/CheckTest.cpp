@@ -7,6 +7,8 @@
 
 #include "tests/kttool/ToolTestSupport.h"
 #include "tools/kttool/Check.h"
+#include "translation/Lookup.h"
+#include "translation/SuppDictionary.h"
 
 namespace kttool::test {
 namespace {
@@ -69,6 +71,8 @@ const PlantedFault kFaults[] = {
          return SetValue(l, "texts.dll#2#200&Save\\tCtrl+S", "[&Enregistrer]\\tCtrl+E");
      }},
     {"untranslated", [](Lines& l) { return SetValue(l, "texts.dll#1#100Cancel", "Cancel"); }},
+    // An empty value shows the whole key: no '&' count to compare.
+    {"untranslated", [](Lines& l) { return SetValue(l, "texts.dll#1#100&Remember", ""); }},
     {"language", [](Lines& l) { return Remove(l, "KT_WLD_LANG_ID"); }},
     {"language", [](Lines& l) { return SetValue(l, "KT_WLD_LANG_ID", "French") + 1; }},
     // Saved as UTF-8 under a language of code page 1252.
@@ -110,10 +114,82 @@ TEST_F(Check, EachPlantedFaultIsTheOneFindingOnItsLine) {
         ASSERT_EQ(findings.size(), 1u) << listed;
         EXPECT_EQ(findings[0].kind, fault.kind) << findings[0].message;
         EXPECT_EQ(findings[0].line, line) << findings[0].message;
+        const ToolRun run = RunKtTool({"check", scratch / "faulty.wld", kTextsModule});
+        EXPECT_EQ(run.status, kFindings);
+        EXPECT_NE(run.out.find("faulty.wld:"), std::string::npos) << run.out;
     }
-    const ToolRun run = RunKtTool({"check", scratch / "faulty.wld", kTextsModule});
-    EXPECT_EQ(run.status, kFindings);
-    EXPECT_NE(run.out.find("faulty.wld:"), std::string::npos) << run.out;
+}
+
+// The rewriting of the module's dialogs, which set their font, looks the
+// dictionary's face name up.
+TEST_F(Check, AnEntryForTheDialogFontIsInUse) {
+    Lines lines = LinesOf(clean);
+    const WideText face(kt::SuppDictionary().fontName);
+    Append(lines, std::string(face.begin(), face.end()), "Tahoma");
+    WriteLines(scratch / "font.wld", lines);
+    EXPECT_TRUE(FindingsOf(scratch / "font.wld").empty());
+}
+
+// Modules and dictionaries made in place, for what the test module lacks.
+ModuleText MenuOrStringText(unsigned kind, std::uint32_t language, std::string position,
+                            const char* text) {
+    ModuleText made;
+    made.kind = kind;
+    made.resource = ResourceName::Number(kind == kSuppKindMenu ? 200 : 1);
+    made.language = language;
+    made.position = std::move(position);
+    made.scope = kind == kSuppKindMenu ? 1 : 0;
+    made.text.assign(text, text + std::char_traits<char>::length(text));
+    return made;
+}
+
+WldEntries DictionaryOf(std::vector<std::pair<std::string, std::string>> pairs) {
+    pairs.insert(pairs.begin(), {"KT_WLD_LANG_ID", "1033"});
+    WldEntries dictionary;
+    for (auto& [key, value] : pairs) {
+        const auto line = static_cast<unsigned>(2 * dictionary.entries.size() + 1);
+        dictionary.entries.push_back({key, value, line, line + 1});
+    }
+    return dictionary;
+}
+
+std::vector<Finding> FindingsIn(const WldEntries& dictionary, std::vector<ModuleText> texts) {
+    Module module;
+    module.fileName = "app.dll";
+    module.keyName = KTW("app.dll");
+    module.texts = std::move(texts);
+    return CheckDictionary(dictionary, {module}, 0);
+}
+
+TEST(CheckInPlace, AMissingTextIsReportedOnceForAllItsLanguages) {
+    const std::vector<Finding> findings = FindingsIn(
+        DictionaryOf({}), {MenuOrStringText(kSuppKindString, 1033, "string 0", "Hello"),
+                           MenuOrStringText(kSuppKindString, 1031, "string 0", "Hello")});
+    ASSERT_EQ(findings.size(), 1u);
+    EXPECT_EQ(findings[0].kind, "missing");
+}
+
+// Both letters were O in the module; translation gives both an f.
+TEST(CheckInPlace, ALetterTwoTextsShareAfterTranslationIsReportedThoughTheyClashedBefore) {
+    const std::vector<Finding> findings = FindingsIn(
+        DictionaryOf({{"app.dll#2#200&Open", "O&ffnen"}, {"app.dll#2#200&Options", "&Fenster"}}),
+        {MenuOrStringText(kSuppKindMenu, 1033, "item 0", "&Open"),
+         MenuOrStringText(kSuppKindMenu, 1033, "item 1", "&Options")});
+    ASSERT_EQ(findings.size(), 1u);
+    EXPECT_EQ(findings[0].kind, "accelerators");
+    EXPECT_EQ(findings[0].line, 5u);
+}
+
+// An empty line where a key is due ends the dictionary, also before entries.
+TEST(CheckInPlace, AnEmptyLineThatEndsTheDictionaryIsReported) {
+    Scratch scratch;
+    const std::string path = scratch / "ended.wld";
+    std::ofstream(path, std::ios::binary)
+        << "\"KT_WLD_LANG_ID\"\n\"1033\"\n\n\"Open\"\n\"Ouvrir\"\n";
+    const std::vector<Finding> findings = CheckDictionary(ReadWldEntries(path), {}, 0);
+    ASSERT_EQ(findings.size(), 1u);
+    EXPECT_EQ(findings[0].kind, "ended");
+    EXPECT_EQ(findings[0].line, 3u);
 }
 
 }  // namespace

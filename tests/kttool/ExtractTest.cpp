@@ -1,11 +1,16 @@
 // A skeleton is read back by the dictionary itself: each text of the module
 // is found by its own keyed lookup, with the text as its value.
+#include <fstream>
 #include <string_view>
 
+#if defined(_WIN32)
+#    include "tools/kttool/AnsiText.h"
+#endif
+
 #include "kticore/strings/XStringW.h"
+#include "platform/TextConversion.h"
 #include "tests/kttool/ToolTestSupport.h"
 #include "tools/kttool/ModuleTexts.h"
-#include "tools/kttool/ResourceKeys.h"
 #include "tools/kttool/WldText.h"
 #include "translation/Lookup.h"
 #include "translation/SuppDictionary.h"
@@ -14,16 +19,56 @@
 namespace kttool::test {
 namespace {
 
-TEST(Extract, EveryTextIsFoundByTheDictionarysOwnLookup) {
+// The module under a name beyond ASCII, which keys hold as the system gives it.
+const WideText kModuleName = KTW("B\u00fcro.dll");
+
+#if defined(_WIN32)
+constexpr unsigned kPathCodePage = kt::sys::kAnsiCodePage;
+
+// The prefix the running library makes for the text's resource.
+WideText LibraryPrefix(HMODULE module, const ModuleText& text) {
+    KTWCHAR prefix[kKeyedCapacityW] = {};
+    Supp_MakeKeyW(module,
+                  text.resource.isNumber ? MAKEINTRESOURCEW(text.resource.number)
+                                         : text.resource.text.c_str(),
+                  prefix, text.kind);
+    return prefix;
+}
+#else
+constexpr unsigned kPathCodePage = kt::sys::kUtf8CodePage;
+
+// No module of this format loads natively: the prefix as the README defines it.
+using HMODULE = std::nullptr_t;
+WideText LibraryPrefix(HMODULE, const ModuleText& text) {
+    const std::string id =
+        text.resource.isNumber ? std::to_string(text.resource.number) : std::string();
+    return kModuleName + KTW("#") + KTWCHAR('0' + text.kind) + KTW("#") +
+           WideText(id.begin(), id.end()) +
+           (text.resource.isNumber ? WideText() : text.resource.text);
+}
+#endif
+
+TEST(Extract, EveryTextIsFoundUnderTheKeyTheLibraryMakes) {
     Scratch scratch;
     const std::string skeleton = scratch / "skeleton.wld";
-    ASSERT_EQ(RunKtTool({"extract", kTextsModule, "-o", skeleton}).status, kSuccess);
+    const std::string copy = scratch / Narrow(kModuleName, kPathCodePage);
+    const Bytes bytes = ReadWholeFile(kTextsModule);
+    std::ofstream(copy, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+    ASSERT_EQ(RunKtTool({"extract", copy, "-o", skeleton}).status, kSuccess);
     kt::LoadWldFile(kt::SuppDictionary(), CXStringW(skeleton.c_str()));
-    const Module module = ReadModule(kTextsModule);
-    ASSERT_FALSE(module.texts.empty());
-    for (const ModuleText& text : module.texts) {
+#if defined(_WIN32)
+    const HMODULE module = LoadLibraryW(Wide(copy).c_str());
+    ASSERT_NE(module, nullptr);
+#else
+    const HMODULE module = nullptr;
+#endif
+    const std::vector<ModuleText> texts = ReadModule(kTextsModule).texts;
+    ASSERT_FALSE(texts.empty());
+    for (const ModuleText& text : texts) {
         SCOPED_TRACE(Printable(text.text));
-        const WideText keyed = KeyPrefix(module.fileName, text) + text.text;
+        const WideText keyed = LibraryPrefix(module, text) + text.text;
         const KTWCHAR* found = Supp_LookupW(keyed.c_str(), 1);
         ASSERT_NE(found, nullptr);
         EXPECT_EQ(WideText(found), text.text);

@@ -111,6 +111,16 @@ const Breakage kBreakages[] = {
     {"a directory entry that points back to the root",
      [](Bytes& bytes) { SetDword(bytes, ResourceDirectoryOffset(bytes) + 20, 0x80000000u); },
      "reached twice"},
+    // The type directory's first entry points into its own entries: the
+    // directory there counts tens of thousands of entries in those bytes.
+    {"directory tables that overlap",
+     [](Bytes& bytes) {
+         const size_t root = ResourceDirectoryOffset(bytes);
+         const size_t types = Dword(bytes, root + 16 + 4) & 0x7FFFFFFF;
+         SetDword(bytes, root + types + 16 + 4,
+                  0x80000000u | static_cast<std::uint32_t>(types + 8));
+     },
+     "tables overlap"},
     {"a menu cut short", [](Bytes& bytes) { SetDword(bytes, FirstDataEntry(bytes) + 4, 6); },
      "menu 200: cut short"},
 };

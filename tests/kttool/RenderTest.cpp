@@ -3,6 +3,7 @@
 // process of its own, as a translator's does.
 #include <windows.h>
 
+#include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <sstream>
@@ -114,8 +115,16 @@ TEST(Render, LongerTextsOverflowAndTheFittedLayoutMakesRoomForThem) {
         EXPECT_NE(overflowing.out.find(control), std::string::npos) << control << "\n" << overflowing.out;
     EXPECT_TRUE(HasPictures(scratch / "long"));
 
-    const ToolRun fit = RunProgram({"fit", kDialogsModule, "--wld", longer, "-o", fitted}, output);
+    // The layouts fit starts from: one of a module not fitted here, kept.
+    const std::string start = scratch / "start.dlg";
+    const std::string kept = "[\\other.dll\\Dialogs\\#7]\n";
+    WriteLines(start, {kept, "9=t0,0,5,0\n"});
+    const ToolRun fit =
+        RunProgram({"fit", kDialogsModule, "--wld", longer, "--dlg", start, "-o", fitted}, output);
     ASSERT_EQ(fit.status, kSuccess) << fit.out;
+    const std::vector<std::string> fittedLines = LinesOf(fitted);
+    EXPECT_NE(std::find(fittedLines.begin(), fittedLines.end(), kept), fittedLines.end());
+    EXPECT_EQ(EdgesOf(fitted, 9), (std::vector<int>{0, 0, 5, 0}));
     const ToolRun refitted =
         RunProgram({"render", kDialogsModule, "--wld", longer, "--dlg", fitted, "-o", scratch / "fitted"}, output);
     EXPECT_EQ(refitted.status, kSuccess) << refitted.out;
@@ -128,7 +137,28 @@ TEST(Render, LongerTextsOverflowAndTheFittedLayoutMakesRoomForThem) {
         EXPECT_GE(EdgesOf(fitted, right).at(0), label[2]) << "control " << right;
 }
 
+// pseudo then render on the notes application: every text of its dialogs is
+// pseudo-translated but the title field's default, which the rewriting leaves.
+TEST(Render, ATextThatEscapesTranslationIsListed) {
+    Scratch scratch;
+    const std::string notesApp = std::string(KTTOOL_NOTES_APP_DIR) + "/notes_app.exe";
+    const std::string skeleton = scratch / "notes.wld";
+    const std::string pseudo = scratch / "pseudo.wld";
+    ASSERT_EQ(RunKtTool({"extract", notesApp, "-o", skeleton}).status, kSuccess);
+    ASSERT_EQ(RunKtTool({"pseudo", skeleton, "-o", pseudo}).status, kSuccess);
+    const ToolRun run = RunProgram(
+        {"render", notesApp, "--wld", pseudo, "-o", scratch / "pictures"}, scratch / "out.txt");
+    EXPECT_EQ(run.status, kFindings);
+    // Overflows may be listed too: pseudo-translation lengthens.
+    const std::string escape = "escapes translation";
+    EXPECT_NE(run.out.find("notes_app.exe dialog 200 control 1 \"Untitled\": " + escape),
+              std::string::npos)
+        << run.out;
+    EXPECT_EQ(run.out.find(escape), run.out.rfind(escape)) << run.out;
+}
+
 TEST(Render, CommandLinesAreAnswered) {
+    Scratch scratch;
     const struct {
         Arguments args;
         int status;
@@ -138,6 +168,10 @@ TEST(Render, CommandLinesAreAnswered) {
         {{"fit", "--help"}, kSuccess, "usage: kttool fit"},
         {{"render", kDialogsModule}, kFailure, "needs at least one MODULE and -o"},
         {{"fit", kDialogsModule, "-o", "out.dlg"}, kFailure, "--wld"},
+        // Not a dictionary's text: the test module itself.
+        {{"render", kDialogsModule, "--wld", kDialogsModule, "-o", scratch / "pictures"},
+         kFailure,
+         "not a dictionary"},
     };
     for (const auto& answer : answers) {
         const ToolRun run = RunKtTool(answer.args);

@@ -122,8 +122,10 @@ TEST(RunFailures, EachHasAMessageAndStatusTwo) {
         {{"run", kNotesApp}, "needs an APP.exe and --wld"},
         {{"run", missing + ".exe", "--wld", kNotesWld}, "missing.exe: cannot be read"},
         {{"run", kNotesApp, "--wld", missing + ".wld"}, "missing.wld: cannot be read"},
-        {{"run", kNotesApp, "--wld", kNotesWld, "--dlg", missing + ".dlg"}, "missing.dlg: cannot be read"},
+        {{"run", kNotesApp, "--wld", kNotesWld, "--dlg", missing + ".dlg"},
+         "missing.dlg: cannot be read"},
         {{"run", notAnExecutable, "--wld", kNotesWld}, "cannot start the application"},
+        {{"run", kNotesApp, "--wld", notAnExecutable}, "not a dictionary"},
     };
     for (const auto& failure : kFailures) {
         const ToolRun run = RunKtTool(failure.args);

@@ -2,6 +2,7 @@
 #include "tests/kttool/ToolTestSupport.h"
 #include "tools/kttool/Pseudo.h"
 #include "tools/kttool/TextChecks.h"
+#include "tools/kttool/WldEntries.h"
 #include "tools/kttool/WldText.h"
 
 namespace kttool::test {
@@ -15,6 +16,14 @@ struct Answer {
 
 TEST(Tool, EveryCommandLineIsAnsweredWithAStatusAndAMessage) {
     Scratch scratch;
+    const std::string small = scratch / "small.wld";
+    const std::string garbage = scratch / "garbage.wld";
+    const std::string prose = scratch / "prose.wld";
+    std::ofstream(small, std::ios::binary) << "\"Open\"\r\n\"Ouvrir\"\r\n";
+    // Binary, with lines that happen to be quoted.
+    const char kGarbage[] = "MZ\x90\0\n\"\xff\x01\"\n\"\0\x02\"\n";
+    std::ofstream(garbage, std::ios::binary) << std::string(kGarbage, sizeof kGarbage - 1);
+    std::ofstream(prose, std::ios::binary) << "Dear translator,\nno quotes here.\n";
     const Answer answers[] = {
         {{}, kFailure, "usage: kttool COMMAND"},
         {{"--help"}, kSuccess, "usage: kttool COMMAND"},
@@ -33,6 +42,12 @@ TEST(Tool, EveryCommandLineIsAnsweredWithAStatusAndAMessage) {
         {{"extract", scratch / "none.dll", "-o", scratch / "a.wld"}, kFailure, "cannot be opened"},
         {{"check", scratch / "none.wld"}, kFailure, "cannot be opened"},
         {{"pseudo", scratch / "none.wld", "-o", scratch / "b.wld"}, kFailure, "cannot be opened"},
+        {{"check", garbage}, kFailure, "not a dictionary"},
+        {{"check", prose, kTextsModule}, kFailure, "not a dictionary"},
+        {{"pseudo", garbage, "-o", scratch / "b.wld"}, kFailure, "not a dictionary"},
+        {{"pseudo", small, "-o", scratch / "b.wld", "--lang", "1049"},
+         kSuccess,
+         "no accented Latin letters"},
     };
     for (const Answer& answer : answers) {
         const ToolRun run = RunKtTool(answer.args);
@@ -66,7 +81,21 @@ TEST(Pseudo, ValuesGrowAndKeepWhatTheProgramReads) {
             EXPECT_TRUE(EncodeWldString(pseudo, codePage, encoded));
         }
     }
-    EXPECT_NE(PseudoTranslate(KTW("Open"), 1252), KTW("[Open··]"));
+    EXPECT_EQ(PseudoTranslate(KTW("Open"), 1252), KTW("[\u00d6p\u00e9\u00f1\u00b7\u00b7]"));
+    EXPECT_EQ(PseudoTranslate(KTW("Open"), 1251), KTW("[Open\u00b7\u00b7]"));
+}
+
+// A key without a value, then an empty line: the value pseudo writes must
+// not leave that line behind it, where it would end the dictionary.
+TEST(Pseudo, AKeyWithoutAValueKeepsTheEntriesBehindIt) {
+    Scratch scratch;
+    std::ofstream(scratch / "in.wld", std::ios::binary) << "\"Open\"\n\n\"Close\"\n\"Fermer\"\n";
+    ASSERT_EQ(RunKtTool({"pseudo", scratch / "in.wld", "-o", scratch / "out.wld"}).status,
+              kSuccess);
+    const WldEntries read = ReadWldEntries(scratch / "out.wld");
+    ASSERT_EQ(read.entries.size(), 3u);  // the language, Open, Close
+    EXPECT_EQ(read.entries[1].value.front(), '[');
+    EXPECT_EQ(read.entries[2].key, "Close");
 }
 
 }  // namespace

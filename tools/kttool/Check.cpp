@@ -15,6 +15,7 @@
 #include "tools/kttool/TextChecks.h"
 #include "tools/kttool/WldText.h"
 #include "translation/Lookup.h"
+#include "translation/SuppDictionary.h"
 #include "translation/WldReader.h"
 
 namespace kttool {
@@ -32,9 +33,11 @@ constexpr char kHelp[] =
     "  accelerators    a different count of '&' marks, or a letter that another text\n"
     "                  of the same menu or dialog has after translation\n"
     "  shortcut        a menu text's part behind \\t that changed\n"
-    "  untranslated    a value equal to its text or to its whole key\n"
+    "  untranslated    a value equal to its text or to its whole key, or empty (the\n"
+    "                  text then shows as its whole key)\n"
     "  language        KT_WLD_LANG_ID missing or invalid, or a value that is no text\n"
     "                  of its code page\n"
+    "  ended           an empty line that ends the dictionary before entries behind it\n"
     "Without modules only the file itself is checked.\n"
     "\n"
     "  --key-codepage CP   the code page the application runs in, which keys are\n"
@@ -71,9 +74,17 @@ std::string Quoted(const WideText& text) { return "\"" + Printable(text) + "\"";
 class Checker {
 public:
     Checker(const WldEntries& dictionary, const std::vector<Module>& modules, unsigned keyCodePage)
-        : dictionary(dictionary), modules(modules), keyCodePage(keyCodePage) {}
+        : dictionary(dictionary),
+          modules(modules),
+          keyCodePage(keyCodePage),
+          rewritesFont(std::any_of(modules.begin(), modules.end(),
+                                   [](const Module& module) { return module.rewritesFont; })),
+          fontFace(kt::SuppDictionary().fontName) {}
 
     std::vector<Finding> Run() {
+        if (dictionary.endingLine != 0)
+            Report(dictionary.endingLine, "ended",
+                   "this empty line ends the dictionary: the entries behind it are never read");
         CheckLanguage();
         AdmitEntries();
         for (const Module& module : modules)
@@ -93,7 +104,7 @@ private:
     struct Entry {
         const WldEntry* read = nullptr;
         WideText key;
-        WideText value;
+        WideText value;         // as the dictionary shows it: an empty value shows the key
         bool admitted = false;  // the first of its hash: the dictionary holds it
         bool isLanguage = false;
         bool used = false;
@@ -142,6 +153,8 @@ private:
             entry.read = &read;
             entry.key = Widen(read.key, keysIn);
             entry.value = Widen(read.value, valueCodePage);
+            if (entry.value.empty())
+                entry.value = entry.key;
             entry.isLanguage = read.key == kt::kWldLanguageKey;
             entry.source = entry.key;
             const auto first = byHash.emplace(KeyHash(entry.key), entries.size());
@@ -180,18 +193,19 @@ private:
 
     // Both forms count as matching; the lookup takes the keyed one first.
     void MatchText(const Module& module, const ModuleText& text) {
-        if (SkeletonKey(module.fileName, text).empty()) {
+        if (SkeletonKey(module.keyName, text).empty()) {
             translations.push_back(nullptr);
             return;
         }
-        const WideText prefix = KeyPrefix(module.fileName, text);
+        const WideText prefix = KeyPrefix(module.keyName, text);
         const Entry* keyed = HasKeyedLookup(prefix, text.text)
                                  ? Use(Admitted(prefix + text.text), text, text.text)
                                  : nullptr;
         const Entry* plain = Use(Admitted(text.text), text, text.text);
         const Entry* found = keyed != nullptr ? keyed : plain;
         translations.push_back(found);
-        if (found == nullptr)
+        // The same text in another language of the resource has the same key.
+        if (found == nullptr && reportedMissing.insert(KeyHash(prefix + text.text)).second)
             Report(0, "missing",
                    "no entry for " + WhereOf(module.fileName, text) + " " + Quoted(text.text));
     }
@@ -201,14 +215,19 @@ private:
         const unsigned line = entry.read->keyLine;
         if (!entry.admitted || entry.isLanguage)
             return;
-        if (languageKnown &&
-            (Narrow(entry.value, valueCodePage) != entry.read->value ||
-             (valueCodePage != kt::sys::kUtf8CodePage && LooksLikeUtf8(entry.read->value))))
+        const std::string& raw = entry.read->value;
+        if (languageKnown && (Narrow(Widen(raw, valueCodePage), valueCodePage) != raw ||
+                              (valueCodePage != kt::sys::kUtf8CodePage && LooksLikeUtf8(raw))))
             Report(entry.read->valueLine, "language",
                    "value is no text of code page " + std::to_string(valueCodePage) +
                        ", the language's");
-        if (!modules.empty() && !entry.used)
+        if (!modules.empty() && !entry.used && !(rewritesFont && entry.key == fontFace))
             Report(line, "unused", "key " + Quoted(entry.key) + " matches no text of the modules");
+        if (raw.empty()) {
+            Report(line, "untranslated",
+                   "empty value: the text shows as its key " + Quoted(entry.key));
+            return;
+        }
         if (entry.value == entry.source || entry.value == entry.key) {
             Report(line, "untranslated", "value equals its text " + Quoted(entry.source));
             return;
@@ -230,29 +249,28 @@ private:
     }
 
     // Within one menu level or dialog, a letter that translation made
-    // common to two texts; a clash the module has already is not ours.
+    // common to two texts; two texts that kept the letter they shared in the
+    // module are the module's clash, not the translation's.
     void CheckAcceleratorLetters(const Module& module) {
         struct Holder {
             const ModuleText* text;
             const Entry* entry;
         };
         std::map<std::pair<size_t, KTWCHAR>, Holder> translatedLetters;
-        std::map<std::pair<size_t, KTWCHAR>, bool> sourceLetters;
         for (const ModuleText& text : module.texts) {
             const Entry* entry = translations[nextTranslation++];
             if (text.scope == 0)
                 continue;
-            const KTWCHAR sourceLetter = AcceleratorLetter(text.text);
-            const bool clashedBefore =
-                sourceLetter != 0 &&
-                !sourceLetters.emplace(std::make_pair(text.scope, sourceLetter), true).second;
             const KTWCHAR letter = AcceleratorLetter(entry != nullptr ? entry->value : text.text);
             if (letter == 0)
                 continue;
             const auto first =
                 translatedLetters.emplace(std::make_pair(text.scope, letter), Holder{&text, entry});
             const Holder& other = first.first->second;
-            if (first.second || clashedBefore || (entry == nullptr && other.entry == nullptr))
+            if (first.second || (entry == nullptr && other.entry == nullptr))
+                continue;
+            if (AcceleratorLetter(text.text) == letter &&
+                AcceleratorLetter(other.text->text) == letter)
                 continue;
             const Entry* reported = entry != nullptr ? entry : other.entry;
             Report(reported->read->keyLine, "accelerators",
@@ -265,6 +283,10 @@ private:
     const WldEntries& dictionary;
     const std::vector<Module>& modules;
     unsigned keyCodePage;
+    // The rewriting of a dialog with a font looks up the face name it gives
+    // it: an entry for that name is in use.
+    bool rewritesFont;
+    WideText fontFace;
     unsigned valueCodePage = 0;
     bool languageKnown = false;
     std::vector<Entry> entries;

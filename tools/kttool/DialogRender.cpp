@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <unordered_set>
 
 #include "kticore/core/Exception.h"
 #include "kticore/strings/XString.h"
@@ -11,10 +12,11 @@
 #include "tools/kttool/ModuleTexts.h"
 #include "tools/kttool/ResourceKeys.h"
 #include "tools/kttool/TextRoom.h"
+#include "tools/kttool/WldEntries.h"
 #include "tools/kttool/WldText.h"
 #include "tools/picture/WindowPicture.h"
-#include "translation/DialogTemplate.h"
 #include "translation/DialogLayouts.h"
+#include "translation/DialogTemplate.h"
 #include "translation/Lookup.h"
 #include "translation/WldFile.h"
 
@@ -99,8 +101,29 @@ RECT PlaceInPicture(HWND dialog, HWND control) {
     return place;
 }
 
-// The controls' places and the texts that do not fit, in the dialog's font.
-void Measure(HWND dialog, RenderedDialog& rendered, std::vector<RECT>& outlines) {
+// Every text the dictionary gives; empty without a dictionary.
+using Translations = std::unordered_set<std::wstring>;
+
+Translations TranslationsOfDictionary() {
+    Translations translations;
+    CTMapPosition position;
+    while (kt::CContext** entry = kt::SuppDictionary().texts.NextValue(position))
+        translations.insert((*entry)->WideForm());
+    return translations;
+}
+
+void NoteEscape(HWND window, std::string position, const Translations& translations,
+                RenderedDialog& rendered) {
+    std::wstring text = WindowText(window);
+    if (!translations.empty() && !text.empty() && translations.count(text) == 0)
+        rendered.escapes.push_back({std::move(position), std::move(text)});
+}
+
+// The controls' places, the texts that do not fit in the dialog's font, and
+// those that escaped translation.
+void Measure(HWND dialog, const Translations& translations, RenderedDialog& rendered,
+             std::vector<RECT>& outlines) {
+    NoteEscape(dialog, "caption", translations, rendered);
     auto font = reinterpret_cast<HFONT>(SendMessageW(dialog, WM_GETFONT, 0, 0));
     if (font == nullptr)
         font = static_cast<HFONT>(GetStockObject(SYSTEM_FONT));
@@ -115,6 +138,7 @@ void Measure(HWND dialog, RenderedDialog& rendered, std::vector<RECT>& outlines)
     for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr; control = GetWindow(control, GW_HWNDNEXT)) {
         const size_t position = rendered.controls.size();
         rendered.controls.push_back(PlaceIn(dialog, control));
+        NoteEscape(control, "control " + std::to_string(position), translations, rendered);
         const int missing = MissingWidth(dialog, control, font);
         if (missing == 0)
             continue;
@@ -140,15 +164,15 @@ std::string PicturePath(const std::string& directory, const RenderedDialog& rend
     return directory + "/" + file.substr(0, file.find_last_of('.')) + "_" + Describe(rendered.name) + ".png";
 }
 
-RenderedDialog RenderDialog(HMODULE module, const std::string& moduleFile, const ResourceName& name,
-                            const std::string& pictures) {
+RenderedDialog RenderDialog(HMODULE module, const std::string& path, const ResourceName& name,
+                            const Translations& translations, const std::string& pictures) {
     RenderedDialog rendered;
-    rendered.moduleFile = moduleFile;
+    rendered.moduleFile = ModuleFileName(path);
     rendered.name = name;
     ModuleText dialogText;
     dialogText.kind = kSuppKindDialog;
     dialogText.resource = name;
-    const std::string prefix = Narrow(KeyPrefix(moduleFile, dialogText), CP_ACP);
+    const std::string prefix = Narrow(KeyPrefix(ModuleKeyName(path), dialogText), CP_ACP);
     rendered.keyHash = Supp_HashKey(prefix.c_str());
 
     HRSRC found = FindResourceW(module, Identifier(name), MAKEINTRESOURCEW(kDialogType));
@@ -163,7 +187,7 @@ RenderedDialog RenderDialog(HMODULE module, const std::string& moduleFile, const
         return rendered;
     rendered.created = true;
     std::vector<RECT> outlines;
-    Measure(dialog, rendered, outlines);
+    Measure(dialog, translations, rendered, outlines);
     bool saved = true;
     if (!pictures.empty()) {
         ShowForPicture(dialog);
@@ -186,6 +210,10 @@ std::string OverflowName(const RenderedDialog& dialog, const Overflow& overflow)
            "\"";
 }
 
+std::string EscapeName(const RenderedDialog& dialog, const Escape& escape) {
+    return DialogName(dialog) + " " + escape.position + " \"" + Printable(escape.text) + "\"";
+}
+
 std::vector<RenderedDialog> RenderDialogs(const std::string& path, const std::string& pictures) {
     HMODULE module = LoadLibraryExW(Wide(path).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
     if (module == nullptr)
@@ -194,8 +222,9 @@ std::vector<RenderedDialog> RenderDialogs(const std::string& path, const std::st
     EnumResourceNamesW(module, MAKEINTRESOURCEW(kDialogType), AddName, reinterpret_cast<LONG_PTR>(&names));
     std::vector<RenderedDialog> dialogs;
     try {
+        const Translations translations = TranslationsOfDictionary();
         for (const ResourceName& name : names)
-            dialogs.push_back(RenderDialog(module, ModuleFileName(path), name, pictures));
+            dialogs.push_back(RenderDialog(module, path, name, translations, pictures));
     } catch (...) {
         FreeLibrary(module);
         throw;
@@ -204,9 +233,10 @@ std::vector<RenderedDialog> RenderDialogs(const std::string& path, const std::st
     return dialogs;
 }
 
-void LoadTranslation(const std::string& wld, const std::string& dlg) {
+std::string LoadTranslation(const std::string& wld, const std::string& dlg) {
     kt::CSuppDictionary& dictionary = kt::SuppDictionary();
     if (!wld.empty()) {
+        ReadWldEntries(wld);  // refuses a file that is no dictionary
         try {
             kt::LoadWldFile(dictionary, Wide(wld).c_str());
         } catch (const CXFileException&) {
@@ -216,11 +246,15 @@ void LoadTranslation(const std::string& wld, const std::string& dlg) {
     if (!dlg.empty()) {
         if (kt::LoadDialogLayouts(dictionary, Wide(dlg).c_str()) == 0)
             throw std::runtime_error(dlg + ": cannot be read");
-    } else if (!wld.empty()) {
-        CXStringW twin(Wide(wld).c_str());
-        twin.ChangeFileExt(kLayoutExtension);
-        kt::LoadDialogLayouts(dictionary, twin);
+        return dlg;
     }
+    if (wld.empty())
+        return {};
+    CXStringW twin(Wide(wld).c_str());
+    twin.ChangeFileExt(kLayoutExtension);
+    return kt::LoadDialogLayouts(dictionary, twin) != 0
+               ? Narrow(static_cast<const KTWCHAR*>(twin), CP_ACP)
+               : std::string();
 }
 
 }  // namespace kttool

@@ -20,6 +20,12 @@ struct Overflow {
     WideText text;
 };
 
+// A live text that is none of the dictionary's translations.
+struct Escape {
+    std::string position;  // "caption", "control 3"
+    WideText text;
+};
+
 struct RenderedDialog {
     std::string moduleFile;  // as keys name it
     ResourceName name;
@@ -31,12 +37,16 @@ struct RenderedDialog {
     int fourUnits = 0;
     std::vector<RECT> controls;
     std::vector<Overflow> overflows;
+    // With a dictionary: the texts that escaped translation, such as those a
+    // control class keeps that the rewriting does not translate.
+    std::vector<Escape> escapes;
 };
 
 // "app.dll dialog 100", and "app.dll dialog 100 control 3 "text"": for
 // messages.
 std::string DialogName(const RenderedDialog& dialog);
 std::string OverflowName(const RenderedDialog& dialog, const Overflow& overflow);
+std::string EscapeName(const RenderedDialog& dialog, const Escape& escape);
 
 // Every dialog of the module at `path` under the process's dictionary;
 // with a `pictures` directory, each saved there as <module>_<dialog>.png,
@@ -45,8 +55,8 @@ std::string OverflowName(const RenderedDialog& dialog, const Overflow& overflow)
 std::vector<RenderedDialog> RenderDialogs(const std::string& path, const std::string& pictures);
 
 // The dictionary `wld` and its layouts: `dlg`, else the dictionary's twin
-// when there is one. Throws std::runtime_error for a file that cannot be
-// read.
-void LoadTranslation(const std::string& wld, const std::string& dlg);
+// when there is one; the layout file loaded, empty for none. Throws
+// std::runtime_error for a file that cannot be read.
+std::string LoadTranslation(const std::string& wld, const std::string& dlg);
 
 }  // namespace kttool

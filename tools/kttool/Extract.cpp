@@ -29,7 +29,10 @@ constexpr char kHelp[] =
     "  --key-codepage CP    the code page the application runs in, which keys are\n"
     "                       read in (default: the language's)\n"
     "\n"
-    "A text the code pages cannot carry exactly is left out with a warning.\n";
+    "A text the code pages cannot carry exactly is left out with a warning. A\n"
+    "dialog or menu with a name is keyed by the name as the module holds it (in\n"
+    "capitals, as resource compilers write it): where the application asks for\n"
+    "it in another spelling, the key must use that spelling.\n";
 
 class SkeletonWriter {
 public:
@@ -47,10 +50,10 @@ public:
             WideText());
     }
 
-    void Text(const std::string& fileName, const ModuleText& text) {
-        const WideText key = SkeletonKey(fileName, text);
+    void Text(const Module& module, const ModuleText& text) {
+        const WideText key = SkeletonKey(module.keyName, text);
         const std::string where =
-            WhereOf(fileName, text) + " (language " + std::to_string(text.language) + ")";
+            WhereOf(module.fileName, text) + " (language " + std::to_string(text.language) + ")";
         if (key.empty()) {
             err << "warning: " << where << ": too long to be looked up, left out\n";
             return;
@@ -61,6 +64,15 @@ public:
                 err << "warning: " << where
                     << ": its key has the hash of an earlier one, left out\n";
             return;
+        }
+        if (!text.resource.isNumber && !namedNoted) {
+            // The library keys a named dialog or menu by the name as the
+            // application spells it in its call, which the module does not
+            // keep; FindResource matches the name case-blind, the keys do not.
+            Line("; a dialog or menu with a name is keyed by the name as the module holds it");
+            Line("; (in capitals, as resource compilers write it); where the application asks");
+            Line("; for it in another spelling, the key must use that spelling");
+            namedNoted = true;
         }
         std::string narrowKey;
         std::string narrowValue;
@@ -87,6 +99,7 @@ private:
     unsigned valueCodePage;
     // Keys by hash: the dictionary holds one entry per hash.
     std::unordered_map<DWORD, WideText> seen;
+    bool namedNoted = false;
 };
 
 }  // namespace
@@ -113,7 +126,7 @@ int RunExtract(const Arguments& args, std::ostream& out, std::ostream& err) {
     writer.Language(language);
     for (const Module& module : modules)
         for (const ModuleText& text : module.texts)
-            writer.Text(module.fileName, text);
+            writer.Text(module, text);
     file.close();
     if (!file)
         throw std::runtime_error(outPath + ": cannot be written");

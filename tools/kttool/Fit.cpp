@@ -5,18 +5,26 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
+#include <set>
 
+#include "kticore/params/Param.h"
+#include "kticore/params/ParamTools.h"
+#include "params/Held.h"
+#include "tools/kttool/AnsiText.h"
 #include "tools/kttool/CommandLine.h"
 #include "tools/kttool/Commands.h"
 #include "tools/kttool/DialogRender.h"
 #include "tools/kttool/WldText.h"
 #include "translation/DialogLayouts.h"
+#include "translation/Lookup.h"
 
 namespace kttool {
 namespace {
 
 // Rounds of widening before fit gives up on a text.
 constexpr int kRounds = 4;
+
+constexpr char kDialogsSection[] = "Dialogs";
 
 constexpr char kHelp[] =
     "usage: kttool fit MODULE... --wld FILE.wld [--dlg FILE.dlg] -o OUT.dlg\n"
@@ -94,29 +102,62 @@ void Widen(const RenderedDialog& dialog) {
     layout.size.cx += growth;
 }
 
-std::string SectionOf(const RenderedDialog& dialog) {
-    const std::string name = dialog.name.isNumber ? "#" + std::to_string(dialog.name.number)
-                                                  : Narrow(dialog.name.text, CP_ACP);
-    return "[\\" + dialog.moduleFile + "\\Dialogs\\" + name + "]";
+// A dialog's section in a layout file, "[\\<module>\\Dialogs\\<name>]".
+struct LayoutSection {
+    std::string module;
+    std::string name;  // "#100", or the dialog's name
+    DWORD keyHash;     // its layout's
+};
+
+LayoutSection SectionOf(const RenderedDialog& dialog) {
+    return {dialog.moduleFile,
+            dialog.name.isNumber ? "#" + std::to_string(dialog.name.number)
+                                 : Narrow(dialog.name.text, CP_ACP),
+            dialog.keyHash};
 }
 
-void WriteLayouts(const Dialogs& dialogs, const std::string& path) {
+// The dialogs a layout file holds, in its modules' "Dialogs" sections: those
+// of other modules or not made here are written back as they came.
+std::vector<LayoutSection> SectionsOf(const std::string& path) {
+    using Names = CTEnum<const char*>;
+    kt::params::Held<IParam> tree(new_MemParam());
+    std::vector<LayoutSection> sections;
+    if (path.empty() || Param_IniFile2Param(Wide(path).c_str(), tree.get()) == 0)
+        return sections;
+    kt::params::Held<Names> modules(tree->EnumSections());
+    for (const char* module = nullptr; modules->Next(1, &module, nullptr);) {
+        kt::params::Held<IParam> section(tree->GetSection(module, 0));
+        kt::params::Held<IParam> dialogs(section ? section->GetSection(kDialogsSection, 0)
+                                                 : nullptr);
+        kt::params::Held<Names> names(dialogs ? dialogs->EnumSections() : nullptr);
+        for (const char* name = nullptr; names && names->Next(1, &name, nullptr);)
+            sections.push_back(
+                {module, name, Supp_HashKey(kt::DialogLayoutKey(module, name).c_str())});
+    }
+    return sections;
+}
+
+void WriteLayouts(const std::vector<LayoutSection>& sections, const std::string& path) {
     std::ofstream file(path, std::ios::binary);
     file << "; Layouts written by kttool fit: the growth of each dialog, and the\n"
             "; moves of its controls' left, top, right and bottom edges by their\n"
             "; position in the template, in dialog units.\n";
-    for (const RenderedDialog& dialog : dialogs) {
+    std::set<DWORD> written;
+    for (const LayoutSection& section : sections) {
         kt::KTDlgPos* layout = nullptr;
-        if (!kt::SuppDictionary().dialogs.Lookup(static_cast<int>(dialog.keyHash), layout) || layout == nullptr)
+        if (!written.insert(section.keyHash).second ||
+            !kt::SuppDictionary().dialogs.Lookup(static_cast<int>(section.keyHash), layout) ||
+            layout == nullptr)
             continue;
-        file << SectionOf(dialog) << "\n";
+        file << "[\\" << section.module << "\\" << kDialogsSection << "\\" << section.name << "]\n";
         file << kt::kDialogSizeValue << "=z" << layout->size.cx << "," << layout->size.cy << "\n";
-        for (size_t position = 0; position < dialog.controls.size(); ++position) {
-            kt::CIRect edges;
-            if (layout->items.Lookup(static_cast<int>(position), edges))
-                file << position << "=t" << edges.left << "," << edges.top << "," << edges.right << ","
-                     << edges.bottom << "\n";
-        }
+        std::map<int, kt::CIRect> items;  // in template order
+        CTMapPosition position;
+        while (const int* control = layout->items.NextKey(position))
+            layout->items.Lookup(*control, items[*control]);
+        for (const auto& [control, edges] : items)
+            file << control << "=t" << edges.left << "," << edges.top << "," << edges.right << ","
+                 << edges.bottom << "\n";
     }
     file.close();
     if (!file)
@@ -133,7 +174,7 @@ int RunFit(const Arguments& args, std::ostream& out, std::ostream& err) {
     }
     if (line.Operands().empty() || !line.Has("--wld") || !line.Has("-o"))
         throw UsageError("fit needs at least one MODULE, --wld FILE.wld and -o OUT.dlg");
-    LoadTranslation(line.Value("--wld", ""), line.Value("--dlg", ""));
+    const std::string layouts = LoadTranslation(line.Value("--wld", ""), line.Value("--dlg", ""));
     Dialogs dialogs = RenderAll(line.Operands());
     for (int round = 0; round < kRounds && Overflows(dialogs); ++round) {
         for (const RenderedDialog& dialog : dialogs)
@@ -141,7 +182,12 @@ int RunFit(const Arguments& args, std::ostream& out, std::ostream& err) {
                 Widen(dialog);
         dialogs = RenderAll(line.Operands());
     }
-    WriteLayouts(dialogs, line.Value("-o", ""));
+    std::vector<LayoutSection> sections;
+    for (const RenderedDialog& dialog : dialogs)
+        sections.push_back(SectionOf(dialog));
+    for (const LayoutSection& kept : SectionsOf(layouts))
+        sections.push_back(kept);
+    WriteLayouts(sections, line.Value("-o", ""));
     for (const RenderedDialog& dialog : dialogs)
         for (const Overflow& overflow : dialog.overflows)
             err << OverflowName(dialog, overflow) << ": still does not fit\n";

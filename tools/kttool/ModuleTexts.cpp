@@ -3,7 +3,9 @@
 #include <fstream>
 #include <iterator>
 
+#include "platform/TextConversion.h"
 #include "tools/kttool/MenuTexts.h"
+#include "tools/kttool/WldText.h"
 #include "translation/DialogTemplate.h"
 #include "translation/Lookup.h"
 
@@ -77,6 +79,13 @@ void AppendDialogTexts(const PeResource& resource, size_t scope, std::vector<Mod
     }
 }
 
+bool SetsFont(const PeResource& resource) {
+    const Bytes aligned(resource.data.data(), resource.data.data() + resource.data.size());
+    kt::CTemplateWalk walk(aligned.data(), aligned.size());
+    kt::TemplateHeader header;
+    return walk.ReadHeader(header) && header.hasFont;
+}
+
 }  // namespace
 
 std::vector<ModuleText> TextsOfResources(const std::vector<PeResource>& resources,
@@ -121,12 +130,27 @@ Bytes ReadWholeFile(const std::string& path) {
 
 std::string ModuleFileName(const std::string& path) { return path.substr(path.find_last_of(":\\/") + 1); }
 
+WideText ModuleKeyName(const std::string& path) {
+#if defined(_WIN32)
+    constexpr unsigned kPathCodePage = kt::sys::kAnsiCodePage;
+#else
+    constexpr unsigned kPathCodePage = kt::sys::kUtf8CodePage;
+#endif
+    return Widen(ModuleFileName(path), kPathCodePage);
+}
+
 Module ReadModule(const std::string& path) {
     Module module;
     module.fileName = ModuleFileName(path);
+    module.keyName = ModuleKeyName(path);
     size_t nextScope = 1;
     try {
-        module.texts = TextsOfResources(ReadPeResources(ReadWholeFile(path)), nextScope);
+        const Bytes file = ReadWholeFile(path);
+        const std::vector<PeResource> resources = ReadPeResources(file);  // views of `file`
+        module.texts = TextsOfResources(resources, nextScope);
+        for (const PeResource& resource : resources)
+            if (resource.type.isNumber && resource.type.number == kDialogType && SetsFont(resource))
+                module.rewritesFont = true;
     } catch (const FormatError& error) {
         throw FormatError(path + ": " + error.what());
     }

@@ -23,8 +23,10 @@ struct ModuleText {
 };
 
 struct Module {
-    std::string fileName;  // the path behind its last separator, as keys name it
+    std::string fileName;  // the path behind its last separator, for messages
+    WideText keyName;      // the same, wide, as the library's keys name it
     std::vector<ModuleText> texts;
+    bool rewritesFont = false;  // a dialog sets its font: the rewriting gives it the dictionary's
 };
 
 // "app.dll dialog 100 control 3": where a text of module `fileName` stands.
@@ -32,6 +34,11 @@ std::string WhereOf(const std::string& fileName, const ModuleText& text);
 
 // The path behind its last separator.
 std::string ModuleFileName(const std::string& path);
+
+// The file name as a running application's keys hold it: GetModuleFileNameW's
+// path behind its last separator, wide. Paths arrive in the ANSI code page on
+// Windows, in UTF-8 natively.
+WideText ModuleKeyName(const std::string& path);
 
 // Throws FormatError for a malformed image or resource, std::runtime_error
 // for a file that cannot be read.

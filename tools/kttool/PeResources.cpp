@@ -1,5 +1,6 @@
 #include "tools/kttool/PeResources.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <set>
 
@@ -99,8 +100,8 @@ private:
 // must lie within its size.
 class ResourceTree {
 public:
-    ResourceTree(const Image& image, std::uint32_t rva, std::uint32_t size)
-        : image(image), rva(rva), size(size) {}
+    ResourceTree(const Image& image, std::uint32_t rva, std::uint32_t size, std::uint64_t fileSize)
+        : image(image), rva(rva), size(size), unclaimed(std::min<std::uint64_t>(size, fileSize)) {}
 
     void Walk(std::vector<PeResource>& out) {
         PeResource resource;
@@ -126,6 +127,7 @@ private:
             Offset(relative, kDirectoryTableSize, "a resource directory table");
         const size_t count = size_t{image.Word(table + kNamedEntryCountField)} +
                              image.Word(table + kIdEntryCountField);
+        Claim(relative, kDirectoryTableSize + count * kDirectoryEntrySize, "resource directory");
         for (size_t i = 0; i < count; ++i) {
             const std::uint64_t entry =
                 Offset(relative + kDirectoryTableSize + i * kDirectoryEntrySize,
@@ -165,7 +167,18 @@ private:
         return name;
     }
 
-    void Data(std::uint64_t relative, PeResource& resource) const {
+    // The tables and data entries of a tree lie side by side: together they
+    // fit in the directory, and in the file. Tables that overlap would let a
+    // small file stand for millions of resources.
+    void Claim(std::uint64_t relative, std::uint64_t count, const char* what) {
+        if (count > unclaimed)
+            throw FormatError(std::string(what) + " at " + Hex(relative) + " needs " + Hex(count) +
+                              " bytes more than the resource directory has: its tables overlap");
+        unclaimed -= count;
+    }
+
+    void Data(std::uint64_t relative, PeResource& resource) {
+        Claim(relative, kDataEntrySize, "resource data entry");
         const std::uint64_t entry = Offset(relative, kDataEntrySize, "a resource data entry");
         const std::uint32_t dataRva = image.Dword(entry);
         const std::uint32_t dataSize = image.Dword(entry + 4);
@@ -176,6 +189,7 @@ private:
     const Image& image;
     std::uint32_t rva;
     std::uint32_t size;
+    std::uint64_t unclaimed;  // bytes of the directory no table or data entry has taken
     std::set<std::uint64_t> visited;
 };
 
@@ -228,7 +242,7 @@ std::vector<PeResource> ReadPeResources(const Bytes& file) {
                                   image.Dword(header + kSectionRawOffset)});
     }
     std::vector<PeResource> resources;
-    ResourceTree(image, resourceRva, resourceSize).Walk(resources);
+    ResourceTree(image, resourceRva, resourceSize, file.size()).Walk(resources);
     return resources;
 }
 

@@ -55,6 +55,8 @@ bool Carries(KTWCHAR unit, unsigned codePage) {
     return Widen(Narrow(text, codePage), codePage) == text;
 }
 
+bool CarriesAccents(unsigned codePage) { return Carries(Accented('e'), codePage); }
+
 // Letters outside placeholders, and not behind a '&', are accented.
 WideText Accent(const WideText& text, unsigned codePage) {
     WideText out = text;
@@ -90,6 +92,11 @@ public:
     }
     void AddBehind(unsigned number, const std::string& text) {
         added[number - 1] = text + LineEnd(number);
+    }
+    // A line with nothing before its LF: where a key is due, it ends the
+    // dictionary.
+    bool IsEmpty(unsigned number) const {
+        return number <= lines.size() && lines[number - 1] == "\n";
     }
 
     void WriteTo(std::ostream& out) const {
@@ -137,6 +144,9 @@ int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err) {
     const unsigned keyCodePage =
         line.Number("--key-codepage", fileLanguageKnown ? fileCodePage : codePage);
     const unsigned valuesRead = fileLanguageKnown ? fileCodePage : keyCodePage;
+    if (!CarriesAccents(codePage))
+        err << "warning: code page " << codePage << " of language " << language
+            << " has no accented Latin letters: values are only lengthened and bracketed\n";
 
     EditedLines edited(ReadWholeFile(path));
     bool languageWritten = false;
@@ -158,7 +168,11 @@ int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err) {
             continue;
         }
         const std::string quoted = '"' + encoded + '"';
-        if (entry.keyLine == entry.valueLine)
+        // The empty line that stood for the missing value would end the
+        // dictionary behind the value: the value takes its place.
+        if (entry.keyLine == entry.valueLine && edited.IsEmpty(entry.keyLine + 1))
+            edited.Replace(entry.keyLine + 1, quoted);
+        else if (entry.keyLine == entry.valueLine)
             edited.AddBehind(entry.keyLine, quoted);
         else
             edited.Replace(entry.valueLine, quoted);

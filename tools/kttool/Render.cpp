@@ -17,14 +17,18 @@ constexpr char kHelp[] =
     "application (texts from the dictionary, layout from the .dlg file) and saves\n"
     "it as DIR/<module>_<dialog>.png. Prints one line for each control whose text\n"
     "does not fit its rectangle in the dialog's font, with the dialog units it\n"
-    "lacks; those controls are outlined in red in the pictures.\n"
+    "lacks; those controls are outlined in red in the pictures. With a dictionary,\n"
+    "also one line for each text of a dialog that is none of its translations: a\n"
+    "text that escapes translation, such as one a control class keeps that the\n"
+    "rewriting does not translate (an edit field's), or one with no entry. With a\n"
+    "pseudo-translated dictionary these are the texts left unaccented.\n"
     "\n"
     "  --wld FILE.wld   the dictionary (default: none, the texts as they are)\n"
     "  --dlg FILE.dlg   the layouts (default: the dictionary's twin, FILE.dlg)\n"
     "  -o DIR           where the pictures go; made when missing\n"
     "\n"
-    "Exit status: 0 everything fits, 1 some text does not, 2 bad input or a\n"
-    "dialog that cannot be made.\n";
+    "Exit status: 0 everything fits and is translated, 1 some text does not fit\n"
+    "or escapes translation, 2 bad input or a dialog that cannot be made.\n";
 
 }  // namespace
 
@@ -50,6 +54,11 @@ int RunRender(const Arguments& args, std::ostream& out, std::ostream& err) {
             for (const Overflow& overflow : dialog.overflows) {
                 out << OverflowName(dialog, overflow) << ": " << overflow.dialogUnits
                     << " dialog units too narrow\n";
+                if (status == kSuccess)
+                    status = kFindings;
+            }
+            for (const Escape& escape : dialog.escapes) {
+                out << EscapeName(dialog, escape) << ": escapes translation\n";
                 if (status == kSuccess)
                     status = kFindings;
             }

@@ -11,7 +11,10 @@ namespace {
 constexpr size_t kLongestString = 1024;
 constexpr size_t kLongestMenuText = 511;
 
-WideText Ascii(const std::string& text) { return WideText(text.begin(), text.end()); }
+WideText Digits(unsigned number) {
+    const std::string text = std::to_string(number);
+    return WideText(text.begin(), text.end());
+}
 
 bool IsLookedUp(const ModuleText& text) {
     switch (text.kind) {
@@ -26,20 +29,19 @@ bool IsLookedUp(const ModuleText& text) {
 
 }  // namespace
 
-WideText KeyPrefix(const std::string& fileName, const ModuleText& text) {
-    const WideText id =
-        text.resource.isNumber ? Ascii(std::to_string(text.resource.number)) : text.resource.text;
-    return Ascii(fileName) + KTWCHAR('#') + Ascii(std::to_string(text.kind)) + KTWCHAR('#') + id;
+WideText KeyPrefix(const WideText& keyName, const ModuleText& text) {
+    const WideText id = text.resource.isNumber ? Digits(text.resource.number) : text.resource.text;
+    return keyName + KTWCHAR('#') + Digits(text.kind) + KTWCHAR('#') + id;
 }
 
 bool HasKeyedLookup(const WideText& prefix, const WideText& text) {
     return prefix.size() + text.size() < kKeyedCapacityW;
 }
 
-WideText SkeletonKey(const std::string& fileName, const ModuleText& text) {
+WideText SkeletonKey(const WideText& keyName, const ModuleText& text) {
     if (!IsLookedUp(text))
         return {};
-    const WideText prefix = KeyPrefix(fileName, text);
+    const WideText prefix = KeyPrefix(keyName, text);
     return HasKeyedLookup(prefix, text.text) ? prefix + text.text : text.text;
 }
 

@@ -6,14 +6,15 @@
 
 namespace kttool {
 
-// The prefix of a text's resource in `fileName`, as Supp_MakeKey writes it.
-WideText KeyPrefix(const std::string& fileName, const ModuleText& text);
+// The prefix of a text's resource in the module whose file is `keyName`
+// (ModuleKeyName), as Supp_MakeKeyW writes it.
+WideText KeyPrefix(const WideText& keyName, const ModuleText& text);
 
 // The key a skeleton gives `text`: the keyed form, or the plain text where
 // prefix and text together would not fit the composed key, so that the
 // keyed lookup is skipped. Empty where the running application never looks
 // the text up at all.
-WideText SkeletonKey(const std::string& fileName, const ModuleText& text);
+WideText SkeletonKey(const WideText& keyName, const ModuleText& text);
 
 // Whether the keyed lookup of `text` is made: prefix and text fit the
 // composed key.

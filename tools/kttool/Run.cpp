@@ -13,6 +13,7 @@
 #include "tools/kttool/CommandLine.h"
 #include "tools/kttool/Commands.h"
 #include "tools/kttool/SuspendedApp.h"
+#include "tools/kttool/WldEntries.h"
 #include "tools/kttool/agent/Agent.h"
 
 namespace kttool {
@@ -107,6 +108,7 @@ int RunRun(const Arguments& args, std::ostream& out, std::ostream&) {
     const std::string& executable = line.application.front();
     RequireReadable(executable);
     RequireReadable(line.wld);
+    ReadWldEntries(line.wld);  // refuses a file that is no dictionary
     if (!line.dlg.empty())
         RequireReadable(line.dlg);
 

@@ -30,6 +30,44 @@ private:
     std::vector<size_t> starts;
 };
 
+// The lines of a file without their line ends.
+std::vector<std::string> LinesOf(const Bytes& bytes) {
+    std::vector<std::string> lines(1);
+    for (const std::uint8_t byte : bytes) {
+        if (byte == '\n')
+            lines.emplace_back();
+        else
+            lines.back() += static_cast<char>(byte);
+    }
+    return lines;
+}
+
+bool HoldsString(const std::string& line) {
+    const size_t start = line.find_first_not_of(" \t\r");
+    return start != std::string::npos && line[start] == '"' &&
+           line.find_last_not_of(" \t\r") > start;
+}
+
+// The empty line behind the last pair that ends the dictionary, when a
+// quoted string stands behind it.
+unsigned EndingLine(const Bytes& bytes, const std::vector<WldEntry>& entries) {
+    const std::vector<std::string> lines = LinesOf(bytes);
+    size_t next = 0;  // index of the first line behind the last pair
+    if (!entries.empty()) {
+        const WldEntry& last = entries.back();
+        next = last.valueLine;
+        // A key without a value took the empty line behind it as its end.
+        if (last.keyLine == last.valueLine && next < lines.size() && lines[next].empty())
+            ++next;
+    }
+    while (next < lines.size() && !lines[next].empty())
+        ++next;
+    for (size_t behind = next + 1; behind < lines.size(); ++behind)
+        if (HoldsString(lines[behind]))
+            return static_cast<unsigned>(next + 1);
+    return 0;
+}
+
 struct FileReleaser {
     void operator()(IXFile* file) const { file->Release(); }
 };
@@ -37,7 +75,10 @@ struct FileReleaser {
 }  // namespace
 
 WldEntries ReadWldEntries(const std::string& path) {
-    const LineIndex lines(ReadWholeFile(path));
+    const Bytes bytes = ReadWholeFile(path);
+    if (std::find(bytes.begin(), bytes.end(), 0) != bytes.end())
+        throw std::runtime_error(path + ": holds NUL bytes: not a dictionary's text");
+    const LineIndex lines(bytes);
     WldEntries read;
     try {
         std::unique_ptr<IXFile, FileReleaser> file(Fio_Open(CXStringW(path.c_str()), 0));
@@ -58,6 +99,12 @@ WldEntries ReadWldEntries(const std::string& path) {
     } catch (const CXFileException&) {
         throw std::runtime_error(path + ": cannot be read");
     }
+    read.endingLine = EndingLine(bytes, read.entries);
+    if (read.entries.empty() && !bytes.empty())
+        throw std::runtime_error(
+            path + (read.endingLine != 0 ? ": the empty line " + std::to_string(read.endingLine) +
+                                               " ends the dictionary before its first entry"
+                                         : ": holds no quoted entry: not a dictionary's text"));
     return read;
 }
 

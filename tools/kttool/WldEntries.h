@@ -19,9 +19,13 @@ struct WldEntry {
 struct WldEntries {
     std::vector<WldEntry> entries;
     unsigned languageId = 0;  // as the reader takes it, 0 for none
+    // The empty line that ended the dictionary with quoted strings behind it,
+    // which the reader never sees; 0 for none.
+    unsigned endingLine = 0;
 };
 
-// Throws std::runtime_error for a file that cannot be read.
+// Throws std::runtime_error for a file that cannot be read, or that is not
+// dictionary text: one with NUL bytes, or without any entry.
 WldEntries ReadWldEntries(const std::string& path);
 
 }  // namespace kttool
