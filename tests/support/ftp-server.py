@@ -12,6 +12,7 @@ server that has gone away. Port 21 is the machine's: a second server waits
 for the first to end. A server nobody stops ends by itself after an hour.
 """
 import fcntl
+import logging
 import os
 import shutil
 import signal
@@ -47,6 +48,9 @@ def serve(directory):
     from pyftpdlib.servers import FTPServer
 
     where = paths(directory)
+    # Each turn of the loop below would announce the server again.
+    logging.getLogger("pyftpdlib").addFilter(
+        lambda record: "starting FTP server" not in record.getMessage())
     lock = open(PORT_LOCK, "w")
     fcntl.flock(lock, fcntl.LOCK_EX)
 

@@ -45,9 +45,10 @@ protected:
         fs::create_directories(root / "sub");
     }
     void TearDown() override {
+        std::error_code ignored;  // the server's next start clears what stays
         for (const auto& entry : fs::directory_iterator(root))
             if (entry.path().filename() != "readonly")
-                fs::remove_all(entry.path());
+                fs::remove_all(entry.path(), ignored);
     }
 
     fs::path OnServer(const WideString& remote) const { return (root / remote).make_preferred(); }
@@ -57,8 +58,7 @@ protected:
     }
 
     std::string RemoteContent(const WideString& remote) const {
-        std::ifstream file(OnServer(remote), std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
+        return kt::test::ContentOf(OnServer(remote).wstring());
     }
 
     static void Write(IXFile* file, const std::string& text) {
@@ -113,8 +113,7 @@ TEST_F(UrlFiles, OpenDownloadsTheWholeFileAndGivesTheUrlAsName) {
     // the platform's limitation and not tested here.
     const KTWCHAR* cached = Fio_DownloadToCacheFile(url.c_str());
     ASSERT_NE(cached, nullptr);
-    std::ifstream cache(fs::path(cached), std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(cache), {}), content);
+    EXPECT_EQ(kt::test::ContentOf(cached), content);
 }
 
 TEST_F(UrlFiles, TheRemoteFileChangesOnlyAtCommit) {
@@ -237,10 +236,6 @@ TEST_F(UrlFiles, NamesTravelInTheAnsiCodePage) {
     EXPECT_EQ(Fio_IsFileExist(Url(german).c_str()), 1);
     const Ref<IXFile> file(Fio_Open(Url(german).c_str(), 0));
     EXPECT_EQ(ReadAll(file.get()), "umlauts");
-
-    // A character outside the code page goes out as a question mark.
-    EXPECT_NE(Fio_UrlPutFile(Url(KTW("sub/\u0436.txt")).c_str(), file->GetName()), 0);
-    EXPECT_TRUE(fs::exists(OnServer(KTW("sub/?.txt"))));
 }
 
 // What the library relies on from WinInet under Wine, and what it takes as
