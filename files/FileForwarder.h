@@ -25,7 +25,9 @@ public:
     void WriteDouble(double value) override { inner->WriteDouble(value); }
     void WriteStringW(const KTWCHAR* text) override { inner->WriteStringW(text); }
     void WriteString(const char* text) override { inner->WriteString(text); }
-    int ReadLineW(KTWCHAR* buffer, int maxChars) override { return inner->ReadLineW(buffer, maxChars); }
+    int ReadLineW(KTWCHAR* buffer, int maxChars) override {
+        return inner->ReadLineW(buffer, maxChars);
+    }
     int ReadLine(char* buffer, int maxChars) override { return inner->ReadLine(buffer, maxChars); }
     DWORD GetLength() override { return inner->GetLength(); }
 

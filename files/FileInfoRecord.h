@@ -8,8 +8,8 @@
 namespace kt {
 
 inline FioFileInfo FileInfoRecord(const sys::FoundFile& found) {
-    return {found.size, found.second, found.minute,    found.hour,
-            found.day,  found.dayOfWeek, found.month, found.year};
+    return {found.size, found.second,    found.minute, found.hour,
+            found.day,  found.dayOfWeek, found.month,  found.year};
 }
 
 }  // namespace kt

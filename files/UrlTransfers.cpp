@@ -56,5 +56,6 @@ void Fio_UrlCreateDirectory(const KTWCHAR* url) {
         return;
     kt::CUrlSession session(url);
     if (!session.IsOpen() || !session->MakeRemoteDirectory(session.Path()))
-        throw CXFileException(XErrorFromWin32(kt::sys::LastFileError()), url, XFILEOP_CREATE_DIRECTORY);
+        throw CXFileException(XErrorFromWin32(kt::sys::LastFileError()), url,
+                              XFILEOP_CREATE_DIRECTORY);
 }

@@ -44,7 +44,8 @@ bool FtpSession::DeleteRemoteFile(const KTWCHAR*) { return false; }
 bool FtpSession::MakeRemoteDirectory(const KTWCHAR*) { return false; }
 bool FtpSession::MayStore(const KTWCHAR*) { return false; }
 
-bool FtpSession::FindEntry(const KTWCHAR*, const std::function<bool(const KTWCHAR*)>&, RemoteEntry&) {
+bool FtpSession::FindEntry(const KTWCHAR*, const std::function<bool(const KTWCHAR*)>&,
+                           RemoteEntry&) {
     return false;
 }
 

@@ -7,7 +7,8 @@ namespace kt::sys {
 // Milliseconds of the monotonic clock, wrapped to 32 bits as on Windows.
 DWORD TickCount() {
     const auto elapsed = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count());
+    return static_cast<DWORD>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count());
 }
 
 }  // namespace kt::sys

@@ -8,7 +8,8 @@ namespace {
 
 // Every transfer and listing is fetched from the server and stored nowhere.
 constexpr DWORD kFromServerOnly = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE;
-constexpr DWORD kTransferFlags = kFromServerOnly | INTERNET_FLAG_RESYNCHRONIZE | FTP_TRANSFER_TYPE_BINARY;
+constexpr DWORD kTransferFlags =
+    kFromServerOnly | INTERNET_FLAG_RESYNCHRONIZE | FTP_TRANSFER_TYPE_BINARY;
 constexpr DWORD kStoreFlags = kFromServerOnly | FTP_TRANSFER_TYPE_BINARY;
 
 HINTERNET Handle(void* handle) { return static_cast<HINTERNET>(handle); }
@@ -21,7 +22,8 @@ WideString Part(const wchar_t* start, DWORD length) {
 RemoteEntry EntryOf(const WIN32_FIND_DATAW& data) {
     SYSTEMTIME time = {};
     ::FileTimeToSystemTime(&data.ftLastWriteTime, &time);
-    return {data.cFileName, data.dwFileAttributes,
+    return {data.cFileName,
+            data.dwFileAttributes,
             {data.nFileSizeLow, time.wYear, time.wMonth, time.wDayOfWeek, time.wDay, time.wHour,
              time.wMinute, time.wSecond}};
 }
@@ -49,8 +51,8 @@ FtpSession::FtpSession(const KTWCHAR* host, const KTWCHAR* user, const KTWCHAR* 
     : internet(::InternetOpenW(nullptr, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0)) {
     if (internet == nullptr)
         return;
-    connection = ::InternetConnectW(Handle(internet), host, INTERNET_DEFAULT_FTP_PORT, user, password,
-                                    INTERNET_SERVICE_FTP, 0, 0);
+    connection = ::InternetConnectW(Handle(internet), host, INTERNET_DEFAULT_FTP_PORT, user,
+                                    password, INTERNET_SERVICE_FTP, 0, 0);
 }
 
 FtpSession::~FtpSession() {
@@ -80,17 +82,19 @@ bool FtpSession::MakeRemoteDirectory(const KTWCHAR* remote) {
 }
 
 bool FtpSession::MayStore(const KTWCHAR* remote) {
-    const HINTERNET file = ::FtpOpenFileW(Handle(connection), remote, GENERIC_WRITE, kStoreFlags, 0);
+    const HINTERNET file =
+        ::FtpOpenFileW(Handle(connection), remote, GENERIC_WRITE, kStoreFlags, 0);
     if (file == nullptr)
         return false;
     ::InternetCloseHandle(file);
     return true;
 }
 
-bool FtpSession::FindEntry(const KTWCHAR* pattern, const std::function<bool(const KTWCHAR*)>& wanted,
-                           RemoteEntry& found) {
+bool FtpSession::FindEntry(const KTWCHAR* pattern,
+                           const std::function<bool(const KTWCHAR*)>& wanted, RemoteEntry& found) {
     WIN32_FIND_DATAW data;
-    const HINTERNET search = ::FtpFindFirstFileW(Handle(connection), pattern, &data, kFromServerOnly, 0);
+    const HINTERNET search =
+        ::FtpFindFirstFileW(Handle(connection), pattern, &data, kFromServerOnly, 0);
     if (search == nullptr)
         return false;
     bool match = wanted(data.cFileName);

@@ -58,7 +58,8 @@ TEST(UrlNames, AServerThatDoesNotAnswerFailsEveryOperationWithItsNumber) {
         Fio_GetFileInfo(name, &info);
     });
     EXPECT_EQ(failure.operation, XFILEOP_URL_INFO);
-    EXPECT_EQ(FileFailureOf([&] { Fio_CreateDirectory(name); }).operation, XFILEOP_CREATE_DIRECTORY);
+    EXPECT_EQ(FileFailureOf([&] { Fio_CreateDirectory(name); }).operation,
+              XFILEOP_CREATE_DIRECTORY);
 
     EXPECT_TRUE(temporary.Entries().empty()) << "a failed open left a temporary file";
 

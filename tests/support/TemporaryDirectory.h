@@ -48,7 +48,9 @@ private:
     }
 #endif
     // Scratch names are ASCII.
-    static std::string Narrow(const WideString& wide) { return std::string(wide.begin(), wide.end()); }
+    static std::string Narrow(const WideString& wide) {
+        return std::string(wide.begin(), wide.end());
+    }
 
     ScratchDirectory scratch;
     std::vector<std::optional<std::string>> saved;
