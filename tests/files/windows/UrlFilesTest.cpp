@@ -47,7 +47,7 @@ protected:
     void TearDown() override {
         std::error_code ignored;  // the server's next start clears what stays
         for (const auto& entry : fs::directory_iterator(root))
-            if (entry.path().filename() != "readonly")
+            if (entry.path().filename() != "readonly" && entry.path().filename() != "outside")
                 fs::remove_all(entry.path(), ignored);
     }
 
@@ -209,7 +209,8 @@ TEST_F(UrlFiles, AReadOnlyDirectoryIsNotWritableAndAWritableOneKeepsNoProbe) {
     EXPECT_EQ(Fio_UrlIsWritableDir(Url(KTW("sub")).c_str()), 1);
     EXPECT_EQ(Fio_IsWritableFile(Url(KTW("sub/new.txt")).c_str()), 1);
     EXPECT_TRUE(fs::is_empty(OnServer(KTW("sub"))));
-    EXPECT_EQ(std::distance(fs::directory_iterator(root), {}), 2);  // sub and readonly alone
+    for (const auto& entry : fs::directory_iterator(root))  // a probe of "sub" lost its way
+        EXPECT_NE(entry.path().extension(), ".tmp") << entry.path();
 }
 
 TEST_F(UrlFiles, ACommitWhileTheServerIsAwayFailsKeepsTheWorkAndTriesAgain) {
@@ -240,6 +241,15 @@ TEST_F(UrlFiles, NamesTravelInTheAnsiCodePage) {
     EXPECT_EQ(Fio_IsFileExist(Url(german).c_str()), 1);
     const Ref<IXFile> file(Fio_Open(Url(german).c_str(), 0));
     EXPECT_EQ(ReadAll(file.get()), "umlauts");
+
+    // A character outside the code page goes out as a question mark: the
+    // server stores "?.txt" in a directory of its own, which TearDown leaves
+    // to the server's next start (a Windows name can not hold "?").
+    const WideString local = temporary / KTW("local.txt");
+    kt::test::WriteContent(local, "cyrillic");
+    EXPECT_NE(Fio_UrlPutFile(Url(KTW("outside/\u0436.txt")).c_str(), local.c_str()), 0);
+    EXPECT_FALSE(fs::exists(OnServer(KTW("outside/\u0436.txt"))));
+    EXPECT_EQ(std::distance(fs::directory_iterator(OnServer(KTW("outside"))), {}), 1);
 }
 
 // What the library relies on from WinInet under Wine, and what it takes as
