@@ -1,7 +1,6 @@
 // What FTP has no command for, found out by asking the server: whether a
 // file exists (a listing of its directory) and whether one may write there
 // (storing a probe file).
-
 #include "files/FileInfoRecord.h"
 #include "files/UrlSession.h"
 #include "kticore/files/UrlFiles.h"
