@@ -5,9 +5,10 @@
 
 #include <string>
 
+#include "files/FileInfoRecord.h"
 #include "files/LockStepAside.h"
 #include "files/MemoryName.h"
-#include "files/UrlFiles.h"
+#include "kticore/files/UrlFiles.h"
 #include "platform/FileSystem.h"
 
 namespace {
@@ -29,7 +30,7 @@ void Fio_DeleteFile(const KTWCHAR* name) {
     if (kt::IsMemoryName(name))
         return;
     if (Fio_PathIsURL(name)) {
-        kt::DeleteUrlFile(name);
+        Fio_UrlDeleteFile(name);  // a file that is not there is no failure
         return;
     }
     if (!kt::sys::RemoveFile(name))
@@ -45,7 +46,7 @@ void Fio_CreateDirectory(const KTWCHAR* name) {
     if (kt::IsMemoryName(name))
         return;
     if (Fio_PathIsURL(name)) {
-        kt::CreateUrlDirectory(name);
+        Fio_UrlCreateDirectory(name);
         return;
     }
     if (name == nullptr || *name == 0 || Fio_IsFileExist(name))
@@ -84,7 +85,7 @@ void Fio_GetFileInfo(const KTWCHAR* name, FioFileInfo* info) {
         return;
     }
     if (Fio_PathIsURL(name)) {
-        kt::GetUrlFileInfo(name, info);
+        Fio_UrlGetFileInfo(name, info);
         return;
     }
     kt::sys::FoundFile found;
@@ -94,8 +95,7 @@ void Fio_GetFileInfo(const KTWCHAR* name, FioFileInfo* info) {
         if (!kt::sys::FindFile(name != nullptr ? name : KTW(""), found))
             ThrowLastError(name, XFILEOP_FILE_INFO);
     }
-    *info = {found.size, found.second, found.minute,    found.hour,
-             found.day,  found.dayOfWeek, found.month, found.year};
+    *info = kt::FileInfoRecord(found);
 }
 
 int Fio_IsFileExist(const KTWCHAR* name) {
@@ -112,7 +112,7 @@ int Fio_IsWritableFile(const KTWCHAR* name) {
     if (kt::IsMemoryName(name))
         return 1;
     if (Fio_PathIsURL(name))
-        return kt::IsWritableUrl(name);
+        return Fio_UrlIsWritableFile(name);
     // This process's own non-exclusive lock does not count against the file.
     const kt::CLockStepAside stepAside(name);
     const DWORD attributes = kt::sys::FileAttributes(name);

@@ -8,8 +8,8 @@
 #include "files/MemoryName.h"
 #include "files/NameRules.h"
 #include "files/OutputFile.h"
-#include "files/UrlFiles.h"
 #include "kticore/files/FileUtilities.h"
+#include "kticore/files/UrlFiles.h"
 #include "platform/FileSystem.h"
 
 namespace {
@@ -42,7 +42,7 @@ IXOutFile* OpenOut(const KTWCHAR* name, int flags) {
     if (kt::IsMemoryName(name))
         return kt::NewMemoryFile(name);
     if (Fio_PathIsURL(name))
-        return kt::OpenUrlOutFile(name, flags);
+        return Fio_UrlOpenOut(name, flags);
     CheckTargetName(name);
     if (Fio_IsFileExist(name) && !Fio_IsWritableFile(name))
         throw CXException(XE_ACCESS_DENIED);
@@ -69,7 +69,7 @@ IXFile* Fio_Open(const KTWCHAR* name, int flags) {
         if (kt::IsMemoryName(name))
             return kt::NewMemoryFile(name);
         if (Fio_PathIsURL(name))
-            return kt::OpenUrlFile(name, flags);
+            return Fio_UrlOpen(name, flags);
         return new kt::CXFile(name, flags);
     } catch (const std::bad_alloc&) {
         return nullptr;

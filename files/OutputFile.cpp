@@ -3,6 +3,7 @@
 #include <new>
 #include <string>
 
+#include "files/FileForwarder.h"
 #include "files/LockStepAside.h"
 #include "kticore/files/FileLocks.h"
 #include "kticore/files/FileUtilities.h"
@@ -11,7 +12,7 @@
 namespace kt {
 namespace {
 
-class CXOutFile final : public CKTUnknownImpl<IXOutFile> {
+class CXOutFile final : public CTFileForwarder<IXOutFile> {
 public:
     CXOutFile(const KTWCHAR* targetName, const KTWCHAR* temporaryName, int flags)
         : target(targetName), temporary(temporaryName) {
@@ -58,24 +59,6 @@ public:
         }
     }
 
-    DWORD Read(void* buffer, DWORD size) override { return inner->Read(buffer, size); }
-    void Write(const void* buffer, DWORD size) override { inner->Write(buffer, size); }
-    DWORD Seek(LONG offset, DWORD origin) override { return inner->Seek(offset, origin); }
-    DWORD GetPosition() override { return inner->GetPosition(); }
-    int Flush() override { return inner->Flush(); }
-    BYTE ReadByte() override { return inner->ReadByte(); }
-    WORD ReadWord() override { return inner->ReadWord(); }
-    DWORD ReadDWord() override { return inner->ReadDWord(); }
-    double ReadDouble() override { return inner->ReadDouble(); }
-    void WriteByte(BYTE value) override { inner->WriteByte(value); }
-    void WriteWord(WORD value) override { inner->WriteWord(value); }
-    void WriteDWord(DWORD value) override { inner->WriteDWord(value); }
-    void WriteDouble(double value) override { inner->WriteDouble(value); }
-    void WriteStringW(const KTWCHAR* text) override { inner->WriteStringW(text); }
-    void WriteString(const char* text) override { inner->WriteString(text); }
-    int ReadLineW(KTWCHAR* buffer, int maxChars) override { return inner->ReadLineW(buffer, maxChars); }
-    int ReadLine(char* buffer, int maxChars) override { return inner->ReadLine(buffer, maxChars); }
-    DWORD GetLength() override { return inner->GetLength(); }
     const KTWCHAR* GetName() override { return target.c_str(); }
 
     // The temporary file takes the target's place in one step, so that a
@@ -100,7 +83,6 @@ public:
     }
 
 private:
-    IXFile* inner = nullptr;
     std::basic_string<KTWCHAR> target;
     std::basic_string<KTWCHAR> temporary;
     bool locked = false;

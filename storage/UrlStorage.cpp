@@ -2,6 +2,7 @@
 
 #include "kticore/core/Exception.h"
 #include "kticore/files/FileUtilities.h"
+#include "kticore/files/UrlFiles.h"
 
 namespace kt {
 namespace {

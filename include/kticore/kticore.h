@@ -16,6 +16,7 @@
 #include "kticore/files/File.h"
 #include "kticore/files/FileLocks.h"
 #include "kticore/files/FileUtilities.h"
+#include "kticore/files/UrlFiles.h"
 #include "kticore/objects/Persist.h"
 #include "kticore/objects/Registry.h"
 #include "kticore/params/IniFileParam.h"

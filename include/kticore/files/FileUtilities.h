@@ -29,5 +29,3 @@ KTCORE_API int Fio_GetSecurityInfo(const KTWCHAR* name, CXStringW& owner);
 KTCORE_API const KTWCHAR* Fio_GetTempFileName();
 // Non-zero for a URL.
 KTCORE_API int Fio_PathIsURL(const KTWCHAR* name);
-// Fetches `url` into `localFile`, replacing it; 0 on any failure, never throws.
-KTCORE_API int Fio_DownloadToFile(const KTWCHAR* url, const KTWCHAR* localFile);

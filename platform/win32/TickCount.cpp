@@ -1,0 +1,7 @@
+#include "platform/TickCount.h"
+
+namespace kt::sys {
+
+DWORD TickCount() { return ::GetTickCount(); }
+
+}  // namespace kt::sys
