@@ -8,10 +8,14 @@
 #include "files/FileInfoRecord.h"
 #include "files/LockStepAside.h"
 #include "files/MemoryName.h"
+#include "files/TempFile.h"
 #include "kticore/files/UrlFiles.h"
 #include "platform/FileSystem.h"
 
 namespace {
+
+// The room of the temporary directory and of a temporary file's name.
+constexpr DWORD kPathCapacity = 512;
 
 [[noreturn]] void ThrowLastError(const KTWCHAR* name, DWORD operation) {
     throw CXFileException(XErrorFromWin32(kt::sys::LastFileError()), name, operation);
@@ -142,12 +146,21 @@ int Fio_GetSecurityInfo(const KTWCHAR* name, CXStringW& owner) {
 }
 
 // Never throws: where the system makes no file the name is empty.
+std::basic_string<KTWCHAR> kt::NewTempFile() {
+    KTWCHAR directory[kPathCapacity] = {};
+    KTWCHAR name[kPathCapacity] = {};
+    const DWORD length = sys::TempPath(kPathCapacity, directory);
+    if (length == 0 || length >= kPathCapacity || !sys::TempFileName(directory, KTW("KTPR"), name))
+        return {};
+    return name;
+}
+
+// One buffer for the process: a pointer handed out stays valid, its text
+// is the next call's.
 const KTWCHAR* Fio_GetTempFileName() {
-    static KTWCHAR name[512];
-    KTWCHAR directory[512] = {};
-    const DWORD length = kt::sys::TempPath(512, directory);
-    if (length == 0 || length >= 512 || !kt::sys::TempFileName(directory, KTW("KTPR"), name))
-        name[0] = 0;
+    static KTWCHAR name[kPathCapacity];
+    const std::basic_string<KTWCHAR> made = kt::NewTempFile();
+    std::char_traits<KTWCHAR>::copy(name, made.c_str(), made.size() + 1);
     return name;
 }
 

@@ -5,12 +5,13 @@
 #include <string>
 
 #include "kticore/files/FileUtilities.h"
+#include "files/TempFile.h"
 
 namespace kt {
 
 class CLocalCopy {
 public:
-    CLocalCopy() : name(Fio_GetTempFileName()) {}
+    CLocalCopy() : name(NewTempFile()) {}
     ~CLocalCopy() { Remove(); }
     CLocalCopy(const CLocalCopy&) = delete;
     CLocalCopy& operator=(const CLocalCopy&) = delete;

@@ -1,10 +1,14 @@
 // The Fio functions on names, against real directories of the test's own.
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "kticore/files/FileLocks.h"
 #include "kticore/files/FileUtilities.h"
+#include "files/TempFile.h"
 #include "platform/FileSystem.h"
 #include "tests/support/Counted.h"
 #include "tests/files/InDirectory.h"
@@ -148,6 +152,29 @@ TEST_F(FileUtilities, TemporaryNamesAreNewFilesInOneBuffer) {
     EXPECT_NE(firstName.find(KTW("KTP")), WideString::npos);
     Fio_DeleteFile(firstName.c_str());
     Fio_DeleteFile(second);
+}
+
+// The library's own temporary files are named in the caller's hands: four
+// threads at once get as many files as they asked for, each its own.
+TEST_F(FileUtilities, TemporaryFilesMadeAtOnceAreEachTheirOwn) {
+    constexpr int kThreads = 4, kEach = 50;
+    std::vector<std::vector<WideString>> made(kThreads);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&made, t] {
+            for (int n = 0; n < kEach; ++n)
+                made[t].push_back(kt::NewTempFile());
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    std::set<WideString> names;
+    for (const auto& list : made)
+        for (const WideString& name : list) {
+            names.insert(name);
+            Fio_DeleteFile(name.c_str());
+        }
+    EXPECT_EQ(names.size(), size_t{kThreads * kEach});
+    EXPECT_EQ(names.count(WideString()), 0u);
 }
 
 TEST_F(FileUtilities, AccessAndOwnerOfAFileOfOurOwn) {
