@@ -16,8 +16,7 @@ namespace {
 // server's matching is only a filter, the name is compared here without
 // regard to case. A name without extension is looked for among all names:
 // the client's own matching takes the pattern "*." for no name at all.
-bool FindRemoteFile(kt::CUrlSession& session, const CXStringW& path,
-                    kt::sys::RemoteEntry& found) {
+bool FindRemoteFile(kt::CUrlSession& session, const CXStringW& path, kt::sys::RemoteEntry& found) {
     const CXStringW wanted = path.FileName();
     const CXStringW extension = path.FileExt();
     CXStringW pattern = path.FilePath() + KTW("/*");

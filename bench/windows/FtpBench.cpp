@@ -122,8 +122,9 @@ void RoundTrip(const char* name, DWORD blocks, int rounds) {
 
 int main() {
     if (PeerSession().Connection() == nullptr) {
-        std::printf("FTP round trips skipped: no FTP server answers on 127.0.0.1:21 as kt "
-                    "(tools/bench starts tests/support/ftp-server.py)\n");
+        std::printf(
+            "FTP round trips skipped: no FTP server answers on 127.0.0.1:21 as kt "
+            "(tools/bench starts tests/support/ftp-server.py)\n");
         return 0;
     }
     kt::bench::PrintRatioHeader();
