@@ -5,7 +5,6 @@
 
 #include "files/FileForwarder.h"
 #include "files/LocalCopy.h"
-#include "files/UrlSession.h"
 #include "kticore/files/UrlFiles.h"
 #include "platform/FileSystem.h"
 
@@ -31,15 +30,12 @@ public:
 
     // An upload that fails throws operation 2 and keeps the finished local
     // copy, so that a later Commit can send it again; the remote file is as
-    // it was. After an upload the local copy goes. The right to write was
-    // probed at open; here the server's answer to the store is the one that
-    // counts, so the upload is its only command.
+    // it was. After an upload the local copy goes.
     void Commit() override {
         if (uploaded)
             return;
         inner->Commit();  // the local copy now holds the content; harmless twice
-        CUrlSession session(url);
-        if (!session.IsOpen() || !session->PutFile(local.Name(), session.Path()))
+        if (!Fio_UrlPutFile(url, local.Name()))
             throw CXFileException(XErrorFromWin32(sys::LastFileError()), url, XFILEOP_WRITE);
         uploaded = true;
         local.Remove();
