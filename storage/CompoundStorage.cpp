@@ -12,9 +12,10 @@
 
 namespace {
 
-// Element names of a compound file hold 31 units. A longer name is widened
-// up to this buffer, cut there, and the platform refuses the cut name as
-// too long.
+// Element names of a compound file hold 31 units, and the platform refuses
+// longer ones. A name beyond this buffer reaches it cut to the buffer's
+// length (Wine's conversion fills the buffer before it fails), and is
+// refused as well.
 constexpr int kNameUnits = 512;
 
 // An element name widened in the ANSI code page, on the stack of the call.

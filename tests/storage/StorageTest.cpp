@@ -7,6 +7,7 @@
 #include "kticore/files/FileUtilities.h"
 #include "tests/storage/StorageSupport.h"
 #include "tests/support/ScratchDirectory.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 
@@ -119,10 +120,10 @@ TEST(Storage, TransactionsCommitAtReleaseAndRevertDropsWork) {
         StorageRef child(StorageRef(open_Storage(path.c_str(), 1))->OpenStorage("child"));
         return ReadText(child.get(), "kept");
     };
-    WriteText(StorageRef(StorageRef(new_Storage(path.c_str(), XSTG_TRANSACTED))
-                             ->CreateStorage("child"))
-                  .get(),
-              "kept", "before");
+    WriteText(
+        StorageRef(StorageRef(new_Storage(path.c_str(), XSTG_TRANSACTED))->CreateStorage("child"))
+            .get(),
+        "kept", "before");
     {
         StorageRef root(open_Storage(path.c_str(), 0));
         StorageRef child(root->OpenStorage("child"));
@@ -156,8 +157,8 @@ TEST(Storage, NewStorageOverAPathMakesItsDirectoriesAndReplacesAFile) {
     EXPECT_EQ(ReadText(StorageRef(open_Storage(plain.c_str(), 1)).get(), "s"), "replaced");
 }
 
-// A temporary file takes the platform's temporary directory and three
-// characters of the prefix "KTPR"; a path given with it is ignored.
+// A temporary file takes the temporary directory and three characters of the
+// prefix "KTPR"; a path given with it is ignored.
 struct CreationFlags {
     bool givesPath;
     int flags;
@@ -173,24 +174,24 @@ TEST(Storage, TemporaryAndDeletedOnReleaseFiles) {
     };
     for (const CreationFlags& creation : cases) {
         SCOPED_TRACE(creation.flags);
+        const kt::test::TemporaryDirectory temporary;
         ScratchDirectory directory;
         const WideString path = directory / KTW("given.stg");
         WideString made;
         {
-            StorageRef storage(new_Storage(creation.givesPath ? path.c_str() : nullptr,
-                                           creation.flags));
+            StorageRef storage(
+                new_Storage(creation.givesPath ? path.c_str() : nullptr, creation.flags));
             made = Wide(storage->GetName());
             EXPECT_TRUE(Exists(made));
         }
-        const std::filesystem::path file(made);
+        const WideString leaf = std::filesystem::path(made).filename().wstring();
         EXPECT_EQ(made != path, creation.temporary);
         if (creation.temporary) {
             EXPECT_FALSE(Exists(path));
-            EXPECT_EQ(file.parent_path(), std::filesystem::path(Wide(Fio_GetTempFileName())).parent_path());
-            EXPECT_EQ(file.filename().wstring().substr(0, 3), L"KTP");
+            EXPECT_EQ(std::filesystem::path(made), std::filesystem::path(temporary / leaf));
+            EXPECT_EQ(leaf.substr(0, 3), KTW("KTP"));
         }
         EXPECT_EQ(Exists(made), creation.remains);
-        std::filesystem::remove(file);
     }
 }
 
@@ -216,8 +217,8 @@ TEST(Storage, OleStorageFlagsFromItsMode) {
     StorageRef(new_Storage(path.c_str(), 0));
     auto openOle = [&](DWORD mode) {
         IStorage* ole = nullptr;
-        EXPECT_EQ(StgOpenStorage(path.c_str(), nullptr, mode | STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE,
-                                 nullptr, 0, &ole),
+        EXPECT_EQ(StgOpenStorage(path.c_str(), nullptr,
+                                 mode | STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE, nullptr, 0, &ole),
                   S_OK);
         StorageRef made(new_StorageByOleStorage(ole));
         ole->Release();

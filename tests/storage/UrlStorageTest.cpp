@@ -44,8 +44,7 @@ TEST_F(UrlStorage, CommitsReachTheLocalCopyAloneWhichGoesAtRelease) {
             StorageRef storage(open_UrlStorage(url.c_str(), localName.c_str(), 0));
             EXPECT_EQ(kt::test::Wide(storage->GetName()), url);
             IXStorage* local = nullptr;
-            ASSERT_EQ(storage->QueryInterface(typeid(IXStorage),
-                                              reinterpret_cast<void**>(&local)),
+            ASSERT_EQ(storage->QueryInterface(typeid(IXStorage), reinterpret_cast<void**>(&local)),
                       1);
             StorageRef localRef(local);
             EXPECT_NE(kt::test::Wide(local->GetName()), url);
@@ -62,7 +61,8 @@ TEST_F(UrlStorage, CommitsReachTheLocalCopyAloneWhichGoesAtRelease) {
 }
 
 TEST_F(UrlStorage, AFailedDownloadLeavesNoCopy) {
-    for (const WideString& missing : {FtpUrl(KTW("missing.stg")), WideString(KTW("ftp://127.0.0.1:1/x.stg"))}) {
+    for (const WideString& missing :
+         {FtpUrl(KTW("missing.stg")), WideString(KTW("ftp://127.0.0.1:1/x.stg"))}) {
         EXPECT_EQ(kt::test::StorageFailureOf([&] { open_Storage(missing.c_str(), 1); }),
                   (kt::test::StorageFailure{XE_NETWORK, XFILEOP_OPEN, {}}));
         EXPECT_TRUE(temporary.Entries().empty());
