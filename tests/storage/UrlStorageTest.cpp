@@ -7,7 +7,6 @@
 
 #include "tests/storage/StorageSupport.h"
 #include "tests/support/FtpServer.h"
-#include "tests/support/ScratchDirectory.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace {
@@ -48,6 +47,9 @@ TEST_F(UrlStorage, CommitsReachTheLocalCopyAloneWhichGoesAtRelease) {
                       1);
             StorageRef localRef(local);
             EXPECT_NE(kt::test::Wide(local->GetName()), url);
+            if (!localName.empty()) {
+                EXPECT_EQ(kt::test::Wide(local->GetName()), localName);
+            }
             EXPECT_EQ(ReadText(storage.get(), "s"), "remote");
             WriteText(storage.get(), "s", "local");
             EXPECT_EQ(storage->Commit(), S_OK);
