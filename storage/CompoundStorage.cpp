@@ -1,6 +1,7 @@
 #include "kticore/storage/CompoundStorage.h"
 
 #include <cstring>
+#include <memory>
 
 #include "kticore/core/Exception.h"
 #include "kticore/core/ListEnum.h"
@@ -11,8 +12,10 @@
 
 namespace {
 
-// Element names of a compound file hold 31 units; a name beyond this buffer
-// goes to the platform as the empty one, for it to take or refuse.
+// Element names of a compound file hold 31 units, and the platform refuses
+// longer ones. A name beyond this buffer reaches it cut to the buffer's
+// length (Wine's conversion fills the buffer before it fails), and is
+// refused as well.
 constexpr int kNameUnits = 512;
 
 // An element name widened in the ANSI code page, on the stack of the call.
@@ -30,14 +33,25 @@ private:
 };
 
 // A name from the platform narrowed in the ANSI code page, as a private copy.
-char* NarrowCopy(const KTWCHAR* name) {
+std::unique_ptr<char[]> NarrowCopy(const KTWCHAR* name) {
     char narrow[kNameUnits] = {};
     kt::sys::WideToMultiByte(kt::sys::kAnsiCodePage, name, static_cast<int>(std::wcslen(name)),
                              narrow, kNameUnits - 1);
-    char* copy = new char[std::strlen(narrow) + 1];
-    std::strcpy(copy, narrow);
+    std::unique_ptr<char[]> copy(new char[std::strlen(narrow) + 1]);
+    std::strcpy(copy.get(), narrow);
     return copy;
 }
+
+// Owners for the references and memory that an enumeration holds.
+struct ReleaseOle {
+    void operator()(IUnknown* object) const { object->Release(); }
+};
+struct ReleaseOwn {
+    void operator()(IKTUnknown* object) const { object->Release(); }
+};
+struct FreeTaskMemory {
+    void operator()(KTWCHAR* memory) const { kt::sys::FreeTaskMemory(memory); }
+};
 
 // The library's stream over a stream that OLE gave, which keeps its own
 // reference.
@@ -61,13 +75,13 @@ CStorage::CStorage(const CXStringW& name, DWORD flags, IStorage* storage, CStora
 }
 
 CStorage::~CStorage() {
-    if (CommitsAtAll())
-        storage->Commit(STGC_DEFAULT);
+    Commit();
     storage->Release();
     if (parent != nullptr)
         parent->Release();
 }
 
+// IXStorage alone for now; IKTProperty comes with document properties.
 int CStorage::QueryInterface(const type_info& wanted, void** out) {
     IXStorage* found = wanted == typeid(IXStorage) ? this : nullptr;
     if (out == nullptr)
@@ -138,32 +152,43 @@ IXStream* CStorage::OpenStream(const char* elementName) {
 }
 
 // The names of the elements of one kind, copied out in the platform's order:
-// the enumerator keeps nothing of the storage.
+// the enumerator keeps nothing of the storage. Whatever throws on the way
+// leaves nothing held.
 CTEnum<const char*>* CStorage::EnumElements(DWORD wantedType) {
-    IEnumSTATSTG* elements = nullptr;
-    const HRESULT status = storage->EnumElements(0, nullptr, 0, &elements);
+    IEnumSTATSTG* opened = nullptr;
+    const HRESULT status = storage->EnumElements(0, nullptr, 0, &opened);
     if (FAILED(status))
         throw CXException(XErrorFromHResult(static_cast<DWORD>(status)));
-    auto* names = new CTListEnum<char*, const char*>;
+    const std::unique_ptr<IEnumSTATSTG, ReleaseOle> elements(opened);
+    const std::unique_ptr<CTListEnum<char*, const char*>, ReleaseOwn> names(
+        new CTListEnum<char*, const char*>);
     STATSTG element;
     while (elements->Next(1, &element, nullptr) == S_OK) {
-        if (element.type == wantedType)
-            names->AddTail(NarrowCopy(element.pwcsName));
-        kt::sys::FreeTaskMemory(element.pwcsName);
+        const std::unique_ptr<KTWCHAR, FreeTaskMemory> name(element.pwcsName);
+        if (element.type != wantedType)
+            continue;
+        std::unique_ptr<char[]> copy = NarrowCopy(name.get());
+        names->AddTail(copy.get());
+        copy.release();  // the list's now
     }
-    elements->Release();
-    CTEnum<const char*>* walk = names->GetEnum();
-    names->Release();
-    return walk;
+    return names->GetEnum();
 }
 
 CTEnum<const char*>* CStorage::EnumStorages() { return EnumElements(STGTY_STORAGE); }
 
 CTEnum<const char*>* CStorage::EnumStreams() { return EnumElements(STGTY_STREAM); }
 
-bool CStorage::CommitsAtAll() const { return flags != XSTG_READONLY; }
-
-int CStorage::Commit() { return CommitsAtAll() ? storage->Commit(STGC_DEFAULT) : S_OK; }
+// A sub-storage whose element the parent destroyed while it was open is
+// reverted for good; Wine 8 crashes committing such a direct one, so it is
+// asked first.
+int CStorage::Commit() {
+    if (flags == XSTG_READONLY)
+        return S_OK;
+    STATSTG stat;
+    if (storage->Stat(&stat, STATFLAG_NONAME) == STG_E_REVERTED)
+        return STG_E_REVERTED;
+    return storage->Commit(STGC_DEFAULT);
+}
 
 void CStorage::Revert() {
     if (flags & XSTG_TRANSACTED)

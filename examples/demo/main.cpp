@@ -314,6 +314,90 @@ void Files() {
     memory->Release();
 }
 
+#if defined(_WIN32)
+void StoreNote(IXStorage* storage, const char* name, const char* text) {
+    auto* note = new CNote;
+    note->text = text;
+    const CKTVariant stored(static_cast<IKTUnknown*>(note));
+    note->Release();
+    IXStream* stream = storage->CreateStream(name);
+    stream->WriteVariant(&stored);
+    stream->Release();
+}
+
+// Every storage and stream under `storage`, a stream's note made again by
+// the registry.
+void PrintStorage(IXStorage* storage, const std::string& indent) {
+    CTEnum<const char*>* streams = storage->EnumStreams();
+    const char* name = nullptr;
+    while (streams->Next(1, &name, nullptr)) {
+        IXStream* stream = storage->OpenStream(name);
+        CKTVariant read;
+        stream->ReadVariant(&read);
+        void* found = nullptr;
+        read.punkVal->QueryInterface(typeid(IPersistXStream), &found);
+        auto* note = static_cast<IPersistXStream*>(found);
+        std::printf("%sstream %s: a %s, \"%s\"\n", indent.c_str(), name, note->GetClassName(),
+                    static_cast<CNote*>(note)->text.c_str());
+        note->Release();
+        stream->Release();
+    }
+    streams->Release();
+    CTEnum<const char*>* storages = storage->EnumStorages();
+    while (storages->Next(1, &name, nullptr)) {
+        std::printf("%sstorage %s\n", indent.c_str(), name);
+        IXStorage* child = storage->OpenStorage(name);
+        PrintStorage(child, indent + "  ");
+        child->Release();
+    }
+    storages->Release();
+}
+
+void CompoundStorages() {
+    Step("Compound storages: nested storages whose streams hold stored objects");
+    RegisterObject("CLSID_DemoNote", ThisModule());
+    const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
+    const std::basic_string<KTWCHAR> name = temporary + KTW(".stg");
+    IXStorage* file = new_Storage(name.c_str(), 0);
+    StoreNote(file, "cover", "the household book");
+    IXStorage* kitchen = file->CreateStorage("kitchen");
+    StoreNote(kitchen, "shopping", "remember the milk");
+    IXStorage* repairs = kitchen->CreateStorage("repairs");
+    StoreNote(repairs, "tap", "call the plumber");
+    repairs->Release();
+    kitchen->Release();
+    file->Release();  // a writable storage commits at its last release
+    std::printf("   written; read back from %s:\n", Narrow(name.c_str()).c_str());
+
+    IXStorage* again = open_Storage(name.c_str(), 1);
+    PrintStorage(again, "   ");
+    again->Release();
+    UnregisterObject("CLSID_DemoNote");
+    Fio_DeleteFile(name.c_str());
+    Fio_DeleteFile(temporary.c_str());
+}
+
+// tools/lib/run-host-example.sh starts the FTP server when it can and names
+// the file it put there in KT_DEMO_FTP_URL.
+void FileOverFtp() {
+    Step("A file over ftp:// from a server that the demo started");
+    const char* url = std::getenv("KT_DEMO_FTP_URL");
+    if (url == nullptr) {
+        std::printf("   skipped: no FTP server could be started\n");
+        return;
+    }
+    try {
+        IXFile* file = Fio_Open(WideOf(url).c_str(), 0);
+        char line[128];
+        file->ReadLine(line, 126);
+        std::printf("   %s holds: %s", Narrow(file->GetName()).c_str(), line);
+        file->Release();
+    } catch (CXFileException& failure) {
+        std::printf("   the download failed: code %d\n", failure.GetCode());
+    }
+}
+#endif
+
 std::basic_string<KTWCHAR> LeafOf(const std::basic_string<KTWCHAR>& path) {
     const size_t cut = path.find_last_of(KTW("\\/"));
     return cut == std::basic_string<KTWCHAR>::npos ? path : path.substr(cut + 1);
@@ -604,6 +688,10 @@ int main() {
     Values();
     StoredObjects();
     Files();
+#if defined(_WIN32)
+    CompoundStorages();
+    FileOverFtp();
+#endif
     ParameterTrees();
     ProfileFile();
     Translation();

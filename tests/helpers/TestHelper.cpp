@@ -16,7 +16,8 @@
 //   storage-commit-loop NAME  (Windows) in the compound file NAME opened for
 //                         writing, give the streams "a" and "b" the content
 //                         of the next generation and commit, until killed;
-//                         after the N-th commit make the empty file NAME.N
+//                         make the empty file NAME.N- before the N-th
+//                         commit and NAME.N after it
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -108,8 +109,9 @@ void StorageCommitLoop(const std::basic_string<KTWCHAR>& name) {
             out->Write(content.data(), static_cast<unsigned>(content.size()));
             out->Release();
         }
-        root->Commit();
         const std::string count = "." + std::to_string(generation + 1);
+        Fio_Open((name + Wide((count + "-").c_str())).c_str(), FIO_WRITE)->Release();
+        root->Commit();
         Fio_Open((name + Wide(count.c_str())).c_str(), FIO_WRITE)->Release();
     }
 }

@@ -41,6 +41,26 @@ inline std::vector<std::string> Names(CTEnum<const char*>* walk) {
     return names;
 }
 
+// The names of the streams of a storage as the platform's own enumeration
+// gives them (ASCII names).
+inline std::vector<std::string> OleStreamNames(IXStorage* storage) {
+    auto* ole = static_cast<IStorage*>(Storage_GetOLEStorage(storage));
+    IEnumSTATSTG* elements = nullptr;
+    std::vector<std::string> names;
+    if (ole->EnumElements(0, nullptr, 0, &elements) == S_OK) {
+        STATSTG element;
+        while (elements->Next(1, &element, nullptr) == S_OK) {
+            const WideString name = Wide(element.pwcsName);
+            if (element.type == STGTY_STREAM)
+                names.emplace_back(name.begin(), name.end());
+            CoTaskMemFree(element.pwcsName);
+        }
+        elements->Release();
+    }
+    ole->Release();
+    return names;
+}
+
 // What a CXFileException carried; its name is copied inside the handler.
 struct StorageFailure {
     DWORD code = XE_NONE;

@@ -40,7 +40,6 @@ private:
     IXStorage* NewChild(IStorage* child);
     CTEnum<const char*>* EnumElements(DWORD wantedType);
     int DestroyElement(const char* name);
-    bool CommitsAtAll() const;
 
     CXStringW name;
     DWORD flags;

@@ -1,11 +1,9 @@
-// URL files through the real WinInet under Wine, against a real FTP server
-// on 127.0.0.1:21 (tests/support/ftp-server.py, started by the ctest fixture;
-// its directory comes in KT_FTP_DIR and is reached on the disk through
-// Wine's drive Z:). Nothing listens on 127.0.0.2: a server that is down.
+// URL files through the real WinInet under Wine, against the real FTP server
+// of the ctest fixture (tests/support/FtpServer.h). Nothing listens on
+// 127.0.0.2: a server that is down.
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -15,6 +13,7 @@
 #include "kticore/files/UrlFiles.h"
 #include "platform/Ftp.h"
 #include "tests/support/Counted.h"
+#include "tests/support/FtpServer.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace {
@@ -24,19 +23,10 @@ using kt::test::FileFailureOf;
 using kt::test::Ref;
 using kt::test::WideString;
 
-const KTWCHAR* const kServer = KTW("127.0.0.1");
+using kt::test::FtpServerDirectory;
+using kt::test::FtpUrl;
+using kt::test::kFtpServer;
 const KTWCHAR* const kServerDown = KTW("127.0.0.2");
-
-fs::path ServerDirectory() {
-    const char* unixPath = std::getenv("KT_FTP_DIR");
-    std::string path = std::string("Z:") + (unixPath != nullptr ? unixPath : "/nonexistent");
-    return fs::path(path).make_preferred();
-}
-
-WideString Url(const WideString& remote, const WideString& password = KTW("secret"),
-               const WideString& host = kServer) {
-    return KTW("ftp://kt:") + password + KTW("@") + host + KTW("/") + remote;
-}
 
 class UrlFiles : public ::testing::Test {
 protected:
@@ -73,20 +63,20 @@ protected:
 
     // The fixture's server stops listening while its "offline" file exists.
     void SetServerAway(bool away) const {
-        const fs::path offline = ServerDirectory() / "offline";
+        const fs::path offline = FtpServerDirectory() / "offline";
         if (away)
             std::ofstream{offline};
         else
             fs::remove(offline);
         for (int tries = 0; tries < 200; ++tries) {
-            if (kt::sys::FtpSession(kServer, KTW("kt"), KTW("secret")).IsOpen() != away)
+            if (kt::sys::FtpSession(kFtpServer, KTW("kt"), KTW("secret")).IsOpen() != away)
                 return;
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
         }
         FAIL() << "the server did not " << (away ? "go away" : "come back");
     }
 
-    const fs::path root = ServerDirectory() / "root";
+    const fs::path root = kt::test::FtpServerRoot();
     const kt::test::TemporaryDirectory temporary;
 };
 
@@ -96,7 +86,7 @@ TEST_F(UrlFiles, OpenDownloadsTheWholeFileAndGivesTheUrlAsName) {
     for (char& byte : content)
         byte = static_cast<char>(random());
     Plant(KTW("sub/data.bin"), content);
-    const WideString url = Url(KTW("sub/data.bin"));
+    const WideString url = FtpUrl(KTW("sub/data.bin"));
     {
         const Ref<IXFile> file(Fio_Open(url.c_str(), 0));
         EXPECT_EQ(WideString(file->GetName()), url);
@@ -118,7 +108,7 @@ TEST_F(UrlFiles, OpenDownloadsTheWholeFileAndGivesTheUrlAsName) {
 
 TEST_F(UrlFiles, TheRemoteFileChangesOnlyAtCommit) {
     Plant(KTW("sub/target.txt"), "old");
-    const WideString url = Url(KTW("sub/target.txt"));
+    const WideString url = FtpUrl(KTW("sub/target.txt"));
     {
         const Ref<IXOutFile> out(Fio_OpenOut(url.c_str(), 0));
         Write(out.get(), "dropped");
@@ -128,8 +118,8 @@ TEST_F(UrlFiles, TheRemoteFileChangesOnlyAtCommit) {
     EXPECT_TRUE(temporary.Entries().empty());
     for (const WideString remote : {KTW("sub/target.txt"), KTW("sub/fresh.txt"), KTW("top.txt")}) {
         SCOPED_TRACE(::testing::PrintToString(remote));
-        const Ref<IXOutFile> out(Fio_OpenOut(Url(remote).c_str(), 0));
-        EXPECT_EQ(WideString(out->GetName()), Url(remote));
+        const Ref<IXOutFile> out(Fio_OpenOut(FtpUrl(remote).c_str(), 0));
+        EXPECT_EQ(WideString(out->GetName()), FtpUrl(remote));
         Write(out.get(), "new content");
         out->Commit();
         EXPECT_EQ(RemoteContent(remote), "new content");
@@ -140,19 +130,19 @@ TEST_F(UrlFiles, TheRemoteFileChangesOnlyAtCommit) {
 TEST_F(UrlFiles, AnUploadMakesOneMissingLevelOfDirectory) {
     const WideString local = temporary / KTW("local.txt");
     kt::test::WriteContent(local, "data");
-    EXPECT_NE(Fio_UrlPutFile(Url(KTW("made/a.txt")).c_str(), local.c_str()), 0);
+    EXPECT_NE(Fio_UrlPutFile(FtpUrl(KTW("made/a.txt")).c_str(), local.c_str()), 0);
     EXPECT_EQ(RemoteContent(KTW("made/a.txt")), "data");
-    EXPECT_EQ(Fio_UrlPutFile(Url(KTW("x/y/a.txt")).c_str(), local.c_str()), 0);
+    EXPECT_EQ(Fio_UrlPutFile(FtpUrl(KTW("x/y/a.txt")).c_str(), local.c_str()), 0);
     EXPECT_FALSE(fs::exists(OnServer(KTW("x"))));
 }
 
 TEST_F(UrlFiles, FailuresAreNumberedNamedAndLeaveNoTemporaryFile) {
     Plant(KTW("sub/there.txt"), "x");
     const WideString cases[] = {
-        Url(KTW("sub/missing.txt")),
-        Url(KTW("nodir/there.txt")),
-        Url(KTW("sub/there.txt"), KTW("wrong")),
-        Url(KTW("sub/there.txt"), KTW("secret"), kServerDown),
+        FtpUrl(KTW("sub/missing.txt")),
+        FtpUrl(KTW("nodir/there.txt")),
+        FtpUrl(KTW("sub/there.txt"), KTW("wrong")),
+        FtpUrl(KTW("sub/there.txt"), KTW("secret"), kServerDown),
     };
     for (const WideString& url : cases) {
         SCOPED_TRACE(::testing::PrintToString(url));
@@ -220,24 +210,24 @@ TEST_F(UrlFiles, ProbesFindTheExactNameInAnyLetterCase) {
     };
     for (const auto& probe : cases) {
         SCOPED_TRACE(::testing::PrintToString(WideString(probe.asked)));
-        EXPECT_EQ(Fio_IsFileExist(Url(probe.asked).c_str()), probe.exists);
+        EXPECT_EQ(Fio_IsFileExist(FtpUrl(probe.asked).c_str()), probe.exists);
     }
 }
 
 TEST_F(UrlFiles, AReadOnlyDirectoryIsNotWritableAndAWritableOneKeepsNoProbe) {
     Plant(KTW("readonly/locked.txt"), "locked");
-    EXPECT_EQ(Fio_UrlIsWritableDir(Url(KTW("readonly")).c_str()), 0);
-    EXPECT_EQ(Fio_IsWritableFile(Url(KTW("readonly/locked.txt")).c_str()), 0);
-    EXPECT_EQ(Fio_IsWritableFile(Url(KTW("readonly/new.txt")).c_str()), 0);
+    EXPECT_EQ(Fio_UrlIsWritableDir(FtpUrl(KTW("readonly")).c_str()), 0);
+    EXPECT_EQ(Fio_IsWritableFile(FtpUrl(KTW("readonly/locked.txt")).c_str()), 0);
+    EXPECT_EQ(Fio_IsWritableFile(FtpUrl(KTW("readonly/new.txt")).c_str()), 0);
     const auto refused =
-        FileFailureOf([&] { Fio_OpenOut(Url(KTW("readonly/locked.txt")).c_str(), 0); });
+        FileFailureOf([&] { Fio_OpenOut(FtpUrl(KTW("readonly/locked.txt")).c_str(), 0); });
     EXPECT_EQ(refused.code, XE_ACCESS_DENIED);
     EXPECT_EQ(refused.operation, XFILEOP_OPEN);
     EXPECT_EQ(RemoteContent(KTW("readonly/locked.txt")), "locked");
     fs::remove(OnServer(KTW("readonly/locked.txt")));
 
-    EXPECT_EQ(Fio_UrlIsWritableDir(Url(KTW("sub")).c_str()), 1);
-    EXPECT_EQ(Fio_IsWritableFile(Url(KTW("sub/new.txt")).c_str()), 1);
+    EXPECT_EQ(Fio_UrlIsWritableDir(FtpUrl(KTW("sub")).c_str()), 1);
+    EXPECT_EQ(Fio_IsWritableFile(FtpUrl(KTW("sub/new.txt")).c_str()), 1);
     EXPECT_TRUE(fs::is_empty(OnServer(KTW("sub"))));
     for (const auto& entry : fs::directory_iterator(root))  // a probe of "sub" lost its way
         EXPECT_NE(entry.path().extension(), ".tmp") << entry.path();
@@ -245,7 +235,7 @@ TEST_F(UrlFiles, AReadOnlyDirectoryIsNotWritableAndAWritableOneKeepsNoProbe) {
 
 TEST_F(UrlFiles, ACommitWhileTheServerIsAwayFailsKeepsTheWorkAndTriesAgain) {
     Plant(KTW("sub/kept.txt"), "old");
-    const WideString url = Url(KTW("sub/kept.txt"));
+    const WideString url = FtpUrl(KTW("sub/kept.txt"));
     const Ref<IXOutFile> out(Fio_OpenOut(url.c_str(), 0));
     Write(out.get(), "new");
     SetServerAway(true);
@@ -263,13 +253,13 @@ TEST_F(UrlFiles, ACommitWhileTheServerIsAwayFailsKeepsTheWorkAndTriesAgain) {
 TEST_F(UrlFiles, NamesTravelInTheAnsiCodePage) {
     const WideString german = KTW("sub/Gr\u00f6\u00dfe.txt");
     {
-        const Ref<IXOutFile> out(Fio_OpenOut(Url(german).c_str(), 0));
+        const Ref<IXOutFile> out(Fio_OpenOut(FtpUrl(german).c_str(), 0));
         Write(out.get(), "umlauts");
         out->Commit();
     }
     EXPECT_EQ(RemoteContent(german), "umlauts");
-    EXPECT_EQ(Fio_IsFileExist(Url(german).c_str()), 1);
-    const Ref<IXFile> file(Fio_Open(Url(german).c_str(), 0));
+    EXPECT_EQ(Fio_IsFileExist(FtpUrl(german).c_str()), 1);
+    const Ref<IXFile> file(Fio_Open(FtpUrl(german).c_str(), 0));
     EXPECT_EQ(ReadAll(file.get()), "umlauts");
 
     // A character outside the code page goes out as a question mark: the
@@ -277,7 +267,7 @@ TEST_F(UrlFiles, NamesTravelInTheAnsiCodePage) {
     // to the server's next start (a Windows name can not hold "?").
     const WideString local = temporary / KTW("local.txt");
     kt::test::WriteContent(local, "cyrillic");
-    EXPECT_NE(Fio_UrlPutFile(Url(KTW("outside/\u0436.txt")).c_str(), local.c_str()), 0);
+    EXPECT_NE(Fio_UrlPutFile(FtpUrl(KTW("outside/\u0436.txt")).c_str(), local.c_str()), 0);
     EXPECT_FALSE(fs::exists(OnServer(KTW("outside/\u0436.txt"))));
     EXPECT_EQ(std::distance(fs::directory_iterator(OnServer(KTW("outside"))), {}), 1);
 }
@@ -287,7 +277,7 @@ TEST_F(UrlFiles, NamesTravelInTheAnsiCodePage) {
 // generic failure, since they have no code of their own).
 TEST_F(UrlFiles, TheClientNamesEachKindOfRefusal) {
     {
-        kt::sys::FtpSession wrongPassword(kServer, KTW("kt"), KTW("wrong"));
+        kt::sys::FtpSession wrongPassword(kFtpServer, KTW("kt"), KTW("wrong"));
         EXPECT_FALSE(wrongPassword.IsOpen());
         EXPECT_EQ(kt::sys::LastFileError(), kt::sys::kErrorLoginFailure);
     }
@@ -296,7 +286,7 @@ TEST_F(UrlFiles, TheClientNamesEachKindOfRefusal) {
         EXPECT_FALSE(down.IsOpen());
         EXPECT_EQ(kt::sys::LastFileError(), kt::sys::kErrorCannotConnect);
     }
-    kt::sys::FtpSession session(kServer, KTW("kt"), KTW("secret"));
+    kt::sys::FtpSession session(kFtpServer, KTW("kt"), KTW("secret"));
     ASSERT_TRUE(session.IsOpen());
     EXPECT_FALSE(session.GetFile(KTW("/sub/missing.txt"), (temporary / KTW("x")).c_str()));
     EXPECT_EQ(kt::sys::LastFileError(), kt::sys::kErrorInternetExtended);

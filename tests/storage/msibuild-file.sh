@@ -1,0 +1,10 @@
+#!/bin/sh
+# A compound file that another program wrote: Debian's msibuild (msitools,
+# on libgsf) makes an installer database at $1 and adds the stream "+-+"
+# holding the 256 byte values in order. msibuild encodes names made of
+# letters, digits, '.' and '_'; "+-+" keeps its name.
+set -e
+/usr/bin/python3 -c 'import sys; sys.stdout.buffer.write(bytes(range(256)))' > "$1.bytes"
+rm -f "$1"
+msibuild "$1" -a +-+ "$1.bytes"
+rm -f "$1.bytes"
