@@ -162,23 +162,24 @@ TEST_F(UrlFiles, FailuresAreNumberedNamedAndLeaveNoTemporaryFile) {
 
 TEST_F(UrlFiles, DeletionsDirectoriesAndUploadsAnswerAsTheServerLetsThem) {
     Plant(KTW("sub/gone.txt"), "x");
-    EXPECT_EQ(Fio_UrlDeleteFile(Url(KTW("sub/missing.txt")).c_str()), 0);
-    EXPECT_NE(Fio_UrlDeleteFile(Url(KTW("sub/gone.txt")).c_str()), 0);
+    EXPECT_EQ(Fio_UrlDeleteFile(FtpUrl(KTW("sub/missing.txt")).c_str()), 0);
+    EXPECT_NE(Fio_UrlDeleteFile(FtpUrl(KTW("sub/gone.txt")).c_str()), 0);
     EXPECT_FALSE(fs::exists(OnServer(KTW("sub/gone.txt"))));
 
-    Fio_UrlCreateDirectory(Url(KTW("sub")).c_str());  // there already: nothing to do
-    Fio_UrlCreateDirectory(Url(KTW("sub/level")).c_str());
+    Fio_UrlCreateDirectory(FtpUrl(KTW("sub")).c_str());  // there already: nothing to do
+    Fio_UrlCreateDirectory(FtpUrl(KTW("sub/level")).c_str());
     EXPECT_TRUE(fs::is_directory(OnServer(KTW("sub/level"))));
-    const WideString twoLevels = Url(KTW("new/level"));
+    const WideString twoLevels = FtpUrl(KTW("new/level"));
     const auto deep = FileFailureOf([&] { Fio_UrlCreateDirectory(twoLevels.c_str()); });
     EXPECT_EQ(deep.operation, XFILEOP_CREATE_DIRECTORY);
     EXPECT_EQ(deep.name, twoLevels);
 
     const WideString local = temporary / KTW("local.txt");
-    EXPECT_EQ(Fio_UrlPutFile(Url(KTW("sub/put.txt")).c_str(), local.c_str()), 0);  // no local file
+    EXPECT_EQ(Fio_UrlPutFile(FtpUrl(KTW("sub/put.txt")).c_str(), local.c_str()), 0);  // no local file
     EXPECT_FALSE(fs::exists(OnServer(KTW("sub/put.txt"))));
     kt::test::WriteContent(local, "data");
-    for (const WideString& refused : {Url(KTW("sub/put.txt"), KTW("wrong")), Url(KTW("sub/put.txt"), KTW("secret"), kServerDown)}) {
+    for (const WideString& refused :
+         {FtpUrl(KTW("sub/put.txt"), KTW("wrong")), FtpUrl(KTW("sub/put.txt"), KTW("secret"), kServerDown)}) {
         SCOPED_TRACE(::testing::PrintToString(refused));
         EXPECT_EQ(Fio_UrlPutFile(refused.c_str(), local.c_str()), 0);
         const auto open = FileFailureOf([&] { Fio_OpenOut(refused.c_str(), 0); });
