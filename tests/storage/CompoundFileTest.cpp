@@ -21,8 +21,8 @@ namespace {
 using kt::test::Names;
 using kt::test::ReadText;
 using kt::test::ScratchDirectory;
-using kt::test::StorageFailure;
-using kt::test::StorageFailureOf;
+using kt::test::FileFailure;
+using kt::test::FileFailureOf;
 using kt::test::StorageRef;
 using kt::test::WideString;
 using kt::test::WriteText;
@@ -123,7 +123,7 @@ struct Refusal {
     const char* name;
     bool onClosedFile;
     void (*act)(IXStorage* root, const WideString& path);
-    StorageFailure expected;  // a name beginning "=path" stands for the file's path
+    FileFailure expected;  // a name beginning "=path" stands for the file's path
 };
 
 void CutShort(const WideString& path) {
@@ -220,10 +220,10 @@ TEST_P(Refused, WithTheMappedFailure) {
     StorageRef(root->CreateStorage("storage"));
     if (GetParam().onClosedFile)
         root.reset();
-    StorageFailure expected = GetParam().expected;
+    FileFailure expected = GetParam().expected;
     if (expected.name.rfind(KTW("=path"), 0) == 0)
         expected.name = path + expected.name.substr(5);
-    EXPECT_EQ(StorageFailureOf([&] { GetParam().act(root.get(), path); }), expected);
+    EXPECT_EQ(FileFailureOf([&] { GetParam().act(root.get(), path); }), expected);
 }
 
 struct RefusalName {

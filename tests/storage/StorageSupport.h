@@ -10,6 +10,7 @@
 #include "kticore/core/Exception.h"
 #include "kticore/storage/CompoundStorage.h"
 #include "tests/support/Counted.h"
+#include "tests/support/ScratchDirectory.h"
 #include "tests/support/WideText.h"
 
 namespace kt::test {
@@ -59,32 +60,6 @@ inline std::vector<std::string> OleStreamNames(IXStorage* storage) {
     }
     ole->Release();
     return names;
-}
-
-// What a CXFileException carried; its name is copied inside the handler.
-struct StorageFailure {
-    DWORD code = XE_NONE;
-    DWORD operation = 0xFFFFFFFF;
-    WideString name;
-    bool operator==(const StorageFailure& other) const {
-        return code == other.code && operation == other.operation && name == other.name;
-    }
-};
-
-inline std::ostream& operator<<(std::ostream& out, const StorageFailure& failure) {
-    return out << "code " << failure.code << ", operation " << failure.operation << ", name of "
-               << failure.name.size() << " units";
-}
-
-template <class Action>
-StorageFailure StorageFailureOf(Action&& action) {
-    try {
-        action();
-    } catch (const CXFileException& failure) {
-        return {failure.code, failure.operation, Wide(failure.name)};
-    }
-    ADD_FAILURE() << "no CXFileException was thrown";
-    return {};
 }
 
 }  // namespace kt::test

@@ -15,8 +15,8 @@ using kt::test::Names;
 using kt::test::ReadText;
 using kt::test::Ref;
 using kt::test::ScratchDirectory;
-using kt::test::StorageFailure;
-using kt::test::StorageFailureOf;
+using kt::test::FileFailure;
+using kt::test::FileFailureOf;
 using kt::test::StorageRef;
 using kt::test::Wide;
 using kt::test::WideString;
@@ -108,7 +108,7 @@ TEST(Storage, SubStoragesKeepTheRootsNameAndFlags) {
     StorageRef child(reader->OpenStorage("child"));
     EXPECT_EQ(Wide(child->GetName()), path);
     EXPECT_EQ(child->CreateStream("new"), nullptr);
-    EXPECT_EQ(StorageFailureOf([&] { child->CreateStorage("new"); }).code, XE_SHARING);
+    EXPECT_EQ(FileFailureOf([&] { child->CreateStorage("new"); }).code, XE_SHARING);
 }
 
 // A transacted root and its transacted child: the child's commit reaches the

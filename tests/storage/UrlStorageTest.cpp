@@ -65,8 +65,8 @@ TEST_F(UrlStorage, CommitsReachTheLocalCopyAloneWhichGoesAtRelease) {
 TEST_F(UrlStorage, AFailedDownloadLeavesNoCopy) {
     for (const WideString& missing :
          {FtpUrl(KTW("missing.stg")), WideString(KTW("ftp://127.0.0.1:1/x.stg"))}) {
-        EXPECT_EQ(kt::test::StorageFailureOf([&] { open_Storage(missing.c_str(), 1); }),
-                  (kt::test::StorageFailure{XE_NETWORK, XFILEOP_OPEN, {}}));
+        EXPECT_EQ(kt::test::FileFailureOf([&] { open_Storage(missing.c_str(), 1); }),
+                  (kt::test::FileFailure{XE_NETWORK, XFILEOP_OPEN, {}}));
         EXPECT_TRUE(temporary.Entries().empty());
     }
 }

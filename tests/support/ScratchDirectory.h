@@ -71,7 +71,15 @@ struct FileFailure {
     DWORD code = XE_NONE;
     DWORD operation = 0xFFFFFFFF;
     WideString name;
+    bool operator==(const FileFailure& other) const {
+        return code == other.code && operation == other.operation && name == other.name;
+    }
 };
+
+inline std::ostream& operator<<(std::ostream& out, const FileFailure& failure) {
+    return out << "code " << failure.code << ", operation " << failure.operation << ", name of "
+               << failure.name.size() << " units";
+}
 
 template <class Action>
 FileFailure FileFailureOf(Action&& action) {
