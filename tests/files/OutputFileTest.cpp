@@ -202,30 +202,11 @@ TEST_F(OutputFile, AKilledWriterLeavesTheOldOrTheNewFileNeverAMixture) {
         const std::string digits = std::to_string(n);
         return target + KTW(".") + WideString(digits.begin(), digits.end());
     };
-    const auto waitForCommit = [&](unsigned n) {
-        for (int poll = 0; poll < 60000 && !Fio_IsFileExist(marker(n).c_str()); ++poll)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        return Fio_IsFileExist(marker(n).c_str()) != 0;
-    };
     std::mt19937 random(20261123);
     for (int kill = 0; kill < kKills; ++kill) {
-        {
-            kt::test::ChildProcess writer(
-                KT_TEST_HELPER, {"commit-loop", kt::test::Narrow(target), std::to_string(kSize)});
-            ASSERT_TRUE(writer.Started());
-            // Two commits tell how long one takes at the machine's present
-            // load; the kill falls at a random moment of the next one.
-            ASSERT_TRUE(waitForCommit(1));
-            const auto first = std::chrono::steady_clock::now();
-            ASSERT_TRUE(waitForCommit(2));
-            const auto period = std::chrono::steady_clock::now() - first;
-            std::uniform_int_distribution<long long> moment(0, period.count());
-            std::this_thread::sleep_for(std::chrono::steady_clock::duration(moment(random)));
-            writer.Kill();
-        }
-        unsigned commits = 2;
-        while (Fio_IsFileExist(marker(commits + 1).c_str()))
-            ++commits;
+        const unsigned commits = kt::test::KillDuringACommit(
+            {"commit-loop", kt::test::Narrow(target), std::to_string(kSize)}, marker, random);
+        ASSERT_NE(commits, 0u) << "the writer did not get going";
         // The N-th reported commit wrote generation N - 1; the next one may
         // have landed before its report. A missing target is neither.
         const std::string content = Fio_IsFileExist(target.c_str()) ? ContentOf(target) : "";

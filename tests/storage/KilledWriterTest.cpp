@@ -33,31 +33,12 @@ TEST(KilledWriter, LeavesOneWholeCommit) {
     auto marker = [&](unsigned n, const char* when = "") {
         return target + kt::test::W("." + std::to_string(n) + when);
     };
-    auto waitForCommit = [&](unsigned n) {
-        for (int i = 0; i < 3000 && !Fio_IsFileExist(marker(n).c_str()); ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        return Fio_IsFileExist(marker(n).c_str()) != 0;
-    };
     std::mt19937 random(20261125);
     int unopenable = 0, mixed = 0, insideCommit = 0;
     for (int kill = 0; kill < kKills; ++kill) {
-        {
-            kt::test::ChildProcess writer(KT_TEST_HELPER,
-                                          {"storage-commit-loop", kt::test::Narrow(target)});
-            ASSERT_TRUE(writer.Started());
-            // Two commits tell how long one takes at the machine's present
-            // load; the kill falls at a random moment of the next one.
-            ASSERT_TRUE(waitForCommit(1));
-            const auto first = std::chrono::steady_clock::now();
-            ASSERT_TRUE(waitForCommit(2));
-            const auto period = std::chrono::steady_clock::now() - first;
-            std::uniform_int_distribution<long long> moment(0, period.count());
-            std::this_thread::sleep_for(std::chrono::steady_clock::duration(moment(random)));
-            writer.Kill();
-        }
-        unsigned commits = 2;
-        while (Fio_IsFileExist(marker(commits + 1).c_str()))
-            ++commits;
+        const unsigned commits =
+            kt::test::KillDuringACommit({"storage-commit-loop", kt::test::Narrow(target)}, marker, random);
+        ASSERT_NE(commits, 0u) << "the writer did not get going";
         insideCommit += Fio_IsFileExist(marker(commits + 1, "-").c_str()) != 0;
         try {
             StorageRef left(open_Storage(target.c_str(), 1));
