@@ -1,3 +1,5 @@
+// The container's table operations, the order in which sinks are told, and
+// the factory that the library registers under the class's own name.
 #include "objects/ServiceContainer.h"
 
 #include <memory>
