@@ -29,6 +29,29 @@ void Notify(IKTUnknown* service, int (IKTServiceSink::*notice)(IKTUnknown*), IKT
     (sink->*notice)(container);
 }
 
+using RemovalNotice = void (*)(IKTUnknown* service, IKTUnknown* container);
+
+void NotifyRemoved(IKTUnknown* service, IKTUnknown* container) {
+    Notify(service, &IKTServiceSink::OnServiceRemoved, container);
+}
+
+// A sink that throws while its container is destroyed cannot keep the
+// others from being told.
+void NotifyRemovedCarryingOn(IKTUnknown* service, IKTUnknown* container) {
+    try {
+        NotifyRemoved(service, container);
+    } catch (...) {
+    }
+}
+
+// Tells each service of the table, in table order, that it leaves; all of
+// them are still in the table meanwhile.
+void NotifyEachRemoved(kt::CServiceTable& services, IKTUnknown* container, RemovalNotice notice) {
+    CTMapPosition position;
+    while (IKTUnknown** service = services.NextValue(position))
+        notice(*service, container);
+}
+
 // The library's one class, in the registry from load to unload. The registry
 // is built by the first registration, so it outlives this.
 struct CServiceContainerClass {
@@ -43,12 +66,10 @@ CKTServiceContainer::~CKTServiceContainer() {
     // now would destroy it a second time, so sinks told from here on find
     // nothing through their pointer.
     backPointer.target = nullptr;
-    // A sink that throws cannot stop the destruction; the table's own
-    // destructor still releases every service.
-    try {
-        RemoveAllServices();
-    } catch (...) {
-    }
+    NotifyEachRemoved(services, &backPointer, NotifyRemovedCarryingOn);
+    // Released here rather than by the table's destructor, while the pointer
+    // that sinks were given still exists.
+    services.RemoveAll();
 }
 
 int CKTServiceContainer::InternalQueryInterface(const type_info& wanted, void** out) {
@@ -60,16 +81,14 @@ int CKTServiceContainer::InternalQueryInterface(const type_info& wanted, void** 
 }
 
 int CKTServiceContainer::EnumServices(const type_info& iface, CTEnum<IKTUnknown*>** out) {
-    if (out == nullptr)
-        return 0;
-    *out = new (std::nothrow) CServiceEnum(services, iface);
+    if (out != nullptr)
+        *out = new (std::nothrow) CServiceEnum(services, iface);
     return 1;
 }
 
 int CKTServiceContainer::EnumServiceNames(CTEnum<const char*>** out) {
-    if (out == nullptr)
-        return 0;
-    *out = new (std::nothrow) CServiceNameEnum(services);
+    if (out != nullptr)
+        *out = new (std::nothrow) CServiceNameEnum(services);
     return 1;
 }
 
@@ -99,14 +118,12 @@ int CKTServiceContainer::RemoveService(const char* name) {
     // sink has been told.
     const HeldReference held(service);
     services.Remove(name);
-    Notify(service, &IKTServiceSink::OnServiceRemoved, &backPointer);
+    NotifyRemoved(service, &backPointer);
     return 1;
 }
 
 void CKTServiceContainer::RemoveAllServices() {
-    CTMapPosition position;
-    while (IKTUnknown** service = services.NextValue(position))
-        Notify(*service, &IKTServiceSink::OnServiceRemoved, &backPointer);
+    NotifyEachRemoved(services, &backPointer, NotifyRemoved);
     services.Clear();
 }
 

@@ -1,5 +1,7 @@
 #include "objects/ServiceEnum.h"
 
+#include <utility>
+
 namespace {
 
 // What both Next operations report: the number stored, in *fetched when
@@ -16,7 +18,7 @@ int CServiceEnum::Next(ULONG count, IKTUnknown** items, ULONG* fetched) {
     ULONG stored = 0;
     try {
         while (items != nullptr && stored < count) {
-            IKTUnknown** service = walk.NextService();
+            IKTUnknown** service = table->NextValue(position);
             if (service == nullptr)
                 break;
             if ((*service)->QueryInterface(*wanted, reinterpret_cast<void**>(&items[stored])))
@@ -24,9 +26,11 @@ int CServiceEnum::Next(ULONG count, IKTUnknown** items, ULONG* fetched) {
         }
     } catch (...) {
         // The caller learns no count, so the references already handed out
-        // would be lost.
+        // go back. Each place is emptied before its reference goes: a caller
+        // that releases what is not null after catching releases nothing
+        // twice.
         while (stored != 0)
-            items[--stored]->Release();
+            std::exchange(items[--stored], nullptr)->Release();
         throw;
     }
     return Finish(stored, fetched);
@@ -35,7 +39,7 @@ int CServiceEnum::Next(ULONG count, IKTUnknown** items, ULONG* fetched) {
 int CServiceEnum::Skip(ULONG count) {
     ULONG counted = 0;
     while (counted < count) {
-        IKTUnknown** service = walk.NextService();
+        IKTUnknown** service = table->NextValue(position);
         if (service == nullptr)
             break;
         void* answer = nullptr;
@@ -50,7 +54,7 @@ int CServiceEnum::Skip(ULONG count) {
 int CServiceNameEnum::Next(ULONG count, const char** items, ULONG* fetched) {
     ULONG stored = 0;
     while (items != nullptr && stored < count) {
-        const char** name = walk.NextName();
+        const char** name = table->NextKey(position);
         if (name == nullptr)
             break;
         items[stored++] = *name;
@@ -60,7 +64,7 @@ int CServiceNameEnum::Next(ULONG count, const char** items, ULONG* fetched) {
 
 int CServiceNameEnum::Skip(ULONG count) {
     ULONG stepped = 0;
-    while (stepped < count && walk.NextName() != nullptr)
+    while (stepped < count && table->NextKey(position) != nullptr)
         ++stepped;
     return stepped != 0;
 }

@@ -1,6 +1,7 @@
 // The service container as a host makes it, by name through the registry:
 // standing alone and aggregated into an object of the test's own. Services
 // count their references, so a leak or a double release fails a check.
+// Single-letter names lie in the table in alphabetical order.
 #include "kticore/objects/ServiceContainer.h"
 
 #include <gtest/gtest.h>
@@ -40,33 +41,20 @@ Ref<IKTServiceContainer> NewContainer() {
 }
 
 // A service that is told when it enters and leaves a container. Each notice
-// goes to the log with what the container, reached through the pointer the
-// notice brought, says of the service's name then: "listed", "unlisted", or
-// "unreachable" when the pointer leads nowhere. The pointer is kept, to reach
-// siblings later.
+// goes to the log with the service's own count then, and the names in the
+// table as the pointer the notice brought shows them, or "unreachable" when
+// it leads nowhere. The pointer is kept, to reach siblings later.
 class CSinkService : public CKTUnknownImpl<IKTServiceSink> {
 public:
     CSinkService(const char* name, Log& log) : name(name), log(log) {}
 
-    int OnServiceAdded(IKTUnknown* from) override {
-        container = from;
-        return Note("added");
-    }
-    int OnServiceRemoved(IKTUnknown* from) override {
-        container = from;
-        return Note("removed");
-    }
+    int OnServiceAdded(IKTUnknown* from) override { return Note("added", from); }
+    int OnServiceRemoved(IKTUnknown* from) override { return Note("removed", from); }
 
     int QueryInterface(const type_info& wanted, void** out) override {
         if (failQueries)
             throw CXException(XE_GENERIC);
         return CKTUnknownImpl::QueryInterface(wanted, out);
-    }
-
-    Ref<IKTUnknown> Sibling(const char* sibling) const {
-        IKTUnknown* found = nullptr;
-        Query<IKTServiceContainer>(container)->GetService(sibling, &found);
-        return Ref<IKTUnknown>(found);
     }
 
     ULONG References() const { return refs; }
@@ -77,12 +65,19 @@ public:
     bool failQueries = false;
 
 private:
-    int Note(const char* notice) {
-        const Ref<IKTServiceContainer> reached = Query<IKTServiceContainer>(container);
-        const char* state = reached == nullptr                     ? "unreachable"
-                            : reached->GetService(name, nullptr) ? "listed"
-                                                                 : "unlisted";
-        log.push_back(std::string(notice) + " " + name + " " + state);
+    int Note(const char* notice, IKTUnknown* from) {
+        container = from;
+        std::string line = std::string(notice) + " " + name + " (" + std::to_string(refs) + "):";
+        if (const Ref<IKTServiceContainer> reached = Query<IKTServiceContainer>(from)) {
+            CTEnum<const char*>* made = nullptr;
+            reached->EnumServiceNames(&made);
+            const Ref<CTEnum<const char*>> names(made);
+            for (const char* listed = nullptr; names->Next(1, &listed, nullptr);)
+                line = line + " " + listed;
+        } else {
+            line += " unreachable";
+        }
+        log.push_back(line);
         if (failNotices)
             throw CXException(XE_GENERIC);
         return 0;
@@ -107,9 +102,9 @@ public:
     IKTUnknown* inner = nullptr;
 };
 
-TEST(ServiceContainer, TakenAbsentAndTwinNamesAreResultsAndOnlyAnAddedSinkIsTold) {
+TEST(ServiceContainer, TakenAbsentAndTwinNamesAreResultsAndATakenNameTellsNoSink) {
     Log log;
-    const Ref<CSinkService> sink(new CSinkService("clock", log));
+    const Ref<CSinkService> sink(new CSinkService("s", log));
     const Ref<CCounted> plain(new CCounted);
     const Ref<IKTServiceContainer> container = NewContainer();
     // "aaeaea" and "abagab" share their hash, so they are one name.
@@ -118,14 +113,14 @@ TEST(ServiceContainer, TakenAbsentAndTwinNamesAreResultsAndOnlyAnAddedSinkIsTold
         IKTUnknown* service;
         int added;
     } additions[] = {
-        {"clock", sink.get(), 1},  {"plain", plain.get(), 1}, {"clock", plain.get(), 0},
+        {"s", sink.get(), 1},       {"p", plain.get(), 1},     {"s", plain.get(), 0},
         {"aaeaea", plain.get(), 1}, {"abagab", sink.get(), 0}, {nullptr, plain.get(), 0},
-        {"none", nullptr, 0},
+        {"n", nullptr, 0},
     };
     for (const auto& addition : additions)
         EXPECT_EQ(container->AddService(addition.name, addition.service), addition.added)
             << (addition.name != nullptr ? addition.name : "(null)");
-    EXPECT_EQ(log, Log{"added clock listed"});
+    EXPECT_EQ(log, Log{"added s (3): s"});
     EXPECT_EQ(sink->References(), 2u);
     EXPECT_EQ(plain->References(), 3u);
 
@@ -138,32 +133,34 @@ TEST(ServiceContainer, TakenAbsentAndTwinNamesAreResultsAndOnlyAnAddedSinkIsTold
     found->Release();
 
     EXPECT_EQ(container->RemoveService("nothing"), 0);
-    EXPECT_EQ(container->RemoveService("plain"), 1);
-    EXPECT_EQ(container->RemoveService("plain"), 0);
-    EXPECT_EQ(container->GetService("plain", &found), 0);
+    EXPECT_EQ(container->RemoveService("p"), 1);
+    EXPECT_EQ(container->RemoveService("p"), 0);
+    EXPECT_EQ(container->GetService("p", &found), 0);
     EXPECT_EQ(plain->References(), 2u);
-    EXPECT_EQ(log, Log{"added clock listed"});
 }
 
-TEST(ServiceContainer, ASinkIsToldWithTheTableAsEachWayOfRemovalLeavesIt) {
+TEST(ServiceContainer, SinksAreToldWithTheTableAsEachWayOfRemovalLeavesIt) {
     Log log;
-    const Ref<CSinkService> first(new CSinkService("first", log));
-    const Ref<CSinkService> second(new CSinkService("second", log));
+    const Ref<CSinkService> a(new CSinkService("a", log));
+    const Ref<CSinkService> b(new CSinkService("b", log));
     Ref<IKTServiceContainer> container = NewContainer();
-    container->AddService("first", first.get());
-    container->AddService("second", second.get());
-    EXPECT_EQ(container->RemoveService("first"), 1);
+    container->AddService("a", a.get());
+    container->AddService("b", b.get());
     container->RemoveAllServices();
-    EXPECT_EQ(first->References(), 1u);
-    EXPECT_EQ(second->References(), 1u);
-
-    // Emptied, the container takes services again; its destruction tells
-    // each sink, without a way back to it, and releases each service once.
-    EXPECT_EQ(container->AddService("first", first.get()), 1);
+    // Emptied, the container takes services again. One that only the
+    // container holds lives until it has been told of its removal.
+    container->AddService("c", Ref<CSinkService>(new CSinkService("c", log)).get());
+    container->AddService("a", a.get());
+    EXPECT_EQ(container->RemoveService("c"), 1);
+    container->AddService("b", b.get());
+    // Destroyed, the container tells every sink, without a way back to it,
+    // before it releases any service.
     container.reset();
-    EXPECT_EQ(log, (Log{"added first listed", "added second listed", "removed first unlisted",
-                        "removed second listed", "added first listed", "removed first unreachable"}));
-    EXPECT_EQ(first->References(), 1u);
+    EXPECT_EQ(log, (Log{"added a (3): a", "added b (3): a b", "removed a (3): a b", "removed b (3): a b",
+                        "added c (3): c", "added a (3): a c", "removed c (2): a", "added b (3): a b",
+                        "removed a (3): unreachable", "removed b (3): unreachable"}));
+    EXPECT_EQ(a->References(), 1u);
+    EXPECT_EQ(b->References(), 1u);
 }
 
 enum class Op { Next, Skip, Reset };
@@ -198,7 +195,7 @@ void Play(CTEnum<T>* walk, const std::vector<Step>& script, NameOf nameOf) {
     }
 }
 
-TEST(ServiceContainer, EnumeratorsWalkBucketsUpwardNewestFirstAndSkipStopsAtAServiceThatDoesNotAnswer) {
+TEST(ServiceContainer, EnumeratorsWalkBucketsUpwardNewestFirstAndBeginAgainAfterTheEnd) {
     Log log;
     // "a" and "0P" hash to bucket 97 of 127, "b" to 98.
     const Ref<CSinkService> b(new CSinkService("b", log));
@@ -208,21 +205,24 @@ TEST(ServiceContainer, EnumeratorsWalkBucketsUpwardNewestFirstAndSkipStopsAtASer
     container->AddService("b", b.get());
     container->AddService("a", a.get());
     container->AddService("0P", zeroP.get());
+    EXPECT_EQ(container->EnumServiceNames(nullptr), 1);
+    EXPECT_EQ(container->EnumServices(typeid(IKTUnknown), nullptr), 1);
 
     CTEnum<const char*>* names = nullptr;
     ASSERT_EQ(container->EnumServiceNames(&names), 1);
     Play(Ref<CTEnum<const char*>>(names).get(),
          {{Op::Next, 3, 1, {"0P", "a", "b"}},
           {Op::Next, 1, 0, {}},
-          {Op::Reset, 0, 0, {}},
           {Op::Next, 1, 1, {"0P"}},
           {Op::Skip, 1, 1, {}},
-          {Op::Next, 2, 1, {"b"}},
-          {Op::Skip, 1, 0, {}},
           {Op::Reset, 0, 0, {}},
+          {Op::Next, 2, 1, {"0P", "a"}},
+          {Op::Next, 2, 1, {"b"}},
+          {Op::Skip, 1, 1, {}},
           {Op::Skip, 0, 0, {}},
           {Op::Next, 0, 0, {}},
-          {Op::Skip, 5, 1, {}}},
+          {Op::Skip, 5, 1, {}},
+          {Op::Next, 1, 1, {"0P"}}},
          [](const char* name) { return std::string(name); });
 
     // Only the sinks answer: "a" is passed over by Next, and ends a Skip.
@@ -235,11 +235,11 @@ TEST(ServiceContainer, EnumeratorsWalkBucketsUpwardNewestFirstAndSkipStopsAtASer
     ASSERT_EQ(container->EnumServices(typeid(IKTServiceSink), &sinks), 1);
     Play(Ref<CTEnum<IKTUnknown*>>(sinks).get(),
          {{Op::Next, 3, 1, {"0P", "b"}},
-          {Op::Next, 1, 0, {}},
+          {Op::Next, 1, 1, {"0P"}},
           {Op::Reset, 0, 0, {}},
           {Op::Skip, 2, 1, {}},
           {Op::Next, 1, 1, {"b"}},
-          {Op::Reset, 0, 0, {}},
+          {Op::Next, 1, 0, {}},
           {Op::Next, 1, 1, {"0P"}},
           {Op::Skip, 1, 0, {}},
           {Op::Next, 0, 0, {}},
@@ -257,32 +257,38 @@ TEST(ServiceContainer, EnumeratorsWalkBucketsUpwardNewestFirstAndSkipStopsAtASer
 
 TEST(ServiceContainer, WhatAServiceThrowsPassesOutWithTheTableAsFarAsItGot) {
     Log log;
-    const Ref<CSinkService> failing(new CSinkService("failing", log));
+    const Ref<CSinkService> failing(new CSinkService("f", log));
     failing->failNotices = true;
     Ref<IKTServiceContainer> container = NewContainer();
-    EXPECT_THROW(container->AddService("failing", failing.get()), CXException);
-    EXPECT_EQ(container->GetService("failing", nullptr), 1);
+    EXPECT_THROW(container->AddService("f", failing.get()), CXException);
+    EXPECT_EQ(container->GetService("f", nullptr), 1);
     EXPECT_EQ(failing->References(), 2u);
-    EXPECT_THROW(container->RemoveService("failing"), CXException);
-    EXPECT_EQ(container->GetService("failing", nullptr), 0);
+    EXPECT_THROW(container->RemoveService("f"), CXException);
+    EXPECT_EQ(container->GetService("f", nullptr), 0);
     EXPECT_EQ(failing->References(), 1u);
 
-    // "a" comes first, "b" fails when asked: what Next had handed out goes back.
-    const Ref<CSinkService> a(new CSinkService("a", log));
-    const Ref<CSinkService> b(new CSinkService("b", log));
-    container->AddService("a", a.get());
-    container->AddService("b", b.get());
-    b->failQueries = true;
-    CTEnum<IKTUnknown*>* sinks = nullptr;
-    container->EnumServices(typeid(IKTServiceSink), &sinks);
-    IKTUnknown* items[2] = {};
-    EXPECT_THROW(Ref<CTEnum<IKTUnknown*>>(sinks)->Next(2, items, nullptr), CXException);
-    EXPECT_EQ(a->References(), 2u);
+    // "b" fails when asked: what Next had handed out goes back, its place
+    // emptied.
+    const Ref<CSinkService> sinks[] = {Ref<CSinkService>(new CSinkService("a", log)),
+                                       Ref<CSinkService>(new CSinkService("b", log)),
+                                       Ref<CSinkService>(new CSinkService("c", log))};
+    for (const auto& sink : sinks)
+        container->AddService(sink->name, sink.get());
+    sinks[1]->failQueries = true;
+    CTEnum<IKTUnknown*>* made = nullptr;
+    container->EnumServices(typeid(IKTServiceSink), &made);
+    IKTUnknown* items[3] = {};
+    EXPECT_THROW(Ref<CTEnum<IKTUnknown*>>(made)->Next(3, items, nullptr), CXException);
+    EXPECT_EQ(items[0], nullptr);
+    EXPECT_EQ(sinks[0]->References(), 2u);
 
-    // A failure during the destruction does not keep a service.
+    // A sink that fails during the destruction keeps neither the others from
+    // being told nor any service.
     container.reset();
-    EXPECT_EQ(a->References(), 1u);
-    EXPECT_EQ(b->References(), 1u);
+    EXPECT_EQ(log, (Log{"added f (3): f", "removed f (3):", "added a (3): a", "added b (3): a b",
+                        "added c (3): a b c", "removed a (3): unreachable", "removed c (3): unreachable"}));
+    for (const auto& sink : sinks)
+        EXPECT_EQ(sink->References(), 1u) << sink->name;
 }
 
 TEST(ServiceContainer, MadeByNameStandingAloneOrAggregatedItLendsSinksAnUncountedWayToTheirSiblings) {
@@ -290,7 +296,7 @@ TEST(ServiceContainer, MadeByNameStandingAloneOrAggregatedItLendsSinksAnUncounte
     for (const bool aggregated : {false, true}) {
         SCOPED_TRACE(aggregated ? "aggregated" : "standing alone");
         Log log;
-        const Ref<CSinkService> sink(new CSinkService("clock", log));
+        const Ref<CSinkService> sink(new CSinkService("s", log));
         const Ref<CCounted> plain(new CCounted);
         Ref<CHostObject> host(aggregated ? new CHostObject : nullptr);
         Ref<IKTServiceContainer> container =
@@ -307,17 +313,19 @@ TEST(ServiceContainer, MadeByNameStandingAloneOrAggregatedItLendsSinksAnUncounte
         const ULONG held = References(identity);
         EXPECT_EQ(held, aggregated ? 2u : 1u);
 
-        container->AddService("plain", plain.get());
-        container->AddService("clock", sink.get());
+        container->AddService("p", plain.get());
+        container->AddService("s", sink.get());
         EXPECT_EQ(sink->container->AddRef(), 0u);
         EXPECT_EQ(sink->container->Release(), 0u);
-        EXPECT_EQ(sink->Sibling("plain").get(), plain.get());
+        IKTUnknown* sibling = nullptr;
+        Query<IKTServiceContainer>(sink->container)->GetService("p", &sibling);
+        EXPECT_EQ(Ref<IKTUnknown>(sibling).get(), plain.get());
         EXPECT_EQ(References(identity), held);
         EXPECT_EQ(plain->References(), 2u);
 
         EXPECT_EQ(container.release()->Release(), held - 1);
         host.reset();
-        EXPECT_EQ(log, (Log{"added clock listed", "removed clock unreachable"}));
+        EXPECT_EQ(log, (Log{"added s (3): p s", "removed s (3): unreachable"}));
         EXPECT_EQ(sink->References(), 1u);
         EXPECT_EQ(plain->References(), 1u);
     }

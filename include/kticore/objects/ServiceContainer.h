@@ -14,9 +14,10 @@
 
 struct IKTServiceContainer : IKTUnknown {
     // An enumerator over the services that answer `iface`, each handed out
-    // with a reference for the caller. Always 1; `*out` is null only when
-    // memory ran out. No enumerator may outlive its container, and one is
-    // stable only while nothing is added or removed.
+    // with a reference for the caller; once at the end, it begins again.
+    // Always 1, also for a null `out`; `*out` is null only when memory ran
+    // out. No enumerator may outlive its container, and one is stable only
+    // while nothing is added or removed.
     virtual int EnumServices(const type_info& iface, CTEnum<IKTUnknown*>** out) = 0;
     // An enumerator over the names, which point into the table. As above.
     virtual int EnumServiceNames(CTEnum<const char*>** out) = 0;
