@@ -677,6 +677,53 @@ DEMO_EXPORT int CLSID_DemoNote(IKTUnknown*, const type_info& iface, IKTUnknown**
     return found;
 }
 
+namespace {
+
+void SharedServices() {
+    Step("A service container shares named objects between the modules of an application");
+    // Told when it joins and leaves; finds a sibling through the container it
+    // is shown, which lends no reference.
+    struct CLogger : CKTUnknownImpl<IKTServiceSink> {
+        int OnServiceAdded(IKTUnknown* container) override {
+            void* found = nullptr;
+            container->QueryInterface(typeid(IKTServiceContainer), &found);
+            auto* services = static_cast<IKTServiceContainer*>(found);
+            IKTUnknown* sibling = nullptr;
+            if (services->GetService("greeter", &sibling)) {
+                std::printf("   logger added; its sibling says \"%s\"\n",
+                            static_cast<IGreeter*>(sibling)->Greeting());
+                sibling->Release();
+            }
+            services->Release();
+            return 0;
+        }
+        int OnServiceRemoved(IKTUnknown*) override {
+            std::printf("   logger removed\n");
+            return 0;
+        }
+    };
+    IKTUnknown* made = nullptr;
+    CreateObject("CLSID_OFSERVICECONTAINER", nullptr, typeid(IKTServiceContainer), &made);
+    auto* services = static_cast<IKTServiceContainer*>(made);
+    IKTUnknown* greeter = new CGreeter;
+    IKTUnknown* logger = new CLogger;
+    services->AddService("greeter", greeter);
+    services->AddService("logger", logger);
+    std::printf("   \"greeter\" once more: %s\n",
+                services->AddService("greeter", logger) ? "replaced" : "refused, the name is taken");
+    greeter->Release();
+    logger->Release();
+    CTEnum<const char*>* names = nullptr;
+    services->EnumServiceNames(&names);
+    const char* name = nullptr;
+    while (names->Next(1, &name, nullptr))
+        std::printf("   service \"%s\"\n", name);
+    names->Release();
+    services->Release();  // tells the logger, then releases both services
+}
+
+}  // namespace
+
 int main() {
     std::printf("kticore demo host\n");
     ObjectModel();
@@ -687,6 +734,7 @@ int main() {
     Containers();
     Values();
     StoredObjects();
+    SharedServices();
     Files();
 #if defined(_WIN32)
     CompoundStorages();

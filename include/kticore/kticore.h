@@ -19,6 +19,7 @@
 #include "kticore/files/UrlFiles.h"
 #include "kticore/objects/Persist.h"
 #include "kticore/objects/Registry.h"
+#include "kticore/objects/ServiceContainer.h"
 #include "kticore/params/IniFileParam.h"
 #include "kticore/params/Param.h"
 #include "kticore/params/ParamTools.h"
