@@ -14,4 +14,4 @@
 
 // The root of the tree in `file`, one reference for the caller. Opening a
 // section that the file lacks writes it, with its directory and the file.
-KTCORE_API IParam* new_IParamIniFile(const KTWCHAR* file);
+extern "C" KTCORE_API IParam* new_IParamIniFile(const KTWCHAR* file);
