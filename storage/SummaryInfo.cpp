@@ -1,8 +1,7 @@
 #include "storage/SummaryInfo.h"
 
-#include <cstring>
 #include <memory>
-#include <vector>
+#include <string>
 
 #include "platform/TextConversion.h"
 
@@ -45,19 +44,19 @@ struct ReleaseOle {
 using PropertyStorageRef = std::unique_ptr<IPropertyStorage, ReleaseOle>;
 
 // A value's text as the property set keeps it: narrow, in the ANSI code
-// page. Empty when the value is no text or an empty one.
-std::vector<char> NarrowText(const tagKTVARIANT& value) {
+// page, sized to what the narrowing needs. Empty when the value is no text
+// or an empty one.
+std::string NarrowText(const tagKTVARIANT& value) {
     if (value.vt == KTVT_STR && value.pszVal != nullptr)
-        return std::vector<char>(value.pszVal, value.pszVal + std::strlen(value.pszVal) + 1);
+        return value.pszVal;
     if (value.vt != KTVT_WSTR || value.pwszVal == nullptr)
         return {};
     const int units = static_cast<int>(std::char_traits<KTWCHAR>::length(value.pwszVal));
     const int size = kt::sys::WideToMultiByte(kt::sys::kAnsiCodePage, value.pwszVal, units,
                                               nullptr, 0);
-    if (size == 0)
-        return {};
-    std::vector<char> text(static_cast<size_t>(size) + 1);
-    kt::sys::WideToMultiByte(kt::sys::kAnsiCodePage, value.pwszVal, units, text.data(), size);
+    std::string text(static_cast<size_t>(size), '\0');
+    if (size != 0)
+        kt::sys::WideToMultiByte(kt::sys::kAnsiCodePage, value.pwszVal, units, text.data(), size);
     return text;
 }
 
@@ -124,8 +123,8 @@ int CIKTSummaryInfo::SetProperty(const char* name, const tagKTVARIANT* value) {
     if (value == nullptr || !Find(name, place))
         return 0;
     // A property cannot be made empty: the old value stays.
-    std::vector<char> text = NarrowText(*value);
-    if (text.empty() || text[0] == '\0')
+    std::string text = NarrowText(*value);
+    if (text.empty())
         return 0;
     const PropertyStorageRef properties(OpenSet(place.set, true));
     if (properties == nullptr)
