@@ -21,9 +21,18 @@ IPropertySetStorage* PropertySetsOf(IStorage* storage);
 HRESULT OpenPropertySet(IPropertySetStorage* sets, PropertySet set, DWORD mode,
                         IPropertyStorage** out);
 // A new set of narrow text in the ANSI code page, replacing one of that
-// format, open for writing in exclusive share mode.
+// format, open for writing in exclusive share mode; in the file at once,
+// empty, even if nothing is written to it.
 HRESULT CreatePropertySet(IPropertySetStorage* sets, PropertySet set, IPropertyStorage** out);
-// Frees what a value that ReadMultiple gave owns.
-void ClearPropertyValue(PROPVARIANT* value);
+// A value for ReadMultiple to fill; what the read allocated in it is freed
+// with it, however the reader leaves.
+struct ReadPropertyValue {
+    ReadPropertyValue();
+    ~ReadPropertyValue();
+    ReadPropertyValue(const ReadPropertyValue&) = delete;
+    ReadPropertyValue& operator=(const ReadPropertyValue&) = delete;
+
+    PROPVARIANT value;
+};
 
 }  // namespace kt::sys

@@ -96,38 +96,40 @@ IPropertyStorage* CIKTSummaryInfo::OpenSet(kt::sys::PropertySet set, bool write)
     return nullptr;
 }
 
+// Both sets are opened for reading, and the one the name lives in is read.
 int CIKTSummaryInfo::GetProperty(const char* name, CKTVariant* value) {
     Place place;
     if (value == nullptr || !Find(name, place))
         return 0;
-    const PropertyStorageRef properties(OpenSet(place.set, false));
+    const PropertyStorageRef summary(OpenSet(kt::sys::PropertySet::Summary, false));
+    const PropertyStorageRef documentSummary(OpenSet(kt::sys::PropertySet::DocumentSummary, false));
+    IPropertyStorage* properties =
+        place.set == kt::sys::PropertySet::Summary ? summary.get() : documentSummary.get();
     if (properties == nullptr)
         return 0;
     PROPSPEC spec = {};
     spec.ulKind = PRSPEC_PROPID;
     spec.propid = place.id;
-    PROPVARIANT read;
-    PropVariantInit(&read);
-    int found = 0;
-    if (SUCCEEDED(properties->ReadMultiple(1, &spec, &read)) && read.vt == VT_LPSTR &&
-        read.pszVal != nullptr) {
-        *value = static_cast<const char*>(read.pszVal);
-        found = 1;
-    }
-    kt::sys::ClearPropertyValue(&read);
-    return found;
+    kt::sys::ReadPropertyValue read;
+    if (FAILED(properties->ReadMultiple(1, &spec, &read.value)) || read.value.vt != VT_LPSTR ||
+        read.value.pszVal == nullptr)
+        return 0;
+    *value = static_cast<const char*>(read.value.pszVal);
+    return 1;
 }
 
+// The set is opened, or made, before the value is looked at: a refused value
+// can leave a new empty set behind.
 int CIKTSummaryInfo::SetProperty(const char* name, const tagKTVARIANT* value) {
     Place place;
     if (value == nullptr || !Find(name, place))
         return 0;
+    const PropertyStorageRef properties(OpenSet(place.set, true));
+    if (properties == nullptr)
+        return 0;
     // A property cannot be made empty: the old value stays.
     std::string text = NarrowText(*value);
     if (text.empty())
-        return 0;
-    const PropertyStorageRef properties(OpenSet(place.set, true));
-    if (properties == nullptr)
         return 0;
     PROPSPEC spec = {};
     spec.ulKind = PRSPEC_PROPID;
@@ -147,4 +149,5 @@ int CIKTSummaryInfo::RemoveName(const char* name) {
     return name != nullptr && names->Remove(name);
 }
 
+// Emptied in place, not replaced: an enumerator a caller holds stays usable.
 void CIKTSummaryInfo::RemoveAllNames() { names->Clear(); }

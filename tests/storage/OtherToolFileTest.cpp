@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -52,7 +53,11 @@ TEST(OtherToolFile, OpensEnumeratesAndReads) {
 // the value, a 16-bit number, at the section's end.
 std::string WithCodePage(std::string set) {
     constexpr DWORD kCodePageId = 1, kTwoByteInteger = 2, kCodePage = 1252;
+    // Checked: the set comes from another program. (The inserts below check
+    // their own positions.)
     const auto word = [&](size_t at) {
+        if (at > set.size() || set.size() - at < sizeof(DWORD))
+            throw std::out_of_range("msibuild's summary set ends early");
         DWORD value;
         std::memcpy(&value, set.data() + at, sizeof value);
         return value;
@@ -73,9 +78,10 @@ std::string WithCodePage(std::string set) {
 }
 
 // msibuild sets the subject and author it was given and a title, keywords
-// and application name of its own; it writes no comments. Wine 8 reads no
-// narrow text of a set without a code page, so the set as msibuild wrote it
-// gives nothing; with the code page added, every text reads by its name.
+// and application name of its own; it writes no comments. A set without a
+// code page may not give its narrow texts (Wine 8 gives none), so there each
+// name reads as absent or as its text; with the code page added, every text
+// reads by its name.
 TEST(OtherToolFile, PropertiesReadByName) {
     StorageRef installer = OpenOtherToolFile();
     ASSERT_NE(installer, nullptr);
@@ -96,7 +102,8 @@ TEST(OtherToolFile, PropertiesReadByName) {
         return properties->GetProperty(name, &value) ? std::string(value.pszVal) : "<absent>";
     };
     for (const auto& [name, text] : expected) {
-        EXPECT_EQ(read(installer.get(), name), "<absent>") << name;
+        const std::string asWritten = read(installer.get(), name);
+        EXPECT_TRUE(asWritten == "<absent>" || asWritten == text) << name << ": " << asWritten;
         EXPECT_EQ(read(amended.get(), name), text) << name;
     }
 }

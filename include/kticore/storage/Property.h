@@ -2,7 +2,9 @@
 // the like, as the platform's shell and office programs show them), read and
 // written by plain names as narrow text. A storage hands one out through
 // QueryInterface(typeid(IKTProperty), ...); each query makes a new object.
-// Windows only.
+// It keeps the OLE storage open; on a transacted storage, properties set
+// after the storage object's release are committed by no one, so release the
+// properties before the storage. Windows only.
 #pragma once
 
 #include "kticore/core/Enum.h"
