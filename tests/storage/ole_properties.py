@@ -2,9 +2,9 @@
 
 Usage: ole_properties.py FILE OUTPUT. OUTPUT gets one line "NAME=VALUE" for
 each text property that olefile's summary-information reader finds, in the
-order below, its bytes taken as Latin-1 and written in UTF-8. A file that is
-no compound file gives the single line "not a compound file". The output
-appears at once, complete, by a rename.
+order below, its bytes written as they are. A file that is no compound file
+gives the single line "not a compound file". The output appears at once,
+complete, by a rename.
 """
 import os
 import sys
@@ -32,7 +32,7 @@ def properties(name):
 def main():
     name, output = sys.argv[1], sys.argv[2]
     partial = output + ".partial"
-    with open(partial, "w", encoding="utf-8") as out:
+    with open(partial, "w", encoding="latin-1") as out:
         out.write("".join(line + "\n" for line in properties(name)))
     os.rename(partial, output)
 
