@@ -8,6 +8,7 @@
 #include "platform/OleStorage.h"
 #include "platform/TextConversion.h"
 #include "storage/StorageModes.h"
+#include "storage/SummaryInfo.h"
 #include "streams/OleStream.h"
 
 namespace {
@@ -81,8 +82,14 @@ CStorage::~CStorage() {
         parent->Release();
 }
 
-// IXStorage alone for now; IKTProperty comes with document properties.
+// IXStorage itself, or a new view of the document properties on each query.
+// Nothing else, IKTUnknown included.
 int CStorage::QueryInterface(const type_info& wanted, void** out) {
+    if (wanted == typeid(IKTProperty)) {
+        if (out != nullptr)
+            *out = static_cast<IKTProperty*>(new CIKTSummaryInfo(storage));
+        return 1;
+    }
     IXStorage* found = wanted == typeid(IXStorage) ? this : nullptr;
     if (out == nullptr)
         return found != nullptr;

@@ -724,6 +724,41 @@ void SharedServices() {
 
 }  // namespace
 
+#if defined(_WIN32)
+namespace {
+
+// Reads a document property by name; "(none)" when the file has none.
+std::string PropertyText(IKTProperty* properties, const char* name) {
+    CKTVariant value;
+    return properties->GetProperty(name, &value) ? value.pszVal : "(none)";
+}
+
+void SummaryProperties() {
+    Step("Document properties: a title and an author by name, read back after a reopen");
+    const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
+    const std::basic_string<KTWCHAR> name = temporary + KTW(".stg");
+    IXStorage* file = new_Storage(name.c_str(), 0);
+    IKTProperty* properties = nullptr;
+    file->QueryInterface(typeid(IKTProperty), reinterpret_cast<void**>(&properties));
+    const CKTVariant title("The household book"), author(KTW("Jane Doe"));  // wide is narrowed
+    properties->SetProperty("Title", &title);
+    properties->SetProperty("Author", &author);
+    properties->Release();
+    file->Release();  // the storage commits the property sets with the rest
+
+    IXStorage* again = open_Storage(name.c_str(), 1);
+    again->QueryInterface(typeid(IKTProperty), reinterpret_cast<void**>(&properties));
+    for (const char* property : {"Title", "Author", "Company"})
+        std::printf("   %s: %s\n", property, PropertyText(properties, property).c_str());
+    properties->Release();
+    again->Release();
+    Fio_DeleteFile(name.c_str());
+    Fio_DeleteFile(temporary.c_str());
+}
+
+}  // namespace
+#endif
+
 int main() {
     std::printf("kticore demo host\n");
     ObjectModel();
@@ -739,6 +774,7 @@ int main() {
 #if defined(_WIN32)
     CompoundStorages();
     FileOverFtp();
+    SummaryProperties();
 #endif
     ParameterTrees();
     ProfileFile();

@@ -17,10 +17,10 @@
 
 namespace kt::test {
 
-// The file's elements as ole_tree.py lists them, one line each; empty when
-// the reader could not be run. `rewrites` ("path=hex" each) are written by
-// olefile first.
-inline std::string IndependentTree(const WideString& file, const std::string& rewrites = "") {
+// What `script` (a Python program over olefile, given the file, an output
+// path and `arguments`) writes; empty when the reader could not be run.
+inline std::string IndependentListing(const char* script, const WideString& file,
+                                      const std::string& arguments) {
     using UnixFileName = char*(CDECL*)(const WCHAR*);
     const auto unixFileName = reinterpret_cast<UnixFileName>(reinterpret_cast<void*>(
         GetProcAddress(GetModuleHandleA("kernel32"), "wine_get_unix_file_name")));
@@ -45,8 +45,8 @@ inline std::string IndependentTree(const WideString& file, const std::string& re
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = startup.hStdOutput = startup.hStdError = nothing;
-    std::string line = std::string("Z:\\usr\\bin\\python3 \"") + KT_OLE_TREE_SCRIPT + "\" \"" +
-                       unixName(file) + "\" \"" + unixName(listing) + "\" " + rewrites;
+    std::string line = std::string("Z:\\usr\\bin\\python3 \"") + script + "\" \"" +
+                       unixName(file) + "\" \"" + unixName(listing) + "\" " + arguments;
     PROCESS_INFORMATION process = {};
     const bool started = CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
                                         nullptr, &startup, &process);
@@ -70,6 +70,17 @@ inline std::string IndependentTree(const WideString& file, const std::string& re
     in.close();
     std::filesystem::remove(listed);
     return text.str();
+}
+
+// The file's elements as ole_tree.py lists them, one line each. `rewrites`
+// ("path=hex" each) are written by olefile first.
+inline std::string IndependentTree(const WideString& file, const std::string& rewrites = "") {
+    return IndependentListing(KT_OLE_TREE_SCRIPT, file, rewrites);
+}
+
+// The document properties as ole_properties.py lists them, one line each.
+inline std::string IndependentProperties(const WideString& file) {
+    return IndependentListing(KT_OLE_PROPERTIES_SCRIPT, file, "");
 }
 
 }  // namespace kt::test
