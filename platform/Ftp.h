@@ -63,8 +63,9 @@ public:
                    RemoteEntry& found);
 
 private:
-    void* internet = nullptr;
-    void* connection = nullptr;
+    // Unused natively, where no session is ever opened.
+    [[maybe_unused]] void* internet = nullptr;
+    [[maybe_unused]] void* connection = nullptr;
 };
 
 }  // namespace kt::sys
