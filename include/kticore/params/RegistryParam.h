@@ -15,6 +15,7 @@
 
 // The key `subKey` under HKEY_LOCAL_MACHINE or HKEY_CURRENT_USER, opened with
 // all access, as a tree with one reference for the caller. Null when the key
-// is missing (it is not made) or cannot be opened with write access.
-KTCORE_API IParam* new_IParamLMReg(const KTWCHAR* subKey);
-KTCORE_API IParam* new_IParamCUReg(const KTWCHAR* subKey);
+// is missing (it is not made) or cannot be opened with write access; a null
+// `subKey` is refused with XE_BAD_ARGUMENT. Exported under their plain names.
+extern "C" KTCORE_API IParam* new_IParamLMReg(const KTWCHAR* subKey);
+extern "C" KTCORE_API IParam* new_IParamCUReg(const KTWCHAR* subKey);
