@@ -110,6 +110,7 @@ protected:
         tree.reset();
         RegCloseKey(raw);
         RegDeleteTreeW(HKEY_CURRENT_USER, kTestRoot);
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, kTestRoot);  // should a root have been made there
     }
 
     RegistryContent Content() {
