@@ -306,9 +306,13 @@ TEST_F(RegistryParamTest, SectionsAreSubKeys) {
     EXPECT_EQ(Values(Content()), Names{"|a\\x"});
     // An object on a key that went stays safe to use.
     EXPECT_EQ(ValueAt(c.get(), "w").vt, kMissing);
+    // A section of no name has no key: the empty path is none of this key's.
+    const RegistryContent before = Content();
+    EXPECT_EQ(tree->GetSection("", 1), nullptr);
+    EXPECT_EQ(tree->CreateSection(""), nullptr);
     tree->DeleteSection("");
     tree->DeleteSection("missing");
-    EXPECT_EQ(Keys(Content()), (Names{"", "\\beside"}));
+    EXPECT_EQ(Content(), before);
 }
 
 TEST_F(RegistryParamTest, ClearEmptiesSubKeysAndKeepsThem) {
