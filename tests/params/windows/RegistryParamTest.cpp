@@ -149,6 +149,7 @@ protected:
 // what it reads from the same bytes written by the platform.
 TEST_F(RegistryParamTest, EveryKindLiesInItsLayoutAndReadsBack) {
     const unsigned char blobBytes[] = {9, 0, 255};
+    const std::string longText(1000, 't');  // longer than a first read takes
     KTBlob threeBytes(3);
     std::memcpy(threeBytes.data, blobBytes, 3);
     const struct {
@@ -190,6 +191,7 @@ TEST_F(RegistryParamTest, EveryKindLiesInItsLayoutAndReadsBack) {
         {"no bytes", Blob(0), {REG_BINARY, Binary(KTVT_BLOB, 0u)}, Blob(0)},
         {"text", CKTVariant("some text"), {REG_SZ, Text("some text")}, CKTVariant("some text")},
         {"no text", CKTVariant(""), {REG_SZ, Text("")}, CKTVariant("")},
+        {"long text", CKTVariant(longText.c_str()), {REG_SZ, Text(longText.c_str())}, CKTVariant(longText.c_str())},
         {"wide", CKTVariant(KTW("wide text")), {REG_SZ, Text("wide text")}, CKTVariant("wide text")},
     };
     for (const auto& row : rows) {
