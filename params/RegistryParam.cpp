@@ -44,8 +44,8 @@ bool ReadValue(HKEY key, const char* name, DWORD& type, std::vector<BYTE>& data,
 // has no form here.
 bool NamesSubKey(const char* path) { return path != nullptr && *path != 0; }
 
-// A value name widened as the registry's narrow functions widen it; null
-// stays null, the key's unnamed value.
+// A value name widened as the registry's narrow functions widen it, so that
+// wide text lands under the name that narrow calls find.
 std::wstring WideName(const char* name) {
     const int length = static_cast<int>(std::strlen(name));
     std::wstring wide(static_cast<size_t>(sys::MultiByteToWide(sys::kAnsiCodePage, name, length, nullptr, 0)), L'\0');
