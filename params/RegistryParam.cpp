@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "kticore/core/Exception.h"
 #include "kticore/params/RegistryParam.h"
 #include "params/BackEndRules.h"
 #include "params/Held.h"
@@ -19,7 +18,7 @@ namespace {
 
 const BackEndRules& kRules = kRegistry;
 
-// Room of the first read of a value: most values fit, and take one call.
+// One read with room for most values, grown and repeated on ERROR_MORE_DATA, rather than a size query first.
 constexpr DWORD kFirstReadBytes = 256;
 // Registry text shorter than this holds no character.
 constexpr DWORD kShortestText = 2;
@@ -39,10 +38,9 @@ bool ReadValue(HKEY key, const char* name, DWORD& type, std::vector<BYTE>& data,
     }
 }
 
-// Whether `path` names a key below this one. The registry takes an empty
-// path for the key itself, and has no sub-key of no name: such a section
-// has no form here.
-bool NamesSubKey(const char* path) { return path != nullptr && *path != 0; }
+// A section path as the registry gets it: the empty path is the key itself,
+// and a null one the same, which not every registry call accepts.
+const char* KeyPath(const char* path) { return path != nullptr ? path : ""; }
 
 // A value name widened as the registry's narrow functions widen it, so that
 // wide text lands under the name that narrow calls find.
@@ -85,8 +83,7 @@ int CRegistryParam::RegisterInterface(IKTUnknown* object, const type_info& type,
 }
 
 IParam* CRegistryParam::CreateSection(const char* path) {
-    if (!NamesSubKey(path))
-        return nullptr;
+    path = KeyPath(path);
     if (Held<IParam> existing{GetSection(path, 0)})
         existing->Clear();
     HKEY made;
@@ -96,8 +93,7 @@ IParam* CRegistryParam::CreateSection(const char* path) {
 }
 
 IParam* CRegistryParam::GetSection(const char* path, int create) {
-    if (!NamesSubKey(path))
-        return nullptr;
+    path = KeyPath(path);
     HKEY opened;
     if (sys::OpenRegistryKey(key, path, &opened) == ERROR_SUCCESS)
         return OnKey(opened);
@@ -105,8 +101,9 @@ IParam* CRegistryParam::GetSection(const char* path, int create) {
 }
 
 // The registry removes only keys without sub-keys: the branch goes from its
-// leaves up.
+// leaves up. The empty path empties this key, and removes it.
 void CRegistryParam::DeleteSection(const char* path) {
+    path = KeyPath(path);
     {
         Held<IParam> section(GetSection(path, 0));
         if (!section)
@@ -126,8 +123,8 @@ void CRegistryParam::DeleteAllSections() {
 
 CTEnum<const char*>* CRegistryParam::EnumSections() { return new _CTValEnum(key, _CTValEnum::Listing::kSubKeys); }
 
-// Text comes back narrow, also when it was written wide. Binary data must
-// be a value of ours, and any other type of value is none.
+// Text comes back narrow, also when it was written wide. Any other type is
+// binary data led by its kind, and must have the size of that kind.
 int CRegistryParam::GetValue(const char* name, tagKTVARIANT* value) {
     KTVariantClear(value);
     DWORD type = REG_NONE;
@@ -141,7 +138,7 @@ int CRegistryParam::GetValue(const char* name, tagKTVARIANT* value) {
         *value = text.Detach();
         return 1;
     }
-    return type == REG_BINARY && DecodeBinaryValue(data.data(), size, value) ? 1 : 0;
+    return DecodeBinaryValue(data.data(), size, value) ? 1 : 0;
 }
 
 void CRegistryParam::SetValue(const char* name, const tagKTVARIANT* value) {
@@ -188,9 +185,8 @@ void CRegistryParam::Clear() {
 
 namespace {
 
+// A null or empty sub-key opens the root itself.
 IParam* OpenRoot(HKEY root, const KTWCHAR* subKey) {
-    if (subKey == nullptr)
-        throw CXException(XE_BAD_ARGUMENT);
     HKEY opened;
     if (kt::sys::OpenRegistryKey(root, subKey, &opened) != ERROR_SUCCESS)
         return nullptr;

@@ -20,14 +20,18 @@ ULONG U32At(const BYTE* bytes) {
     return count;
 }
 
+// A blob that counts bytes it does not have is kept as a blob of none.
+ULONG KeptBlobSize(const tagKTVARIANT& value) { return value.blobVal.data != nullptr ? value.blobVal.size : 0; }
+
 void ReadBlob(const BYTE* bytes, DWORD size, tagKTVARIANT* value) {
     value->blobVal.size = U32At(bytes);
     value->blobVal.data = CopyBlobBytes(bytes + size, value->blobVal.size);
 }
 void WriteBlob(const tagKTVARIANT& value, DWORD size, BYTE* bytes) {
-    std::memcpy(bytes, &value.blobVal.size, size);
-    if (value.blobVal.size != 0)
-        std::memcpy(bytes + size, value.blobVal.data, value.blobVal.size);
+    const ULONG kept = KeptBlobSize(value);
+    std::memcpy(bytes, &kept, size);
+    if (kept != 0)
+        std::memcpy(bytes + size, value.blobVal.data, kept);
 }
 
 struct KindRow {
@@ -73,7 +77,7 @@ bool EncodeBinaryValue(const tagKTVARIANT& value, std::vector<BYTE>& data) {
     const KindRow* row = FindRow(value.vt);
     if (row == nullptr)
         return false;
-    data.resize(kKindBytes + row->size + (row->counted ? value.blobVal.size : 0));
+    data.resize(kKindBytes + row->size + (row->counted ? KeptBlobSize(value) : 0));
     const ULONG kind = value.vt;
     std::memcpy(data.data(), &kind, kKindBytes);
     row->write(value, row->size, data.data() + kKindBytes);
