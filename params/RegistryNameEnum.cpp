@@ -11,7 +11,7 @@ namespace {
 // holds 255 characters, a value name 16383, each of up to two bytes in a
 // double-byte code page.
 constexpr DWORD kKeyNameBytes = 513;
-// Not a key name's room: a longer value name would end the listing and leave values behind.
+// Not 513: a longer value name would end the listing and leave the values behind it.
 constexpr DWORD kValueNameBytes = 2 * 16383 + 1;
 
 // The array grows by an eighth of its count, within these bounds.

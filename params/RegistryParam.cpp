@@ -18,7 +18,7 @@ namespace {
 
 const BackEndRules& kRules = kRegistry;
 
-// One read with room for most values, grown and repeated on ERROR_MORE_DATA, rather than a size query first.
+// One read that fits most values, grown and repeated on ERROR_MORE_DATA: no size query first.
 constexpr DWORD kFirstReadBytes = 256;
 // Registry text shorter than this holds no character.
 constexpr DWORD kShortestText = 2;

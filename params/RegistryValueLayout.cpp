@@ -21,7 +21,9 @@ ULONG U32At(const BYTE* bytes) {
 }
 
 // A blob that counts bytes it does not have is kept as a blob of none.
-ULONG KeptBlobSize(const tagKTVARIANT& value) { return value.blobVal.data != nullptr ? value.blobVal.size : 0; }
+ULONG KeptBlobSize(const tagKTVARIANT& value) {
+    return value.blobVal.data != nullptr ? value.blobVal.size : 0;
+}
 
 void ReadBlob(const BYTE* bytes, DWORD size, tagKTVARIANT* value) {
     value->blobVal.size = U32At(bytes);

@@ -18,9 +18,17 @@ namespace {
 
 constexpr wchar_t kTestRoot[] = L"Software\\kticore-tests";
 
-// What the registry holds below a key: "path" for every key, "path|name"
-// with its type and bytes for every value.
-using RegistryContent = std::map<std::string, std::string>;
+// A registry value as the platform gives it: its type, then its bytes.
+struct RawValue {
+    DWORD type;
+    std::string bytes;
+    bool operator==(const RawValue& other) const { return type == other.type && bytes == other.bytes; }
+};
+const RawValue kAbsent{REG_NONE, "absent"};
+
+// What the registry holds below a key: "path" for every key (with no data),
+// "path|name" for every value.
+using RegistryContent = std::map<std::string, RawValue>;
 
 void ReadContent(HKEY key, const std::string& path, RegistryContent& content) {
     content[path];
@@ -30,7 +38,7 @@ void ReadContent(HKEY key, const std::string& path, RegistryContent& content) {
         DWORD nameSize = sizeof name, dataSize = sizeof data, type = 0;
         if (RegEnumValueA(key, index, name, &nameSize, nullptr, &type, data, &dataSize) != ERROR_SUCCESS)
             break;
-        content[path + "|" + name] = std::to_string(type) + ":" + std::string(reinterpret_cast<char*>(data), dataSize);
+        content[path + "|" + name] = {type, std::string(reinterpret_cast<char*>(data), dataSize)};
     }
     for (DWORD index = 0;; ++index) {
         DWORD nameSize = sizeof name;
@@ -53,26 +61,6 @@ Names Listed(const RegistryContent& content, Entry entry) {
     return listed;
 }
 
-// The names of a key's values in the registry's own order.
-Names RawValueNames(HKEY key) {
-    Names names;
-    char name[16384];
-    for (DWORD index = 0, size = sizeof name;
-         RegEnumValueA(key, index, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
-         ++index, size = sizeof name)
-        names.push_back(name);
-    return names;
-}
-
-// A registry value as the platform gives it: its type, then its bytes.
-struct RawValue {
-    DWORD type;
-    std::string bytes;
-    bool operator==(const RawValue& other) const { return type == other.type && bytes == other.bytes; }
-};
-// What Raw gives for a value that is not there.
-const RawValue kAbsent{REG_NONE, "absent"};
-
 // The bytes of a value of ours: the kind, then the value as it lies in memory.
 template <class T>
 std::string Binary(ULONG kind, const T& value) {
@@ -81,9 +69,6 @@ std::string Binary(ULONG kind, const T& value) {
 }
 std::string KindOnly(ULONG kind) { return std::string(reinterpret_cast<const char*>(&kind), 4); }
 std::string Text(const char* text) { return std::string(text, std::strlen(text) + 1); }
-std::string BlobBytes(const CKTVariant& blob) {
-    return std::string(reinterpret_cast<const char*>(blob.blobVal.data), blob.blobVal.size);
-}
 
 CKTVariant Typed(CKTVariant value, unsigned short kind) {
     value.vt = kind;
@@ -94,8 +79,8 @@ class RegistryParamTest : public ::testing::Test {
 protected:
     void SetUp() override {
         path = std::wstring(kTestRoot) + L"\\" + std::to_wstring(GetCurrentProcessId());
-        ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &raw,
-                                  nullptr),
+        ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                                  nullptr, &raw, nullptr),
                   ERROR_SUCCESS);
         tree.reset(new_IParamCUReg(path.c_str()));
         ASSERT_NE(tree, nullptr);
@@ -111,14 +96,12 @@ protected:
         ReadContent(raw, "", content);
         return content;
     }
-    RawValue Raw(const char* name) {
-        RawValue value{REG_NONE, std::string(4096, '\0')};
-        DWORD size = static_cast<DWORD>(value.bytes.size());
-        if (RegQueryValueExA(raw, name, nullptr, &value.type, reinterpret_cast<BYTE*>(value.bytes.data()),
-                             &size) != ERROR_SUCCESS)
-            return kAbsent;
-        value.bytes.resize(size);
-        return value;
+    Names Keys() { return Listed(Content(), Entry::kKey); }
+    Names Values() { return Listed(Content(), Entry::kValue); }
+    RawValue Raw(const std::string& name) {
+        const RegistryContent content = Content();
+        const auto found = content.find("|" + name);
+        return found != content.end() ? found->second : kAbsent;
     }
     void SetRaw(const char* name, const RawValue& value) {
         ASSERT_EQ(RegSetValueExA(raw, name, 0, value.type, reinterpret_cast<const BYTE*>(value.bytes.data()),
@@ -132,7 +115,7 @@ protected:
 };
 
 // Every kind the tree keeps: what it writes, as the platform reads it, and
-// what it reads from the same bytes written by the platform.
+// what it reads back. Kinds without a form leave the registry alone.
 TEST_F(RegistryParamTest, EveryKindLiesInItsLayoutAndReadsBack) {
     const CKTVariant longBlob = Blob(300);  // longer than a first read takes
     const std::string longText(1000, 't');
@@ -160,7 +143,8 @@ TEST_F(RegistryParamTest, EveryKindLiesInItsLayoutAndReadsBack) {
         {"rrect", CKTVariant(tagRRECT{0.5, 0.25, 10.5, 20.75}),
          {REG_BINARY, Binary(KTVT_RRECT, tagRRECT{0.5, 0.25, 10.5, 20.75})}},
         {"blob", Blob(3), {REG_BINARY, Binary(KTVT_BLOB, 3u) + std::string("\x00\x07\x0E", 3)}},
-        {"long blob", longBlob, {REG_BINARY, Binary(KTVT_BLOB, 300u) + BlobBytes(longBlob)}},
+        {"long blob", longBlob,
+         {REG_BINARY, Binary(KTVT_BLOB, 300u) + std::string(reinterpret_cast<char*>(longBlob.blobVal.data), 300)}},
         {"no bytes", Blob(0), {REG_BINARY, Binary(KTVT_BLOB, 0u)}},
         {"text", CKTVariant("some text"), {REG_SZ, Text("some text")}},
         {"no text", CKTVariant(""), {REG_SZ, Text("")}},
@@ -171,17 +155,22 @@ TEST_F(RegistryParamTest, EveryKindLiesInItsLayoutAndReadsBack) {
         tree->SetValue(row.name, &row.value);
         EXPECT_EQ(Raw(row.name), row.stored);
         EXPECT_EQ(ValueAt(tree.get(), row.name), row.value);
-        const std::string rawName = std::string("raw ") + row.name;
-        SetRaw(rawName.c_str(), row.stored);
-        EXPECT_EQ(ValueAt(tree.get(), rawName.c_str()), row.value);
     }
 
-    // A blob that counts bytes it has not is kept as a blob of none.
-    tagKTVARIANT noData{};
+    tagKTVARIANT noData{};  // a blob that counts bytes it has not is kept as none
     noData.vt = KTVT_BLOB;
     noData.blobVal.size = 5;
     tree->SetValue("no data", &noData);
     EXPECT_EQ(Raw("no data"), (RawValue{REG_BINARY, Binary(KTVT_BLOB, 0u)}));
+
+    Ref<IParam> object(new_MemParam());
+    const RegistryContent before = Content();
+    for (const CKTVariant& formless : {CKTVariant(object.get()), Typed(CKTVariant(), KTVT_WSTR + 1),
+                                       Typed(CKTVariant(5), KTVT_BORROWED | KTVT_INT)}) {
+        tree->SetValue("int", &formless);
+        tree->SetValue("new", &formless);
+    }
+    EXPECT_EQ(Content(), before);
 }
 
 // Wide text is written wide, so that no character is lost to the code page,
@@ -193,26 +182,10 @@ TEST_F(RegistryParamTest, WideTextIsWrittenWideAndReadNarrow) {
     DWORD type = REG_NONE, size = static_cast<DWORD>(stored.size() * sizeof(wchar_t));
     ASSERT_EQ(RegQueryValueExW(raw, L"wide", nullptr, &type, reinterpret_cast<BYTE*>(stored.data()), &size),
               ERROR_SUCCESS);
-    stored.resize(size / sizeof(wchar_t));
     EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
-    EXPECT_EQ(stored, text + L'\0');
+    EXPECT_EQ(stored.substr(0, size / sizeof(wchar_t)), text + L'\0');
     Set(tree.get(), "plain", CKTVariant(KTW("wide text")));
     EXPECT_EQ(ValueAt(tree.get(), "plain"), CKTVariant("wide text"));
-}
-
-// Objects and kinds without a number of their own have no form: a value of
-// that name stays as it was, and none is made.
-TEST_F(RegistryParamTest, KindsWithoutAFormLeaveTheRegistryAlone) {
-    Ref<IParam> object(new_MemParam());
-    const CKTVariant dropped[] = {CKTVariant(object.get()), Typed(CKTVariant(), KTVT_WSTR + 1),
-                                  Typed(CKTVariant(5), KTVT_BORROWED | KTVT_INT)};
-    Set(tree.get(), "kept", CKTVariant(42));
-    const RegistryContent before = Content();
-    for (const CKTVariant& value : dropped) {
-        tree->SetValue("kept", &value);
-        tree->SetValue("new", &value);
-    }
-    EXPECT_EQ(Content(), before);
 }
 
 // Values from elsewhere: any type but text is binary data led by its kind,
@@ -228,8 +201,6 @@ TEST_F(RegistryParamTest, ForeignValuesAreReadByTheirLeadingKind) {
         {"dword of zero", {REG_DWORD, KindOnly(KTVT_EMPTY)}, 1, CKTVariant()},
         {"untyped int", {REG_NONE, Binary(KTVT_INT, 7)}, 1, CKTVariant(7)},
         {"dword", {REG_DWORD, KindOnly(KTVT_ULONG)}, 0, {}},
-        {"qword", {REG_QWORD, Binary(KTVT_EMPTY, 0u)}, 0, {}},
-        {"expandable text", {REG_EXPAND_SZ, Text("%TEMP%")}, 0, {}},
         {"short of a kind", {REG_BINARY, std::string("\x04\x00", 2)}, 0, {}},
         {"no binary data", {REG_BINARY, ""}, 0, {}},
         {"short of its row", {REG_BINARY, KindOnly(KTVT_DOUBLE) + "1234"}, 0, {}},
@@ -256,18 +227,12 @@ TEST_F(RegistryParamTest, ForeignValuesAreReadByTheirLeadingKind) {
 }
 
 TEST_F(RegistryParamTest, ValueNamesAreTheRegistrysOwn) {
-    Set(tree.get(), "a\\b", CKTVariant(1));
-    Set(tree.get(), "", CKTVariant("unnamed"));
-    Set(tree.get(), "@", CKTVariant(2));
-    Set(tree.get(), "Name", CKTVariant(3));
-    Set(tree.get(), "NAME", CKTVariant(4));
-    EXPECT_EQ(Listed(Content(), Entry::kKey), Names{""});
-    EXPECT_EQ(Raw("a\\b"), (RawValue{REG_BINARY, Binary(KTVT_INT, 1)}));
-    EXPECT_EQ(Raw(nullptr), (RawValue{REG_SZ, Text("unnamed")}));
-    EXPECT_EQ(ValueAt(tree.get(), nullptr), CKTVariant("unnamed"));
-    EXPECT_EQ(ValueAt(tree.get(), "name"), CKTVariant(4));
-    EXPECT_EQ(Listed(Content(), Entry::kValue), (Names{"|", "|@", "|Name", "|a\\b"}));
-    EXPECT_EQ(ValueNames(tree.get()), RawValueNames(raw));
+    for (const char* name : {"a\\b", "", "@", "Name", "NAME"})
+        Set(tree.get(), name, CKTVariant(name));
+    EXPECT_EQ(Keys(), Names{""});
+    EXPECT_EQ(Values(), (Names{"|", "|@", "|Name", "|a\\b"}));
+    EXPECT_EQ(Raw("a\\b"), (RawValue{REG_SZ, Text("a\\b")}));
+    EXPECT_EQ(ValueAt(tree.get(), nullptr), CKTVariant(""));
 
     // A name longer than a key's may be is listed, and cleared.
     const std::string longName(600, 'n');
@@ -275,34 +240,32 @@ TEST_F(RegistryParamTest, ValueNamesAreTheRegistrysOwn) {
     const Names listed = ValueNames(tree.get());
     EXPECT_NE(std::find(listed.begin(), listed.end(), longName), listed.end());
     tree->Clear();
-    EXPECT_EQ(Listed(Content(), Entry::kValue), Names{});
+    EXPECT_EQ(Values(), Names{});
 }
 
 TEST_F(RegistryParamTest, SectionsAreSubKeys) {
     EXPECT_EQ(tree->GetSection("a\\b", 0), nullptr);
-    EXPECT_EQ(Listed(Content(), Entry::kKey), Names{""});
-    Ref<IParam> b(tree->GetSection("a\\b", 1));
-    ASSERT_NE(b, nullptr);
-    Set(b.get(), "v", CKTVariant(1));
-    EXPECT_EQ(Listed(Content(), Entry::kValue), Names{"\\a\\b|v"});
-
-    // CreateSection of a key with content empties it, down to its leaves,
-    // and gives an object on it.
+    EXPECT_EQ(Keys(), Names{""});
     Ref<IParam> c(tree->GetSection("a\\b\\c", 1));
+    ASSERT_NE(c, nullptr);
     Set(c.get(), "w", CKTVariant(2));
     Set(tree.get(), "a\\x", CKTVariant(3));  // a value named so, in the root
+    tree->CreateSection("beside")->Release();
+
+    // Clear and CreateSection empty the branch down to its leaves, and keep it.
     Ref<IParam> a(tree->CreateSection("a"));
     ASSERT_NE(a, nullptr);
-    EXPECT_EQ(Listed(Content(), Entry::kKey), (Names{"", "\\a", "\\a\\b", "\\a\\b\\c"}));
-    Set(a.get(), "new", CKTVariant(4));
-    EXPECT_EQ(Listed(Content(), Entry::kValue), (Names{"\\a|new", "|a\\x"}));
+    Set(c.get(), "w", CKTVariant(2));
+    tree->Clear();
+    EXPECT_EQ(Keys(), (Names{"", "\\a", "\\a\\b", "\\a\\b\\c", "\\beside"}));
+    EXPECT_EQ(Values(), Names{});
 
     // DeleteSection takes the whole branch at its path, and nothing beside.
+    Set(a.get(), "new", CKTVariant(4));
     Set(c.get(), "w", CKTVariant(2));
-    tree->CreateSection("beside")->Release();
     tree->DeleteSection("a\\b");
-    EXPECT_EQ(Listed(Content(), Entry::kKey), (Names{"", "\\a", "\\beside"}));
-    EXPECT_EQ(Listed(Content(), Entry::kValue), (Names{"\\a|new", "|a\\x"}));
+    EXPECT_EQ(Keys(), (Names{"", "\\a", "\\beside"}));
+    EXPECT_EQ(Values(), Names{"\\a|new"});
     EXPECT_EQ(ValueAt(c.get(), "w").vt, kMissing);  // an object on a key that went stays safe
     tree->DeleteSection("missing");
 
@@ -312,36 +275,23 @@ TEST_F(RegistryParamTest, SectionsAreSubKeys) {
     ASSERT_NE(same, nullptr);
     Set(same.get(), "same", CKTVariant(5));
     EXPECT_EQ(Raw("same"), (RawValue{REG_BINARY, Binary(KTVT_INT, 5)}));
-    Ref<IParam> emptied(a->CreateSection(""));
-    ASSERT_NE(emptied, nullptr);
-    EXPECT_EQ(Listed(Content(), Entry::kValue), (Names{"|a\\x", "|same"}));
+    ASSERT_NE(Ref<IParam>(a->CreateSection("")), nullptr);
+    EXPECT_EQ(Values(), Names{"|same"});
     Ref<IParam>(tree->GetSection("beside\\leaf", 1))->DeleteSection(nullptr);
     a->DeleteSection("");
-    EXPECT_EQ(Listed(Content(), Entry::kKey), (Names{"", "\\beside"}));
-    ASSERT_NE(Ref<IParam>(tree->GetSection("", 0)), nullptr);
-}
-
-TEST_F(RegistryParamTest, ClearEmptiesSubKeysAndKeepsThem) {
-    Set(Ref<IParam>(tree->CreateSection("a\\b\\c")).get(), "v", CKTVariant(1));
-    Set(Ref<IParam>(tree->GetSection("a", 0)).get(), "w", CKTVariant(2));
-    Set(tree.get(), "root", CKTVariant(3));
-    tree->CreateSection("z")->Release();
-    tree->Clear();
-    EXPECT_EQ(Listed(Content(), Entry::kKey), (Names{"", "\\a", "\\a\\b", "\\a\\b\\c", "\\z"}));
-    EXPECT_EQ(Listed(Content(), Entry::kValue), Names{});
+    EXPECT_EQ(Keys(), (Names{"", "\\beside"}));
     tree->DeleteAllSections();
-    EXPECT_EQ(Listed(Content(), Entry::kKey), Names{""});
+    EXPECT_EQ(Keys(), Names{""});
 }
 
 // The listings are taken once: later changes are not seen, and a walk that
 // deletes what it lists, or that outlives its key, is safe.
-TEST_F(RegistryParamTest, ListingsAreSnapshotsInTheRegistrysOrder) {
-    constexpr int kValues = 10;
-    for (int i = 0; i < kValues; ++i)
-        Set(tree.get(), ("v" + std::to_string(i)).c_str(), CKTVariant(i));
-    const Names inRegistryOrder = RawValueNames(raw);
-    ASSERT_EQ(inRegistryOrder.size(), static_cast<size_t>(kValues));
-
+TEST_F(RegistryParamTest, ListingsAreSnapshots) {
+    Names written;
+    for (int i = 0; i < 10; ++i) {
+        written.push_back("v" + std::to_string(i));
+        Set(tree.get(), written.back().c_str(), CKTVariant(i));
+    }
     Ref<IParam> other(new_IParamCUReg(path.c_str()));
     Ref<CTEnum<const char*>> names(other->EnumValues());
     other.reset();
@@ -351,26 +301,26 @@ TEST_F(RegistryParamTest, ListingsAreSnapshotsInTheRegistrysOrder) {
     EXPECT_EQ(names->Next(0, batch, &fetched), 1);
     EXPECT_EQ(fetched, 0u);
     Names walked;
-    while (names->Next(3, batch, &fetched)) {
+    for (fetched = 99; names->Next(3, batch, &fetched); fetched = 99) {
         ASSERT_LE(fetched, 3u);
         for (ULONG i = 0; i < fetched; ++i) {
             walked.push_back(batch[i]);
             tree->DeleteValue(batch[i]);
         }
-        fetched = 99;
     }
     EXPECT_EQ(fetched, 99u);  // the end leaves the count alone
-    EXPECT_EQ(walked, inRegistryOrder);
-    EXPECT_EQ(ValueNames(tree.get()), Names{"later"});
+    std::sort(walked.begin(), walked.end());
+    EXPECT_EQ(walked, written);
+    EXPECT_EQ(Values(), Names{"|later"});
 
     names->Reset();
-    ASSERT_EQ(names->Skip(kValues - 1), 1);
-    ASSERT_EQ(names->Next(1, batch, nullptr), 1);
-    EXPECT_EQ(batch[0], inRegistryOrder.back());
-    names->Reset();
-    names->Next(1, batch, nullptr);
+    ASSERT_EQ(names->Skip(8), 1);
     names->Skip(0xFFFFFFFF);  // past the end, not round to the start
     EXPECT_EQ(names->Next(1, batch, nullptr), 0);
+    names->Reset();
+    names->Skip(8);
+    EXPECT_EQ(names->Next(3, batch, &fetched), 1);
+    EXPECT_EQ(fetched, 2u);
 }
 
 // A missing key is not made; a null or empty sub-key is the root itself.
@@ -378,7 +328,7 @@ TEST_F(RegistryParamTest, RootsOpenExistingKeysAndAnswerTwoInterfaces) {
     const std::wstring missing = path + L"\\missing";
     EXPECT_EQ(new_IParamCUReg(missing.c_str()), nullptr);
     EXPECT_EQ(new_IParamLMReg(missing.c_str()), nullptr);
-    EXPECT_EQ(Listed(Content(), Entry::kKey), Names{""});
+    EXPECT_EQ(Keys(), Names{""});
     Ref<IParam> user(new_IParamCUReg(nullptr));
     ASSERT_NE(user, nullptr);
     EXPECT_NE(Ref<IParam>(user->GetSection(std::string(path.begin(), path.end()).c_str(), 0)), nullptr);
@@ -388,48 +338,32 @@ TEST_F(RegistryParamTest, RootsOpenExistingKeysAndAnswerTwoInterfaces) {
     ASSERT_EQ(tree->QueryInterface(typeid(IParam), &answer), 1);
     EXPECT_EQ(answer, tree.get());
     tree->Release();
-    ASSERT_EQ(tree->QueryInterface(typeid(IRegisterIface), &answer), 1);
-    Ref<IRegisterIface> registrar(static_cast<IRegisterIface*>(answer));
-    Ref<IParam> extra(new_MemParam());
-    EXPECT_EQ(tree->QueryInterface(typeid(IKTUnknown), nullptr), 0);
-    EXPECT_EQ(registrar->RegisterInterface(extra.get(), typeid(IKTUnknown), 1), 1);
-    EXPECT_EQ(tree->QueryInterface(typeid(IKTUnknown), nullptr), 1);
+    EXPECT_EQ(tree->QueryInterface(typeid(IRegisterIface), nullptr), 1);
 }
 
-// The key `locked`, readable and not writable by anyone until the end. The
-// handle taken before keeps its rights, to give the key back its access.
-class ReadOnlyKey {
-public:
-    ReadOnlyKey(HKEY parent, const char* name) {
-        EXPECT_EQ(RegOpenKeyExA(parent, name, 0, KEY_ALL_ACCESS, &key), ERROR_SUCCESS);
-        SetAccess("D:(A;;KR;;;WD)");
-    }
-    ~ReadOnlyKey() {
-        SetAccess("D:(A;;KA;;;WD)");
-        RegCloseKey(key);
-    }
-
-private:
-    void SetAccess(const char* dacl) {
-        PSECURITY_DESCRIPTOR descriptor = nullptr;
-        ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(dacl, SDDL_REVISION_1, &descriptor, nullptr));
-        EXPECT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, descriptor), ERROR_SUCCESS);
-        LocalFree(descriptor);
-    }
-    HKEY key = nullptr;
-};
-
+// Under a DACL that lets everyone read and nobody write, the key is not
+// opened. The handle taken before keeps its rights, to give access back.
 TEST_F(RegistryParamTest, KeysWithoutWriteAccessAreNotOpened) {
     Set(Ref<IParam>(tree->GetSection("locked\\inner", 1)).get(), "v", CKTVariant(1));
-    ReadOnlyKey locked(raw, "locked");
+    HKEY locked;
+    ASSERT_EQ(RegOpenKeyExA(raw, "locked", 0, KEY_ALL_ACCESS, &locked), ERROR_SUCCESS);
+    const auto setAccess = [locked](const char* dacl) {
+        PSECURITY_DESCRIPTOR descriptor = nullptr;
+        ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(dacl, SDDL_REVISION_1, &descriptor,
+                                                                         nullptr));
+        EXPECT_EQ(RegSetKeySecurity(locked, DACL_SECURITY_INFORMATION, descriptor), ERROR_SUCCESS);
+        LocalFree(descriptor);
+    };
+    setAccess("D:(A;;KR;;;WD)");
     const RegistryContent before = Content();
-    ASSERT_EQ(before.count("\\locked\\inner|v"), 1u);
-
+    EXPECT_EQ(before.count("\\locked\\inner|v"), 1u);
     EXPECT_EQ(new_IParamCUReg((path + L"\\locked").c_str()), nullptr);
     EXPECT_EQ(tree->GetSection("locked", 1), nullptr);
     EXPECT_EQ(tree->CreateSection("locked"), nullptr);
     tree->DeleteSection("locked");
     EXPECT_EQ(Content(), before);
+    setAccess("D:(A;;KA;;;WD)");
+    RegCloseKey(locked);
 }
 
 }  // namespace
