@@ -252,7 +252,8 @@ TEST_F(RegistryParamTest, SectionsAreSubKeys) {
     Set(tree.get(), "a\\x", CKTVariant(3));  // a value named so, in the root
     tree->CreateSection("beside")->Release();
 
-    // Clear and CreateSection empty the branch down to its leaves, and keep it.
+    // CreateSection gives an object on a key that exists; Clear empties the
+    // branch down to its leaves, and keeps it.
     Ref<IParam> a(tree->CreateSection("a"));
     ASSERT_NE(a, nullptr);
     Set(c.get(), "w", CKTVariant(2));
