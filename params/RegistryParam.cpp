@@ -101,7 +101,8 @@ IParam* CRegistryParam::GetSection(const char* path, int create) {
 }
 
 // The registry removes only keys without sub-keys: the branch goes from its
-// leaves up. The empty path empties this key, and removes it.
+// leaves up. The empty path empties this key, then asks the registry to
+// remove the key itself.
 void CRegistryParam::DeleteSection(const char* path) {
     path = KeyPath(path);
     {
