@@ -12,7 +12,8 @@ TEST(PlainExports, AreFoundByTheirUndecoratedNames) {
     ASSERT_NE(library, nullptr);
     for (const char* name : {"CreateObjectC", "new_IParamIniFile", "HookProc_Install",
                              "HookProc_UnInstall", "_InitResTranslation",
-                             "_DeInitResTranslation", "CLSID_OFSERVICECONTAINER"})
+                             "_DeInitResTranslation", "CLSID_OFSERVICECONTAINER",
+                             "new_IParamCUReg", "new_IParamLMReg"})
         EXPECT_NE(GetProcAddress(library, name), nullptr) << name;
 }
 
