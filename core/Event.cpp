@@ -1,4 +1,7 @@
 // Events that clear themselves when a wait has seen them set.
+#include <memory>
+#include <utility>
+
 #include "kticore/core/Exception.h"
 #include "kticore/core/Threads.h"
 #include "core/WaitResult.h"
@@ -6,10 +9,14 @@
 
 namespace {
 
+struct CloseEvent {
+    void operator()(kt::sys::Event* event) const { kt::sys::CloseEvent(event); }
+};
+using EventHandle = std::unique_ptr<kt::sys::Event, CloseEvent>;
+
 class CEvent final : public IEvent {
 public:
-    explicit CEvent(kt::sys::Event* event) : event(event) {}
-    ~CEvent() { kt::sys::CloseEvent(event); }
+    explicit CEvent(EventHandle event) : event(std::move(event)) {}
 
     ULONG AddRef() override { return ++refs; }
 
@@ -22,21 +29,22 @@ public:
 
     int QueryInterface(const type_info&, void**) override { return 0; }
 
-    void Set() override { kt::sys::SignalEvent(event); }
-    void Reset() override { kt::sys::ClearEvent(event); }
+    void Set() override { kt::sys::SignalEvent(event.get()); }
+    void Reset() override { kt::sys::ClearEvent(event.get()); }
 
-    int Wait(DWORD timeoutMs) override { return kt::WaitResultOf(kt::sys::WaitForEvent(event, timeoutMs)); }
+    int Wait(DWORD timeoutMs) override { return kt::WaitResultOf(kt::sys::WaitForEvent(event.get(), timeoutMs)); }
 
 private:
-    kt::sys::Event* event;
+    EventHandle event;
     ULONG refs = 1;
 };
 
 }  // namespace
 
 IEvent* Event_New(int initialState) {
-    kt::sys::Event* event = kt::sys::CreateAutoResetEvent(initialState != 0);
+    EventHandle event(kt::sys::CreateAutoResetEvent(initialState != 0));
     if (event == nullptr)
         throw CXMemException();
-    return new CEvent(event);
+    // Closed by its holder if making the object throws.
+    return new CEvent(std::move(event));
 }

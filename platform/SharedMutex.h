@@ -10,8 +10,8 @@ namespace kt::sys {
 
 struct SharedMutex;
 
-// Opens the lock of that name, making it, not held, if no process has it
-// yet; null when the platform refuses.
+// Opens the lock of that name (natively within the sync namespace), making
+// it, not held, if no process has it yet; null when the platform refuses.
 SharedMutex* OpenSharedMutex(const char* name);
 
 // Takes the lock within `timeoutMs` (kWaitForever for no limit); the thread
@@ -21,7 +21,8 @@ WaitOutcome WaitForSharedMutex(SharedMutex* mutex, DWORD timeoutMs);
 // Gives back one taking of the lock by the calling thread.
 void ReleaseSharedMutex(SharedMutex* mutex);
 
-// Closes this process's handle; the lock is gone with the last one.
+// Closes this process's handle; the lock is gone with the last one. Natively
+// the process keeps its mapping of the lock, which a later open takes up.
 void CloseSharedMutex(SharedMutex* mutex);
 
 }  // namespace kt::sys

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <new>
 
 namespace kt::sys {
 
@@ -13,7 +14,7 @@ struct Event {
     bool signalled;
 };
 
-Event* CreateAutoResetEvent(bool signalled) { return new Event{{}, {}, signalled}; }
+Event* CreateAutoResetEvent(bool signalled) { return new (std::nothrow) Event{{}, {}, signalled}; }
 
 void SignalEvent(Event* event) {
     {

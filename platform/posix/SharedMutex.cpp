@@ -7,31 +7,31 @@
 
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
-#include <chrono>
+#include <map>
+#include <mutex>
 #include <string>
-#include <thread>
 
 #include "platform/posix/Deadline.h"
+#include "platform/posix/SyncNames.h"
 
 namespace kt::sys {
 
 namespace {
 
+// Set last, once the mutex in the block is ready; a block without it was
+// left half-made by a maker that died, and is set up again.
+constexpr unsigned kReadyMark = 0x4B544D58;
+
 struct SharedBlock {
-    std::atomic<unsigned> ready;  // 1 once the maker has set up the mutex
+    unsigned ready;
     pthread_mutex_t mutex;
 };
-static_assert(std::atomic<unsigned>::is_always_lock_free, "the flag lies in shared memory");
-
-// How long an opener waits for a maker in another process to finish.
-constexpr auto kMakerPatience = std::chrono::seconds(2);
-constexpr auto kMakerPoll = std::chrono::milliseconds(1);
 
 void SetUp(SharedBlock* block) {
     pthread_mutexattr_t attributes;
@@ -41,40 +41,34 @@ void SetUp(SharedBlock* block) {
     pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
     pthread_mutex_init(&block->mutex, &attributes);
     pthread_mutexattr_destroy(&attributes);
-    block->ready.store(1, std::memory_order_release);
+    block->ready = kReadyMark;
 }
 
-// Waits until another process has given the block its size and set it up.
-SharedBlock* MapWhenReady(int file) {
-    const auto giveUp = std::chrono::steady_clock::now() + kMakerPatience;
+int TakeFileLock(int file) {
+    int result;
+    while ((result = flock(file, LOCK_EX)) != 0 && errno == EINTR) {
+    }
+    return result;
+}
+
+// Maps the block, giving it its size and setting it up if no process has
+// finished that yet. The file lock keeps other openers out meanwhile, and
+// goes with its holder if that dies.
+SharedBlock* MapAndSetUp(int file) {
+    if (TakeFileLock(file) != 0)
+        return nullptr;
+    SharedBlock* block = nullptr;
     struct stat status = {};
-    while (fstat(file, &status) == 0 && static_cast<size_t>(status.st_size) < sizeof(SharedBlock)) {
-        if (std::chrono::steady_clock::now() > giveUp)
-            return nullptr;
-        std::this_thread::sleep_for(kMakerPoll);
-    }
-    void* view = mmap(nullptr, sizeof(SharedBlock), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-    if (view == MAP_FAILED)
-        return nullptr;
-    auto* block = static_cast<SharedBlock*>(view);
-    while (block->ready.load(std::memory_order_acquire) != 1) {
-        if (std::chrono::steady_clock::now() > giveUp) {
-            munmap(view, sizeof(SharedBlock));
-            return nullptr;
+    if (fstat(file, &status) == 0 &&
+        (static_cast<size_t>(status.st_size) >= sizeof(SharedBlock) || ftruncate(file, sizeof(SharedBlock)) == 0)) {
+        void* view = mmap(nullptr, sizeof(SharedBlock), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+        if (view != MAP_FAILED) {
+            block = static_cast<SharedBlock*>(view);
+            if (block->ready != kReadyMark)
+                SetUp(block);
         }
-        std::this_thread::sleep_for(kMakerPoll);
     }
-    return block;
-}
-
-SharedBlock* MakeBlock(int file) {
-    if (ftruncate(file, sizeof(SharedBlock)) != 0)
-        return nullptr;
-    void* view = mmap(nullptr, sizeof(SharedBlock), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-    if (view == MAP_FAILED)
-        return nullptr;
-    auto* block = static_cast<SharedBlock*>(view);
-    SetUp(block);
+    flock(file, LOCK_UN);
     return block;
 }
 
@@ -107,20 +101,25 @@ struct SharedMutex {
     SharedBlock* block;
 };
 
+// A block stays mapped for the life of the process: unmapped while a thread
+// holds the lock, the kernel could not mark it abandoned when that thread
+// ends, and every process would wait for it for good.
 SharedMutex* OpenSharedMutex(const char* name) {
-    const std::string objectName = std::string("/") + name;
-    SharedBlock* block = nullptr;
-    int file = shm_open(objectName.c_str(), O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
-    if (file >= 0) {
-        block = MakeBlock(file);
-    } else if (errno == EEXIST) {
-        file = shm_open(objectName.c_str(), O_RDWR, 0);
-        if (file >= 0)
-            block = MapWhenReady(file);
-    }
-    if (file >= 0)
-        close(file);
-    return block == nullptr ? nullptr : new SharedMutex{block};
+    static std::mutex openedLock;
+    static std::map<std::string, SharedMutex> opened;
+    const std::string objectName = SyncName(name);
+    std::lock_guard<std::mutex> held(openedLock);
+    const auto known = opened.find(objectName);
+    if (known != opened.end())
+        return &known->second;
+    const int file = shm_open(objectName.c_str(), O_RDWR | O_CREAT, S_IRUSR | S_IWUSR);
+    if (file < 0)
+        return nullptr;
+    SharedBlock* block = MapAndSetUp(file);
+    close(file);
+    if (block == nullptr)
+        return nullptr;
+    return &opened.emplace(objectName, SharedMutex{block}).first->second;
 }
 
 WaitOutcome WaitForSharedMutex(SharedMutex* mutex, DWORD timeoutMs) {
@@ -133,9 +132,7 @@ WaitOutcome WaitForSharedMutex(SharedMutex* mutex, DWORD timeoutMs) {
 
 void ReleaseSharedMutex(SharedMutex* mutex) { pthread_mutex_unlock(&mutex->block->mutex); }
 
-void CloseSharedMutex(SharedMutex* mutex) {
-    munmap(mutex->block, sizeof(SharedBlock));
-    delete mutex;
-}
+// The mapping stays (see OpenSharedMutex); the next opener gets it again.
+void CloseSharedMutex(SharedMutex*) {}
 
 }  // namespace kt::sys

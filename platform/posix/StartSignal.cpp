@@ -6,13 +6,17 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <string>
 
 #include "platform/posix/Deadline.h"
+#include "platform/posix/SyncNames.h"
 
 namespace kt::sys {
 
-const char kObjectNamePrefix[] = "/";
+void NameStartSignal(const char* text, char* dest, size_t size) {
+    std::snprintf(dest, size, "%s", SyncName(text).c_str());
+}
 
 struct StartSignal {
     sem_t* semaphore;
@@ -51,15 +55,6 @@ void CloseStartSignal(StartSignal* signal) {
     sem_close(signal->semaphore);
     sem_unlink(signal->name.c_str());
     delete signal;
-}
-
-bool RaiseStartSignal(const char* name) {
-    sem_t* semaphore = sem_open(name, 0);
-    if (semaphore == SEM_FAILED)
-        return false;
-    const bool raised = sem_post(semaphore) == 0;
-    sem_close(semaphore);
-    return raised;
 }
 
 }  // namespace kt::sys

@@ -1,11 +1,13 @@
 // The Win32 start signal: a named manual-reset event.
 #include "platform/StartSignal.h"
 
+#include <cstdio>
+
 #include "platform/win32/WaitOutcome.h"
 
 namespace kt::sys {
 
-const char kObjectNamePrefix[] = "";
+void NameStartSignal(const char* text, char* dest, size_t size) { std::snprintf(dest, size, "%s", text); }
 
 static HANDLE Handle(StartSignal* signal) { return reinterpret_cast<HANDLE>(signal); }
 
@@ -18,14 +20,5 @@ WaitOutcome WaitForStartSignal(StartSignal* signal, DWORD timeoutMs) {
 }
 
 void CloseStartSignal(StartSignal* signal) { CloseHandle(Handle(signal)); }
-
-bool RaiseStartSignal(const char* name) {
-    const HANDLE event = OpenEventA(EVENT_MODIFY_STATE, FALSE, name);
-    if (event == nullptr)
-        return false;
-    const bool raised = SetEvent(event) != FALSE;
-    CloseHandle(event);
-    return raised;
-}
 
 }  // namespace kt::sys

@@ -15,9 +15,19 @@
 #include <thread>
 #include <vector>
 
+#if !defined(_WIN32)
+#    include <fcntl.h>
+#    include <semaphore.h>
+#    include <sys/mman.h>
+#    include <unistd.h>
+
+#    include <cstdlib>
+
+#    include "platform/posix/SyncNames.h"
+#endif
+
 #include "kticore/core/Exception.h"
 #include "kticore/core/Threads.h"
-#include "platform/StartSignal.h"
 #include "platform/Thread.h"
 #include "tests/support/LockedCount.h"
 #include "tests/support/ScratchDirectory.h"
@@ -149,10 +159,10 @@ TEST(CriticalSections, BuiltInTheCallersMemory) {
         EXPECT_EQ(TryAll(), KTWAIT_SIGNALLED);
     }
 
-    alignas(16) unsigned char memory[256];
-    ASSERT_LE(size, static_cast<int>(sizeof memory));
-    ICritSect* placed = _CriticalSection_New_For_Core(memory, &size);
-    EXPECT_EQ(static_cast<void*>(placed), static_cast<void*>(memory));
+    alignas(16) unsigned char memory[264];
+    ASSERT_LE(size, static_cast<int>(sizeof memory) - 8);
+    ICritSect* placed = _CriticalSection_New_For_Core(memory + 8, &size);  // 8-byte aligned suffices
+    EXPECT_EQ(static_cast<void*>(placed), static_cast<void*>(memory + 8));
     {
         HoldingThread holder([placed] { placed->Enter(); }, [placed] { placed->Leave(); });
         EXPECT_EQ(TryAll(), KTWAIT_TIMEOUT);
@@ -207,6 +217,93 @@ TEST(CriticalSections, OneMutexForAllProcesses) {
     Wait_Release();
     section->Release();
 }
+
+#if !defined(_WIN32)
+// Children started meanwhile share a lock of their own, made afresh.
+class PrivateSyncNamespace {
+public:
+    PrivateSyncNamespace() {
+        const char* current = std::getenv(kVariable);
+        saved = current != nullptr ? current : "";
+        const std::string space = saved + "-private" + std::to_string(getpid());
+        setenv(kVariable, space.c_str(), 1);
+        lockName = kt::sys::SyncNameIn(space, "KT_Fix_Fucking_NT_Bugs_Mutex");
+        shm_unlink(lockName.c_str());
+    }
+    ~PrivateSyncNamespace() {
+        shm_unlink(lockName.c_str());
+        setenv(kVariable, saved.c_str(), 1);
+    }
+    std::string lockName;
+
+private:
+    static constexpr char kVariable[] = "KTCORE_SYNC_NAMESPACE";
+    std::string saved;
+};
+
+// A maker that died between creating the lock's block and setting it up
+// leaves it short, or sized but unmarked: the next process sets it up.
+TEST(CriticalSections, AHalfMadeSharedLockIsMadeAgain) {
+    for (const off_t size : {off_t{0}, off_t{4096}}) {
+        SCOPED_TRACE(size);
+        PrivateSyncNamespace space;
+        const int block = shm_open(space.lockName.c_str(), O_RDWR | O_CREAT, S_IRUSR | S_IWUSR);
+        ASSERT_GE(block, 0);
+        ASSERT_EQ(ftruncate(block, size), 0);
+        close(block);
+        kt::test::ScratchDirectory scratch;
+        const std::string marker = kt::test::Narrow(scratch / KTW("held"));
+        kt::test::ChildProcess holder(KT_TEST_HELPER, {"hold-all", marker});
+        for (int poll = 0; poll < 3000 && !std::filesystem::exists(marker); ++poll)
+            std::this_thread::sleep_for(10ms);
+        kt::test::ChildProcess waiter(KT_TEST_HELPER, {"wait-all", "0"});
+        EXPECT_EQ(waiter.Wait(), KTWAIT_TIMEOUT);
+    }
+}
+#endif
+
+// The lock outlives the last section of its holder's process, so that the
+// holder's end still marks it abandoned.
+TEST(CriticalSections, AHolderThatEndsAfterItsLastSectionLeavesTheLockAbandoned) {
+#if !defined(_WIN32)
+    PrivateSyncNamespace space;
+#endif
+    kt::test::ChildProcess holder(KT_TEST_HELPER, {"end-holding-all", "-"});
+    EXPECT_EQ(holder.Wait(), 0);
+    kt::test::ChildProcess waiter(KT_TEST_HELPER, {"wait-all", "5000"});
+    EXPECT_EQ(waiter.Wait(), KTWAIT_ABANDONED);
+}
+
+TEST(CriticalSections, TheMutexIsTakenBeforeTheSection) {
+    kt::test::ScratchDirectory scratch;
+    const std::string marker = kt::test::Narrow(scratch / KTW("entered"));
+    kt::test::ChildProcess helper(KT_TEST_HELPER, {"enter-holding-all", marker});
+    for (int poll = 0; poll < 3000 && !std::filesystem::exists(marker); ++poll)
+        std::this_thread::sleep_for(10ms);
+    EXPECT_TRUE(std::filesystem::exists(marker)) << "deadlocked";
+}
+
+#if defined(_WIN32)
+// An event that holds the mutex's name makes CreateMutexA fail.
+TEST(CriticalSections, WithoutTheMutexEachSectionLocksAlone) {
+    const HANDLE squatter = CreateEventA(nullptr, TRUE, FALSE, "KT_Fix_Fucking_NT_Bugs_Mutex");
+    if (squatter == nullptr || GetLastError() == ERROR_ALREADY_EXISTS)
+        GTEST_SKIP() << "the mutex is alive in another process";
+    ICritSect* a = CriticalSection_New();
+    ICritSect* b = CriticalSection_New();
+    {
+        HoldingThread holder([a] { a->Enter(); }, [a] { a->Leave(); });
+        EXPECT_EQ(TryAll(), KTWAIT_SIGNALLED);
+        std::thread([b] {
+            b->Enter();
+            b->Leave();
+        }).join();
+    }
+    b->Release();
+    a->Release();
+    CloseHandle(squatter);
+}
+#endif
 
 // Eight threads step a count, each inside a section (two threads to each)
 // and every other time also inside a neighbouring one, while one more steps
@@ -319,8 +416,28 @@ TEST(Events, WaitUntilSetOrTimedOut) {
     event->Release();
 }
 
-// The started thread's side of the handshake.
+// The started thread's side of the handshake, by the host's own calls.
+bool RaiseTheStartSignal(const char* name) {
+#if defined(_WIN32)
+    const HANDLE event = OpenEventA(EVENT_MODIFY_STATE, FALSE, name);
+    if (event == nullptr)
+        return false;
+    const bool raised = SetEvent(event) != FALSE;
+    CloseHandle(event);
+#else
+    sem_t* semaphore = sem_open(name, 0);
+    if (semaphore == SEM_FAILED)
+        return false;
+    const bool raised = sem_post(semaphore) == 0;
+    sem_close(semaphore);
+#endif
+    return raised;
+}
+
+const std::string kLongName(250, 'n');
+
 struct Answer {
+    const char* name;
     std::chrono::milliseconds delay;
     bool answers;
     char ownName[256] = {};
@@ -328,15 +445,13 @@ struct Answer {
     bool raised = false;
 };
 
-constexpr char kStartName[] = "kt-start-test";
-
 unsigned AnswerTheStart(void* argument) {
     auto* answer = static_cast<Answer*>(argument);
-    KTCreateObjName(kStartName, answer->ownName, 0);
+    KTCreateObjName(answer->name, answer->ownName, 0);
     if (answer->answers) {
         std::this_thread::sleep_for(answer->delay);
         answer->answered = true;
-        answer->raised = kt::sys::RaiseStartSignal(answer->ownName);
+        answer->raised = RaiseTheStartSignal(answer->ownName);
     }
     return 0;
 }
@@ -344,21 +459,23 @@ unsigned AnswerTheStart(void* argument) {
 TEST(ThreadStart, WaitsUpToASecondForTheThreadToAnswer) {
     const struct {
         const char* what;
+        const char* name;
         std::chrono::milliseconds delay;
         bool answers;
         bool creatorSeesIt;
     } kCases[] = {
-        {"answers at once", 0ms, true, true},
-        {"answers late, within the second", 400ms, true, true},
-        {"answers after the second", 1500ms, true, false},
-        {"never answers", 0ms, false, false},
+        {"answers at once", "kt-start-test", 0ms, true, true},
+        {"answers late, within the second", "kt-start-test", 400ms, true, true},
+        {"a 250-character name, answers late", kLongName.c_str(), 400ms, true, true},
+        {"answers after the second", "kt-start-test", 1500ms, true, false},
+        {"never answers", "kt-start-test", 0ms, false, false},
     };
     for (const auto& start : kCases) {
         SCOPED_TRACE(start.what);
-        Answer answer{start.delay, start.answers};
+        Answer answer{start.name, start.delay, start.answers};
         unsigned long id = 0;
         const auto before = Clock::now();
-        void* thread = KTCreateThread(kStartName, AnswerTheStart, &answer, &id);
+        void* thread = KTCreateThread(start.name, AnswerTheStart, &answer, &id);
         const auto waited = Clock::now() - before;
         const bool seen = answer.answered;
         ASSERT_NE(thread, nullptr);
@@ -370,20 +487,23 @@ TEST(ThreadStart, WaitsUpToASecondForTheThreadToAnswer) {
             EXPECT_LT(waited, 5s);
         }
         char expected[256];
-        KTCreateObjName(kStartName, expected, id);
+        KTCreateObjName(start.name, expected, id);
         EXPECT_STREQ(answer.ownName, expected);  // the id is the thread's own
     }
 }
 
 TEST(ThreadStart, ObjectNamesTellTheirInputsApart) {
-    char name[256], same[256], otherName[256], otherThread[256];
+    char name[256], same[256], otherName[256], otherThread[256], longName[256], longOtherThread[256];
     KTCreateObjName("name", name, 42);
     KTCreateObjName("name", same, 42);
     KTCreateObjName("other", otherName, 42);
     KTCreateObjName("name", otherThread, 43);
+    KTCreateObjName(kLongName.c_str(), longName, 42);
+    KTCreateObjName(kLongName.c_str(), longOtherThread, 43);
     EXPECT_STREQ(name, same);
     EXPECT_STRNE(name, otherName);
     EXPECT_STRNE(name, otherThread);
+    EXPECT_STRNE(longName, longOtherThread);
 }
 
 }  // namespace

@@ -22,6 +22,13 @@
 //                         (Wait_All), make the file NAME, wait to be killed
 //   count-in-section NAME MS  count in the file NAME under a critical
 //                         section for MS ms; write the steps to NAME.helper
+//   wait-all MS           with a critical section alive, the exit code is
+//                         Wait_All(MS)
+//   end-holding-all -     take all sections, release the last section, and
+//                         end still holding them
+//   enter-holding-all NAME  while a thread holds all sections and another
+//                         waits to enter section A, the first enters A too;
+//                         make the file NAME when it got in
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -184,6 +191,39 @@ void HoldAll(const char* marker) {
     std::this_thread::sleep_for(std::chrono::minutes(1));
 }
 
+int WaitAll(const char* milliseconds) {
+    ICritSect* section = CriticalSection_New();
+    const int result = Wait_All(std::atoi(milliseconds));
+    if (result != KTWAIT_TIMEOUT)
+        Wait_Release();
+    section->Release();
+    return result;
+}
+
+void EndHoldingAll() {
+    ICritSect* section = CriticalSection_New();
+    Wait_All(-1);
+    section->Release();
+}
+
+// Deadlocks if a section is taken before the mutex: the waiting thread would
+// then hold A while it waits for the mutex that the first one holds.
+void EnterHoldingAll(const char* marker) {
+    ICritSect* a = CriticalSection_New();
+    Wait_All(-1);
+    std::thread waiting([a] {
+        a->Enter();
+        a->Leave();
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    a->Enter();
+    std::ofstream{marker};
+    a->Leave();
+    Wait_Release();
+    waiting.join();
+    a->Release();
+}
+
 void CountInSection(const char* name, const char* milliseconds) {
     ICritSect* section = CriticalSection_New();
     kt::test::CountInFile count{name};
@@ -229,6 +269,16 @@ int main(int argc, char** argv) {
 #endif
     if (what == "hold-all") {
         HoldAll(argv[2]);
+        return 0;
+    }
+    if (what == "wait-all")
+        return WaitAll(argv[2]);
+    if (what == "end-holding-all") {
+        EndHoldingAll();
+        return 0;
+    }
+    if (what == "enter-holding-all") {
+        EnterHoldingAll(argv[2]);
         return 0;
     }
     if (what == "count-in-section" && argc == 4) {

@@ -44,9 +44,9 @@ protected:
 KTCORE_API ICritSect* CriticalSection_New();
 
 // With a null `memory`, stores the bytes a critical section needs in *size
-// and makes nothing. Otherwise builds one in `memory` (16-byte aligned, owned
-// by the caller, who frees it after the last Release), before any allocator
-// need be usable. CXException XE_BAD_ARGUMENT for a null `size` with null
+// and makes nothing. Otherwise builds one in `memory` (aligned as a pointer:
+// 8 bytes is what the platform's critical section needs; owned by the caller,
+// who frees it after the last Release), before any allocator need be usable. CXException XE_BAD_ARGUMENT for a null `size` with null
 // `memory`, or memory that is not aligned.
 KTCORE_API ICritSect* _CriticalSection_New_For_Core(void* memory, int* size);
 
@@ -62,15 +62,16 @@ KTCORE_API void Wait_Release();
 
 // The name of a kernel object for `name` in this process and the thread
 // `threadId` (0: the calling thread); equal inputs give equal text. `dest`
-// must hold 256 bytes; a longer text is cut to fit.
+// must hold 256 bytes; the ids come first, so a text cut to fit keeps them.
 KTCORE_API void KTCreateObjName(const char* name, char* dest, unsigned long threadId);
 
 // Starts start(arg) on a new thread and waits up to a second for it to say
 // that it is up: the thread builds KTCreateObjName(name, buffer, 0) and sets
 // the event of that name (OpenEventA, SetEvent; natively the POSIX named
-// semaphore of that name: sem_open, sem_post). A thread that doesn't is no
+// semaphore of that name: sem_open, sem_post; the name is a semaphore's,
+// within the namespace of KTCORE_SYNC_NAMESPACE). A thread that doesn't is no
 // failure. Returns the thread's handle, which the caller owns (natively the
 // pthread_t, to be joined or detached), null when no thread could be made;
-// stores its id in *threadId if that is not null.
+// stores its id in *threadId if that is not null (0 when there is none).
 KTCORE_API void* KTCreateThread(const char* name, unsigned (*start)(void*), void* arg,
                                 unsigned long* threadId);
