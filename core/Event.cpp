@@ -32,7 +32,9 @@ public:
     void Set() override { kt::sys::SignalEvent(event.get()); }
     void Reset() override { kt::sys::ClearEvent(event.get()); }
 
-    int Wait(DWORD timeoutMs) override { return kt::WaitResultOf(kt::sys::WaitForEvent(event.get(), timeoutMs)); }
+    int Wait(DWORD timeoutMs) override {
+        return kt::WaitResultOf(kt::sys::WaitForEvent(event.get(), timeoutMs));
+    }
 
 private:
     EventHandle event;

@@ -59,8 +59,10 @@ SharedBlock* MapAndSetUp(int file) {
         return nullptr;
     SharedBlock* block = nullptr;
     struct stat status = {};
-    if (fstat(file, &status) == 0 &&
-        (static_cast<size_t>(status.st_size) >= sizeof(SharedBlock) || ftruncate(file, sizeof(SharedBlock)) == 0)) {
+    const bool sized = fstat(file, &status) == 0 &&
+                       (static_cast<size_t>(status.st_size) >= sizeof(SharedBlock) ||
+                        ftruncate(file, sizeof(SharedBlock)) == 0);
+    if (sized) {
         void* view = mmap(nullptr, sizeof(SharedBlock), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
         if (view != MAP_FAILED) {
             block = static_cast<SharedBlock*>(view);

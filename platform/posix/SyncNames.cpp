@@ -31,7 +31,8 @@ std::string SyncNameIn(const std::string& space, const std::string& text) {
     if (component.size() <= kLongestComponent && component.find('/') == std::string::npos)
         return "/" + component;
     char folded[32];
-    std::snprintf(folded, sizeof folded, "/kt-%016llx", static_cast<unsigned long long>(Hash(component)));
+    std::snprintf(folded, sizeof folded, "/kt-%016llx",
+                  static_cast<unsigned long long>(Hash(component)));
     return folded;
 }
 

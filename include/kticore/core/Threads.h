@@ -46,8 +46,9 @@ KTCORE_API ICritSect* CriticalSection_New();
 // With a null `memory`, stores the bytes a critical section needs in *size
 // and makes nothing. Otherwise builds one in `memory` (aligned as a pointer:
 // 8 bytes is what the platform's critical section needs; owned by the caller,
-// who frees it after the last Release), before any allocator need be usable. CXException XE_BAD_ARGUMENT for a null `size` with null
-// `memory`, or memory that is not aligned.
+// who frees it after the last Release), before any allocator need be usable.
+// CXException XE_BAD_ARGUMENT for a null `size` with null `memory`, or memory
+// that is not aligned.
 KTCORE_API ICritSect* _CriticalSection_New_For_Core(void* memory, int* size);
 
 // An automatic-reset event, set if `initialState` is nonzero; CXMemException
