@@ -13,6 +13,9 @@
 #    define DEMO_EXPORT extern "C" __declspec(dllexport)
 #else
 #    include <dlfcn.h>
+#    include <fcntl.h>
+#    include <pthread.h>
+#    include <semaphore.h>
 #    include <sys/mman.h>
 #    define DEMO_EXPORT extern "C" __attribute__((visibility("default")))
 #endif
@@ -801,6 +804,63 @@ void SummaryProperties() {
 
 }  // namespace
 #endif
+// The demo's worker: tells KTCreateThread that it is up, through the event
+// (natively the semaphore) named after it, then counts inside a critical
+// section that the main thread counts in too.
+struct DemoWork {
+    ICritSect* section;
+    IEvent* done;
+    long count;
+};
+
+static unsigned DemoWorker(void* argument) {
+    auto* work = static_cast<DemoWork*>(argument);
+    char name[256];
+    KTCreateObjName("demo-worker", name, 0);
+#if defined(_WIN32)
+    if (HANDLE started = OpenEventA(EVENT_MODIFY_STATE, FALSE, name)) {
+        SetEvent(started);
+        CloseHandle(started);
+    }
+#else
+    if (sem_t* started = sem_open(name, 0); started != SEM_FAILED) {
+        sem_post(started);
+        sem_close(started);
+    }
+#endif
+    for (int i = 0; i < 1000; ++i) {
+        work->section->Enter();
+        ++work->count;
+        work->section->Leave();
+    }
+    work->done->Set();
+    return 0;
+}
+
+static void Threads() {
+    Step("Threads: a start that waits for its thread, sections behind one process-wide mutex");
+    DemoWork work = {CriticalSection_New(), Event_New(0), 0};
+    unsigned long id = 0;
+    void* thread = KTCreateThread("demo-worker", DemoWorker, &work, &id);
+    std::printf("   thread %lu started and answered\n", id);
+    for (int i = 0; i < 1000; ++i) {
+        work.section->Enter();
+        ++work.count;
+        work.section->Leave();
+    }
+    std::printf("   the worker's event: %d (1: set)\n", work.done->Wait(60000));
+    std::printf("   Wait_All: %d (1: every section is ours); the count: %ld of 2000\n", Wait_All(-1),
+                work.count);
+    Wait_Release();
+#if defined(_WIN32)
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
+#else
+    pthread_join(reinterpret_cast<pthread_t>(thread), nullptr);
+#endif
+    work.done->Release();
+    work.section->Release();
+}
 
 int main() {
     std::printf("kticore demo host\n");
@@ -826,6 +886,7 @@ int main() {
 #endif
     Translation();
     DialogTemplates();
+    Threads();
     std::printf("\ndone\n");
     return 0;
 }

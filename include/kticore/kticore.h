@@ -10,6 +10,7 @@
 #include "kticore/core/Map.h"
 #include "kticore/core/MapEnum.h"
 #include "kticore/core/Progress.h"
+#include "kticore/core/Threads.h"
 #include "kticore/core/Unknown.h"
 #include "kticore/strings/XString.h"
 #include "kticore/strings/XStringW.h"

@@ -8,6 +8,7 @@
 namespace kt::sys {
 
 static_assert(sizeof(pthread_mutex_t) <= 64, "CriticalSection::storage is too small");
+static_assert(alignof(pthread_mutex_t) <= 8, "CriticalSection::storage is not aligned enough");
 
 static pthread_mutex_t* Native(unsigned char* storage) {
     return std::launder(reinterpret_cast<pthread_mutex_t*>(storage));

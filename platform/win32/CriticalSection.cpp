@@ -8,6 +8,7 @@
 namespace kt::sys {
 
 static_assert(sizeof(CRITICAL_SECTION) <= 64, "CriticalSection::storage is too small");
+static_assert(alignof(CRITICAL_SECTION) <= 8, "CriticalSection::storage is not aligned enough");
 
 static CRITICAL_SECTION* Native(unsigned char* storage) {
     return std::launder(reinterpret_cast<CRITICAL_SECTION*>(storage));

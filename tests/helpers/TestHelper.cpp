@@ -18,17 +18,31 @@
 //                         of the next generation and commit, until killed;
 //                         make the empty file NAME.N- before the N-th
 //                         commit and NAME.N after it
+//   hold-all NAME         with a critical section alive, take all of them
+//                         (Wait_All), make the file NAME, wait to be killed
+//   count-in-section NAME MS  count in the file NAME under a critical
+//                         section for MS ms; write the steps to NAME.helper
+//   wait-all MS           with a critical section alive, the exit code is
+//                         Wait_All(MS)
+//   end-holding-all -     take all sections, release the last section, and
+//                         end still holding them
+//   enter-holding-all NAME  while a thread holds all sections and another
+//                         waits to enter section A, the first enters A too;
+//                         make the file NAME when it got in
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "kticore/core/Threads.h"
 #include "kticore/files/File.h"
 #include "kticore/files/FileLocks.h"
 #include "kticore/files/FileUtilities.h"
 #include "kticore/streams/Stream.h"
+#include "tests/support/LockedCount.h"
 #if defined(_WIN32)
 #    include <windows.h>
 
@@ -170,6 +184,55 @@ int CutBeneath(const char* name, const char* size) {
 int CutBeneath(const char* name, const char* size) { return Cut(name, size); }
 #endif
 
+void HoldAll(const char* marker) {
+    CriticalSection_New();  // alive until the process is killed
+    Wait_All(-1);
+    std::ofstream{marker};
+    std::this_thread::sleep_for(std::chrono::minutes(1));
+}
+
+int WaitAll(const char* milliseconds) {
+    ICritSect* section = CriticalSection_New();
+    const int result = Wait_All(std::atoi(milliseconds));
+    if (result != KTWAIT_TIMEOUT)
+        Wait_Release();
+    section->Release();
+    return result;
+}
+
+void EndHoldingAll() {
+    ICritSect* section = CriticalSection_New();
+    Wait_All(-1);
+    section->Release();
+}
+
+// Deadlocks if a section is taken before the mutex: the waiting thread would
+// then hold A while it waits for the mutex that the first one holds.
+void EnterHoldingAll(const char* marker) {
+    ICritSect* a = CriticalSection_New();
+    Wait_All(-1);
+    std::thread waiting([a] {
+        a->Enter();
+        a->Leave();
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    a->Enter();
+    std::ofstream{marker};
+    a->Leave();
+    Wait_Release();
+    waiting.join();
+    a->Release();
+}
+
+void CountInSection(const char* name, const char* milliseconds) {
+    ICritSect* section = CriticalSection_New();
+    kt::test::CountInFile count{name};
+    const long steps =
+        kt::test::CountInSection(section, count, std::chrono::milliseconds(std::atoi(milliseconds)));
+    section->Release();
+    std::ofstream(std::string(name) + ".helper") << steps;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -204,6 +267,24 @@ int main(int argc, char** argv) {
         return 0;
     }
 #endif
+    if (what == "hold-all") {
+        HoldAll(argv[2]);
+        return 0;
+    }
+    if (what == "wait-all")
+        return WaitAll(argv[2]);
+    if (what == "end-holding-all") {
+        EndHoldingAll();
+        return 0;
+    }
+    if (what == "enter-holding-all") {
+        EnterHoldingAll(argv[2]);
+        return 0;
+    }
+    if (what == "count-in-section" && argc == 4) {
+        CountInSection(argv[2], argv[3]);
+        return 0;
+    }
     if (what == "commit-loop" && argc == 4) {
         CommitLoop(name, static_cast<size_t>(std::atol(argv[3])));
         return 0;
