@@ -45,7 +45,8 @@ std::optional<ULONG> Remaining(IXStream& stream) {
 constexpr ULONG kFirstChunk = 64 * 1024;
 
 template <class Unit>
-std::unique_ptr<Unit[]> ReadInChunks(IXStream& stream, ULONG byteCount, ULONG& bytesRead) {
+std::unique_ptr<Unit[]> ReadInChunks(IXStream& stream, const VariantReading& reading,
+                                     ULONG byteCount, ULONG& bytesRead) {
     ULONG capacity = std::min(byteCount, kFirstChunk);
     std::unique_ptr<Unit[]> buffer(new Unit[UnitsFor<Unit>(capacity)]);
     bytesRead = 0;
@@ -57,8 +58,8 @@ std::unique_ptr<Unit[]> ReadInChunks(IXStream& stream, ULONG byteCount, ULONG& b
             buffer = std::move(grown);
             capacity = larger;
         }
-        const unsigned got =
-            stream.Read(reinterpret_cast<char*>(buffer.get()) + bytesRead, capacity - bytesRead);
+        const unsigned got = reading.countedRead(
+            stream, reinterpret_cast<char*>(buffer.get()) + bytesRead, capacity - bytesRead);
         if (got == 0)
             break;
         bytesRead += got;
@@ -74,22 +75,27 @@ std::unique_ptr<Unit[]> ReadInChunks(IXStream& stream, ULONG byteCount, ULONG& b
 // as past 4 GiB): the buffer grows with what arrives, so a damaged count never
 // makes the reader allocate more than the stream holds.
 template <class Unit>
-Unit* ReadCounted(IXStream& stream, ULONG byteCount, ULONG& bytesRead) {
+Unit* ReadCounted(IXStream& stream, const VariantReading& reading, ULONG byteCount,
+                  ULONG& bytesRead) {
     const std::optional<ULONG> remaining = Remaining(stream);
     std::unique_ptr<Unit[]> buffer;
     if (remaining && *remaining >= byteCount) {
         buffer.reset(new Unit[UnitsFor<Unit>(byteCount)]);
-        bytesRead = stream.Read(buffer.get(), byteCount);
+        bytesRead = reading.countedRead(stream, buffer.get(), byteCount);
     } else {
-        buffer = ReadInChunks<Unit>(stream, byteCount, bytesRead);
+        buffer = ReadInChunks<Unit>(stream, reading, byteCount, bytesRead);
     }
     return Terminated(std::move(buffer), bytesRead);
 }
 
-ULONG ReadLengthWord(IXStream& stream) {
+ULONG ReadLengthWord(IXStream& stream, const VariantReading& reading) {
     ULONG length = 0;
-    stream.Read(&length, sizeof length);  // stays 0 at the end of the stream
+    reading.countedRead(stream, &length, sizeof length);  // stays 0 at the end of the stream
     return length;
+}
+
+unsigned ReadOfTheStream(IXStream& stream, void* buffer, unsigned size) {
+    return stream.Read(buffer, size);
 }
 
 // A null text is stored as the empty text: the stored form always carries a
@@ -168,30 +174,36 @@ void WriteStoredVariant(IXStream& stream, const tagKTVARIANT* value) {
 }
 
 int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value) {
+    return ReadStoredVariant(stream, value, VariantReading{ReadOfTheStream, KTVT_WSTR});
+}
+
+int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value, const VariantReading& reading) {
     KTVariantClear(value);
-    stream.Read(&value->vt, sizeof value->vt);  // stays 0 at the end of the stream
-    if (value->vt > KTVT_WSTR)
+    reading.countedRead(stream, &value->vt, sizeof value->vt);  // stays 0 at the end of the stream
+    if (value->vt > reading.lastKind)
         ThrowStreamError(stream, XE_BAD_DATA, XFILEOP_READ_WRITE);
     ULONG bytesRead = 0;
     switch (value->vt) {
     case KTVT_OBJECT:
         return ReadObjectFromXStream(&stream, &value->punkVal);
     case KTVT_STR:
-        value->pszVal = ReadCounted<char>(stream, ReadLengthWord(stream), bytesRead);
+        value->pszVal =
+            ReadCounted<char>(stream, reading, ReadLengthWord(stream, reading), bytesRead);
         return bytesRead != 0;
     case KTVT_WSTR:
-        value->pwszVal = ReadCounted<KTWCHAR>(stream, ReadLengthWord(stream), bytesRead);
+        value->pwszVal =
+            ReadCounted<KTWCHAR>(stream, reading, ReadLengthWord(stream, reading), bytesRead);
         return bytesRead != 0;
     case KTVT_BLOB: {
         const ULONG size = stream.ReadDWord();
         // Cut short, the blob is as long as what arrived: zeros up to the
         // stored size would be memory that a damaged length word asks for.
-        value->blobVal.data = ReadCounted<unsigned char>(stream, size, bytesRead);
+        value->blobVal.data = ReadCounted<unsigned char>(stream, reading, size, bytesRead);
         value->blobVal.size = bytesRead;
         return bytesRead != 0;
     }
     default:
-        return stream.Read(&value->bVal, StoredScalarSize(value->vt)) != 0;
+        return reading.countedRead(stream, &value->bVal, StoredScalarSize(value->vt)) != 0;
     }
 }
 

@@ -14,9 +14,18 @@ unsigned StoredScalarSize(unsigned short kind);
 
 void WriteStoredVariant(IXStream& stream, const tagKTVARIANT* value);
 
+// How a stream reads stored variants: the payload's bytes through a read
+// that counts them, and the last kind it takes (a higher one is bad data).
+struct VariantReading {
+    unsigned (*countedRead)(IXStream& stream, void* buffer, unsigned size);
+    unsigned short lastKind;
+};
+
 // 0 when nothing was there to read. A damaged count never makes the reader
 // allocate more than the stream holds: a text or blob cut short holds what
 // was there, and the blob's size is the number of bytes that came.
+// Reads through the stream's own Read and takes every kind.
 int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value);
+int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value, const VariantReading& reading);
 
 }  // namespace kt

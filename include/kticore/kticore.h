@@ -25,6 +25,7 @@
 #include "kticore/streams/Stream.h"
 #if defined(_WIN32)
 #    include "kticore/storage/CompoundStorage.h"
+#    include "kticore/storage/DocStorage.h"
 #    include "kticore/storage/Storage.h"
 #endif
 #include "kticore/translation/DialogTemplates.h"
