@@ -46,13 +46,21 @@ IXStream* CIXDocStorage::WrapStream(IXStream* inner) {
     return inner != nullptr ? new CIXDocStream(inner, Top(), flags) : nullptr;
 }
 
-IXStorage* CIXDocStorage::CreateStorage(const char* name) { return WrapStorage(storage->CreateStorage(name)); }
+IXStorage* CIXDocStorage::CreateStorage(const char* name) {
+    return WrapStorage(storage->CreateStorage(name));
+}
 
-IXStorage* CIXDocStorage::OpenStorage(const char* name) { return WrapStorage(storage->OpenStorage(name)); }
+IXStorage* CIXDocStorage::OpenStorage(const char* name) {
+    return WrapStorage(storage->OpenStorage(name));
+}
 
-IXStream* CIXDocStorage::CreateStream(const char* name) { return WrapStream(storage->CreateStream(name)); }
+IXStream* CIXDocStorage::CreateStream(const char* name) {
+    return WrapStream(storage->CreateStream(name));
+}
 
-IXStream* CIXDocStorage::OpenStream(const char* name) { return WrapStream(storage->OpenStream(name)); }
+IXStream* CIXDocStorage::OpenStream(const char* name) {
+    return WrapStream(storage->OpenStream(name));
+}
 
 }  // namespace kt
 

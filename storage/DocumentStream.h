@@ -24,9 +24,13 @@ public:
     ULONG Release() override { return InternalRelease(); }
     int QueryInterface(const type_info& wanted, void** out) override;
 
-    unsigned Read(void* buffer, unsigned size) override { return Checked(stream->Read(buffer, size)); }
+    unsigned Read(void* buffer, unsigned size) override {
+        return Checked(stream->Read(buffer, size));
+    }
     void Write(const void* buffer, unsigned size) override;
-    unsigned Seek(LONG offset, unsigned origin) override { return Checked(stream->Seek(offset, origin)); }
+    unsigned Seek(LONG offset, unsigned origin) override {
+        return Checked(stream->Seek(offset, origin));
+    }
     unsigned GetPosition() override { return stream->GetPosition(); }
     unsigned char ReadByte() override { return Checked(stream->ReadByte()); }
     unsigned short ReadWord() override { return Checked(stream->ReadWord()); }
@@ -35,7 +39,9 @@ public:
     int ReadLineW(KTWCHAR* buffer, int maxChars) override {
         return Checked(stream->ReadLineW(buffer, maxChars));
     }
-    int ReadLine(char* buffer, int maxChars) override { return Checked(stream->ReadLine(buffer, maxChars)); }
+    int ReadLine(char* buffer, int maxChars) override {
+        return Checked(stream->ReadLine(buffer, maxChars));
+    }
     int ReadVariant(tagKTVARIANT* value) override { return Checked(stream->ReadVariant(value)); }
     void WriteVariant(const tagKTVARIANT* value) override;
     void WriteByte(unsigned char value) override;

@@ -60,9 +60,13 @@ int COLEBasedXStream::ReadUntilZero(Unit* buffer, int maxChars) {
     return std::max(maxChars, 0);
 }
 
-int COLEBasedXStream::ReadLineW(KTWCHAR* buffer, int maxChars) { return ReadUntilZero(buffer, maxChars); }
+int COLEBasedXStream::ReadLineW(KTWCHAR* buffer, int maxChars) {
+    return ReadUntilZero(buffer, maxChars);
+}
 
-int COLEBasedXStream::ReadLine(char* buffer, int maxChars) { return ReadUntilZero(buffer, maxChars); }
+int COLEBasedXStream::ReadLine(char* buffer, int maxChars) {
+    return ReadUntilZero(buffer, maxChars);
+}
 
 int COLEBasedXStream::ReadVariant(tagKTVARIANT* value) {
     return ReadStoredVariant(*this, value, VariantReading{CountedRead, KTVT_OBJECT});
@@ -79,7 +83,8 @@ void COLEBasedXStream::WriteStringW(const KTWCHAR* text) {
     if (text == nullptr)
         WriteWord(0);
     else
-        Write(text, static_cast<unsigned>((std::char_traits<KTWCHAR>::length(text) + 1) * sizeof *text));
+        Write(text,
+              static_cast<unsigned>((std::char_traits<KTWCHAR>::length(text) + 1) * sizeof *text));
 }
 
 void COLEBasedXStream::WriteString(const char* text) {

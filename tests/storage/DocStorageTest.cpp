@@ -66,7 +66,8 @@ const Call kStreamCalls[] = {
     {"WriteDWord", true, 4, false, [](IXStream* s) { s->WriteDWord(7); }},
     {"WriteString", true, 6, false, [](IXStream* s) { s->WriteString("title"); }},
     {"Write", true, 16, true, [](IXStream* s) { s->Write("sixteen bytes...", 16); }},
-    {"WriteVariant", true, 10, false, [](IXStream* s) {
+    {"WriteVariant", true, 10, false,
+     [](IXStream* s) {
          const CKTVariant text("abc");
          s->WriteVariant(&text);
      }},
@@ -79,22 +80,26 @@ const Call kStreamCalls[] = {
     {"GetName", false, 0, false, [](IXStream* s) { s->GetName(); }},
     {"Seek", true, 0, true, [](IXStream* s) { s->Seek(0, 0); }},
     {"ReadDWord", true, 0, true, [](IXStream* s) { s->ReadDWord(); }},
-    {"ReadLine", true, 0, true, [](IXStream* s) {
+    {"ReadLine", true, 0, true,
+     [](IXStream* s) {
          char line[16];
          s->ReadLine(line, 14);
      }},
-    {"Read", true, 0, true, [](IXStream* s) {
+    {"Read", true, 0, true,
+     [](IXStream* s) {
          char bytes[16];
          s->Read(bytes, sizeof bytes);
      }},
-    {"ReadVariant", true, 0, true, [](IXStream* s) {
+    {"ReadVariant", true, 0, true,
+     [](IXStream* s) {
          CKTVariant read;
          s->ReadVariant(&read);
      }},
     {"ReadWord", true, 0, true, [](IXStream* s) { s->ReadWord(); }},
     {"ReadByte", true, 0, true, [](IXStream* s) { s->ReadByte(); }},
     {"ReadDouble", true, 0, true, [](IXStream* s) { s->ReadDouble(); }},
-    {"ReadLineW", true, 0, true, [](IXStream* s) {
+    {"ReadLineW", true, 0, true,
+     [](IXStream* s) {
          KTWCHAR line[8];
          s->ReadLineW(line, 6);
      }},
@@ -147,7 +152,8 @@ void Collect(IXStorage* storage, const std::string& prefix, Contents& contents) 
     for (const std::string& name : Names(storage->EnumStreams()))
         contents[prefix + name] = ReadText(storage, name.c_str());
     for (const std::string& name : Names(storage->EnumStorages()))
-        Collect(StorageRef(storage->OpenStorage(name.c_str())).get(), prefix + name + "/", contents);
+        Collect(StorageRef(storage->OpenStorage(name.c_str())).get(), prefix + name + "/",
+                contents);
 }
 Contents ContentsOf(IXStorage* storage) {
     Contents contents;
@@ -173,7 +179,8 @@ int StoppedSave(IXStorage* storage, int stopAt) {
             SaveDocument(document.get(), asking);
         } catch (const CXException& stop) {
             EXPECT_EQ(stop.code, XE_CANCELLED);
-            EXPECT_EQ(asking, sink.questions) << "the stop came from another call than the one that asked";
+            EXPECT_EQ(asking, sink.questions)
+                << "the stop came from another call than the one that asked";
         }
     }
     EXPECT_EQ(sink.refs, 1u) << "the document let its sink go";
@@ -262,7 +269,8 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
     EXPECT_EQ(baseStorage, storage.get());
     EXPECT_STREQ(baseStream->GetName(), "figure");
     EXPECT_EQ(baseStream->QueryInterface(typeid(IDocStrorageInfo), nullptr), 0);
-    for (IKTUnknown* given : std::initializer_list<IKTUnknown*>{docStorage, baseStorage, baseStream})
+    for (IKTUnknown* given :
+         std::initializer_list<IKTUnknown*>{docStorage, baseStorage, baseStream})
         given->Release();
     EXPECT_EQ(info->GetFlags(), kFlags);
     EXPECT_EQ(info->SetDocStorage() + info->SetBaseStorage() + info->SetBaseStream(), 0);
@@ -273,7 +281,8 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
                   void* registry = nullptr;
                   stream->QueryInterface(typeid(IRegisterIface), &registry);
                   return static_cast<IRegisterIface*>(registry);
-              }())->RegisterInterface(attached.get(), typeid(IParam), 1),
+              }())
+                  ->RegisterInterface(attached.get(), typeid(IParam), 1),
               1);
     struct Query {
         const type_info& type;

@@ -49,5 +49,4 @@ KTCORE_API int new_CIXDocStorage(IXStorage* storage, KTIFC::IProgress* progress,
 // A document stream over `stream` (which gets a reference) that asks the sink
 // of `docStorage`, which must be a document storage: another storage throws
 // CXIFaceException, as does a null stream; a null `out` XE_BAD_ARGUMENT.
-KTCORE_API int new_CIXDocStream(IXStorage* docStorage, IXStream* stream, IXStream** out,
-                                int flags);
+KTCORE_API int new_CIXDocStream(IXStorage* docStorage, IXStream* stream, IXStream** out, int flags);
