@@ -20,16 +20,6 @@ COLEBasedXStream::~COLEBasedXStream() {
     stream->Release();
 }
 
-unsigned COLEBasedXStream::ReadCount(void* buffer, unsigned size) {
-    ULONG read = 0;
-    stream->Read(buffer, size, &read);
-    return read;
-}
-
-unsigned COLEBasedXStream::CountedRead(IXStream& self, void* buffer, unsigned size) {
-    return static_cast<COLEBasedXStream&>(self).ReadCount(buffer, size);
-}
-
 unsigned COLEBasedXStream::Read(void* buffer, unsigned size) {
     ULONG read = 0;
     const HRESULT status = stream->Read(buffer, size, &read);
@@ -69,7 +59,7 @@ int COLEBasedXStream::ReadLine(char* buffer, int maxChars) {
 }
 
 int COLEBasedXStream::ReadVariant(tagKTVARIANT* value) {
-    return ReadStoredVariant(*this, value, VariantReading{CountedRead, KTVT_OBJECT});
+    return ReadStoredVariant(*this, value, ReadAnswer::kAllOrNothing, KTVT_OBJECT);
 }
 
 void COLEBasedXStream::WriteVariant(const tagKTVARIANT* value) {

@@ -52,15 +52,12 @@ public:
     IStream* OleStream() const { return stream; }
 
 private:
-    // The bytes that came, whatever the status.
-    unsigned ReadCount(void* buffer, unsigned size);
-    static unsigned CountedRead(IXStream& self, void* buffer, unsigned size);
-
-    // What arrived of the value, zeros where nothing did.
+    // What arrived of the value, whatever the status; zeros where nothing did.
     template <class T>
     T ReadValue() {
         T value{};
-        ReadCount(&value, sizeof value);
+        ULONG read = 0;
+        stream->Read(&value, sizeof value, &read);
         return value;
     }
 

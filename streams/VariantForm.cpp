@@ -45,8 +45,7 @@ std::optional<ULONG> Remaining(IXStream& stream) {
 constexpr ULONG kFirstChunk = 64 * 1024;
 
 template <class Unit>
-std::unique_ptr<Unit[]> ReadInChunks(IXStream& stream, const VariantReading& reading,
-                                     ULONG byteCount, ULONG& bytesRead) {
+std::unique_ptr<Unit[]> ReadInChunks(IXStream& stream, ULONG byteCount, ULONG& bytesRead) {
     ULONG capacity = std::min(byteCount, kFirstChunk);
     std::unique_ptr<Unit[]> buffer(new Unit[UnitsFor<Unit>(capacity)]);
     bytesRead = 0;
@@ -58,8 +57,8 @@ std::unique_ptr<Unit[]> ReadInChunks(IXStream& stream, const VariantReading& rea
             buffer = std::move(grown);
             capacity = larger;
         }
-        const unsigned got = reading.countedRead(
-            stream, reinterpret_cast<char*>(buffer.get()) + bytesRead, capacity - bytesRead);
+        const unsigned got =
+            stream.Read(reinterpret_cast<char*>(buffer.get()) + bytesRead, capacity - bytesRead);
         if (got == 0)
             break;
         bytesRead += got;
@@ -75,27 +74,45 @@ std::unique_ptr<Unit[]> ReadInChunks(IXStream& stream, const VariantReading& rea
 // as past 4 GiB): the buffer grows with what arrives, so a damaged count never
 // makes the reader allocate more than the stream holds.
 template <class Unit>
-Unit* ReadCounted(IXStream& stream, const VariantReading& reading, ULONG byteCount,
-                  ULONG& bytesRead) {
+Unit* ReadCounted(IXStream& stream, ULONG byteCount, ULONG& bytesRead) {
     const std::optional<ULONG> remaining = Remaining(stream);
     std::unique_ptr<Unit[]> buffer;
     if (remaining && *remaining >= byteCount) {
         buffer.reset(new Unit[UnitsFor<Unit>(byteCount)]);
-        bytesRead = reading.countedRead(stream, buffer.get(), byteCount);
+        bytesRead = stream.Read(buffer.get(), byteCount);
     } else {
-        buffer = ReadInChunks<Unit>(stream, reading, byteCount, bytesRead);
+        buffer = ReadInChunks<Unit>(stream, byteCount, bytesRead);
     }
     return Terminated(std::move(buffer), bytesRead);
 }
 
-ULONG ReadLengthWord(IXStream& stream, const VariantReading& reading) {
-    ULONG length = 0;
-    reading.countedRead(stream, &length, sizeof length);  // stays 0 at the end of the stream
-    return length;
+// A text or blob payload: its bytes with a zero unit behind them, their
+// size, and whether the read gave anything.
+template <class Unit>
+struct Payload {
+    Unit* units;  // array-new, for the variant to own
+    ULONG size;
+    bool anything;
+};
+
+template <class Unit>
+Payload<Unit> ReadPayload(IXStream& stream, ReadAnswer answer, ULONG byteCount) {
+    if (answer == ReadAnswer::kAllOrNothing) {
+        // Such a Read can not tell how much came: the payload is as long as
+        // its length word, and zero-filled, so text ends at its terminator.
+        std::unique_ptr<Unit[]> units(new Unit[UnitsFor<Unit>(byteCount)]());
+        const bool all = stream.Read(units.get(), byteCount) != 0;
+        return {units.release(), byteCount, all};
+    }
+    ULONG bytesRead = 0;
+    Unit* units = ReadCounted<Unit>(stream, byteCount, bytesRead);
+    return {units, bytesRead, bytesRead != 0};
 }
 
-unsigned ReadOfTheStream(IXStream& stream, void* buffer, unsigned size) {
-    return stream.Read(buffer, size);
+ULONG ReadLengthWord(IXStream& stream) {
+    ULONG length = 0;
+    stream.Read(&length, sizeof length);  // stays 0 at the end of the stream
+    return length;
 }
 
 // A null text is stored as the empty text: the stored form always carries a
@@ -173,37 +190,37 @@ void WriteStoredVariant(IXStream& stream, const tagKTVARIANT* value) {
     }
 }
 
-int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value) {
-    return ReadStoredVariant(stream, value, VariantReading{ReadOfTheStream, KTVT_WSTR});
-}
-
-int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value, const VariantReading& reading) {
+int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value, ReadAnswer answer,
+                      unsigned short lastKind) {
     KTVariantClear(value);
-    reading.countedRead(stream, &value->vt, sizeof value->vt);  // stays 0 at the end of the stream
-    if (value->vt > reading.lastKind)
+    stream.Read(&value->vt, sizeof value->vt);  // stays 0 at the end of the stream
+    if (value->vt > lastKind)
         ThrowStreamError(stream, XE_BAD_DATA, XFILEOP_READ_WRITE);
-    ULONG bytesRead = 0;
     switch (value->vt) {
     case KTVT_OBJECT:
         return ReadObjectFromXStream(&stream, &value->punkVal);
-    case KTVT_STR:
-        value->pszVal =
-            ReadCounted<char>(stream, reading, ReadLengthWord(stream, reading), bytesRead);
-        return bytesRead != 0;
-    case KTVT_WSTR:
-        value->pwszVal =
-            ReadCounted<KTWCHAR>(stream, reading, ReadLengthWord(stream, reading), bytesRead);
-        return bytesRead != 0;
+    case KTVT_STR: {
+        const Payload<char> text = ReadPayload<char>(stream, answer, ReadLengthWord(stream));
+        value->pszVal = text.units;
+        return text.anything;
+    }
+    case KTVT_WSTR: {
+        const Payload<KTWCHAR> text = ReadPayload<KTWCHAR>(stream, answer, ReadLengthWord(stream));
+        value->pwszVal = text.units;
+        return text.anything;
+    }
     case KTVT_BLOB: {
+        // Cut short on a stream that counts, the blob is as long as what
+        // arrived: zeros up to the stored size would be memory that a
+        // damaged length word asks for.
         const ULONG size = stream.ReadDWord();
-        // Cut short, the blob is as long as what arrived: zeros up to the
-        // stored size would be memory that a damaged length word asks for.
-        value->blobVal.data = ReadCounted<unsigned char>(stream, reading, size, bytesRead);
-        value->blobVal.size = bytesRead;
-        return bytesRead != 0;
+        const Payload<unsigned char> blob = ReadPayload<unsigned char>(stream, answer, size);
+        value->blobVal.data = blob.units;
+        value->blobVal.size = blob.size;
+        return blob.anything;
     }
     default:
-        return reading.countedRead(stream, &value->bVal, StoredScalarSize(value->vt)) != 0;
+        return stream.Read(&value->bVal, StoredScalarSize(value->vt)) != 0;
     }
 }
 

@@ -58,7 +58,7 @@ IXStorage* NewScratchStorage() { return new_Storage(nullptr, 0); }
 
 int main() {
     PatientSink sink;
-    kt::bench::PrintRatioHeader();
+    kt::bench::PrintRatioHeader("ms");
     const kt::bench::PairOfFigures figures = kt::bench::NanosecondsPerCallInTurn(
         [&] {
             IXStorage* storage = NewScratchStorage();
@@ -74,7 +74,7 @@ int main() {
             storage->Release();
         },
         1, 101);
-    kt::bench::PrintRatio("Document save (ms)", "plain storage", figures.ours / 1e6,
+    kt::bench::PrintRatio("Document save", "plain storage", figures.ours / 1e6,
                           figures.theirs / 1e6);
     return 0;
 }

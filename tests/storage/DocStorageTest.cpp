@@ -46,59 +46,65 @@ public:
     std::vector<std::pair<int, int>> ranges;
 };
 
+// What `object` answers for I, with its reference; null for a miss.
+template <class I>
+Ref<I> Query(IKTUnknown* object) {
+    void* found = nullptr;
+    object->QueryInterface(typeid(I), &found);
+    return Ref<I>(static_cast<I*>(found));
+}
+
 StorageRef DocumentOver(IXStorage* storage, StoppingSink& sink, int flags = 0) {
     IXStorage* document = nullptr;
     EXPECT_EQ(new_CIXDocStorage(storage, &sink, &document, flags), 1);
     return StorageRef(document);
 }
 
-// One stream call of a save: whether it asks the sink, the bytes it adds,
-// and whether they are in the stream when the sink stops the call.
+// One stream call of a save: whether it asks the sink, and whether it has
+// been done when the sink stops it.
 struct Call {
-    const char* name;
     bool asks;
-    unsigned bytes;
     bool doneWhenStopped;
     void (*run)(IXStream*);
 };
 
 const Call kStreamCalls[] = {
-    {"WriteDWord", true, 4, false, [](IXStream* s) { s->WriteDWord(7); }},
-    {"WriteString", true, 6, false, [](IXStream* s) { s->WriteString("title"); }},
-    {"Write", true, 16, true, [](IXStream* s) { s->Write("sixteen bytes...", 16); }},
-    {"WriteVariant", true, 10, false,
+    {true, false, [](IXStream* s) { s->WriteDWord(7); }},
+    {true, false, [](IXStream* s) { s->WriteString("title"); }},
+    {true, true, [](IXStream* s) { s->Write("sixteen bytes...", 16); }},
+    {true, false,
      [](IXStream* s) {
          const CKTVariant text("abc");
          s->WriteVariant(&text);
      }},
-    {"WriteWord", true, 2, false, [](IXStream* s) { s->WriteWord(2); }},
-    {"WriteByte", true, 1, false, [](IXStream* s) { s->WriteByte(1); }},
-    {"WriteDouble", true, 8, false, [](IXStream* s) { s->WriteDouble(0.5); }},
-    {"WriteStringW", true, 6, false, [](IXStream* s) { s->WriteStringW(KTW("ab")); }},
-    {"GetPosition", false, 0, false, [](IXStream* s) { s->GetPosition(); }},
-    {"GetLength", false, 0, false, [](IXStream* s) { s->GetLength(); }},
-    {"GetName", false, 0, false, [](IXStream* s) { s->GetName(); }},
-    {"Seek", true, 0, true, [](IXStream* s) { s->Seek(0, 0); }},
-    {"ReadDWord", true, 0, true, [](IXStream* s) { s->ReadDWord(); }},
-    {"ReadLine", true, 0, true,
+    {true, false, [](IXStream* s) { s->WriteWord(2); }},
+    {true, false, [](IXStream* s) { s->WriteByte(1); }},
+    {true, false, [](IXStream* s) { s->WriteDouble(0.5); }},
+    {true, false, [](IXStream* s) { s->WriteStringW(KTW("ab")); }},
+    {false, false, [](IXStream* s) { s->GetPosition(); }},
+    {false, false, [](IXStream* s) { s->GetLength(); }},
+    {false, false, [](IXStream* s) { s->GetName(); }},
+    {true, true, [](IXStream* s) { s->Seek(0, 0); }},
+    {true, true, [](IXStream* s) { s->ReadDWord(); }},
+    {true, true,
      [](IXStream* s) {
          char line[16];
          s->ReadLine(line, 14);
      }},
-    {"Read", true, 0, true,
+    {true, true,
      [](IXStream* s) {
          char bytes[16];
          s->Read(bytes, sizeof bytes);
      }},
-    {"ReadVariant", true, 0, true,
+    {true, true,
      [](IXStream* s) {
          CKTVariant read;
          s->ReadVariant(&read);
      }},
-    {"ReadWord", true, 0, true, [](IXStream* s) { s->ReadWord(); }},
-    {"ReadByte", true, 0, true, [](IXStream* s) { s->ReadByte(); }},
-    {"ReadDouble", true, 0, true, [](IXStream* s) { s->ReadDouble(); }},
-    {"ReadLineW", true, 0, true,
+    {true, true, [](IXStream* s) { s->ReadWord(); }},
+    {true, true, [](IXStream* s) { s->ReadByte(); }},
+    {true, true, [](IXStream* s) { s->ReadDouble(); }},
+    {true, true,
      [](IXStream* s) {
          KTWCHAR line[8];
          s->ReadLineW(line, 6);
@@ -106,19 +112,36 @@ const Call kStreamCalls[] = {
 };
 constexpr int kDocumentStreams = 3;
 
+// Where a save stopped: the calls that asked the sink, counted as they
+// start, and the position of the stream whose call was stopped.
+struct Stop {
+    int asking = 0;
+    unsigned position = 0;
+};
+
 // Saves a document as a host does, knowing nothing of the sink: a stream at
-// the top, one in a sub-storage and one below that. `asking` counts the calls
-// that ask the sink, as they start.
-void SaveDocument(IXStorage* document, int& asking) {
+// the top, one in a sub-storage and one below that. On a plain storage a
+// `plainStopAt` other than 0 plays a sink that stops at that question: the
+// call that asked it runs only if a stopped call is done, then the save stops.
+void SaveDocument(IXStorage* top, Stop& stop, int plainStopAt = 0) {
     const auto fill = [&](IXStorage* storage, const char* name) {
         Ref<IXStream> stream(storage->CreateStream(name));
-        for (const Call& call : kStreamCalls) {
-            asking += call.asks;
-            call.run(stream.get());
+        try {
+            for (const Call& call : kStreamCalls) {
+                stop.asking += call.asks;
+                const bool stopsHere = call.asks && stop.asking == plainStopAt;
+                if (!stopsHere || call.doneWhenStopped)
+                    call.run(stream.get());
+                if (stopsHere)
+                    throw CXException(XE_CANCELLED);
+            }
+        } catch (const CXException&) {
+            stop.position = stream->GetPosition();
+            throw;
         }
     };
-    fill(document, "header");
-    StorageRef pages(document->CreateStorage("pages"));
+    fill(top, "header");
+    StorageRef pages(top->CreateStorage("pages"));
     fill(pages.get(), "page");
     StorageRef figures(pages->CreateStorage("figures"));
     fill(figures.get(), "figure");
@@ -129,21 +152,6 @@ int QuestionsOfASave() {
     for (const Call& call : kStreamCalls)
         questions += call.asks;
     return questions * kDocumentStreams;
-}
-
-// The bytes of a save that the sink stops at its `stopAt`-th question.
-unsigned BytesSavedUntil(int stopAt) {
-    unsigned bytes = 0;
-    int questions = 0;
-    for (int stream = 0; stream < kDocumentStreams; ++stream) {
-        for (const Call& call : kStreamCalls) {
-            questions += call.asks;
-            if (questions == stopAt && call.asks)
-                return bytes + (call.doneWhenStopped ? call.bytes : 0);
-            bytes += call.bytes;
-        }
-    }
-    return bytes;
 }
 
 // Every stream by its path, with its content.
@@ -160,69 +168,62 @@ Contents ContentsOf(IXStorage* storage) {
     Collect(storage, "", contents);
     return contents;
 }
-unsigned BytesIn(const Contents& contents) {
-    unsigned bytes = 0;
-    for (const auto& stream : contents)
-        bytes += static_cast<unsigned>(stream.second.size());
-    return bytes;
-}
-
-// Saves with a sink that stops at `stopAt`; the questions the sink was asked
-// before the stop came out of a stream call, which must be the call that
-// asked last. 0 when the save ran through.
-int StoppedSave(IXStorage* storage, int stopAt) {
+// Saves with a sink that stops at `stopAt` (0: never). The stop must come out
+// of the call that asked last.
+Stop StoppedSave(IXStorage* storage, int stopAt) {
     StoppingSink sink(stopAt);
-    int asking = 0;
-    {
-        StorageRef document = DocumentOver(storage, sink);
-        try {
-            SaveDocument(document.get(), asking);
-        } catch (const CXException& stop) {
-            EXPECT_EQ(stop.code, XE_CANCELLED);
-            EXPECT_EQ(asking, sink.questions)
-                << "the stop came from another call than the one that asked";
-        }
+    Stop stop;
+    try {
+        SaveDocument(DocumentOver(storage, sink).get(), stop);
+    } catch (const CXException& cancel) {
+        EXPECT_EQ(cancel.code, XE_CANCELLED);
     }
+    EXPECT_EQ(stop.asking, sink.questions)
+        << "the stop came from another call than the one that asked";
     EXPECT_EQ(sink.refs, 1u) << "the document let its sink go";
-    return sink.questions;
+    return stop;
 }
 
+// A stopped call leaves its stream as the call would on a plain storage:
+// reads, Write and Seek done, typed writes not.
 TEST(DocumentStorage, EveryStopComesFromTheCallThatAskedWithWhatThatCallPromised) {
-    const int total = QuestionsOfASave();
-    for (int stopAt = 1; stopAt <= total + 1; ++stopAt) {
+    for (int stopAt = 1; stopAt <= QuestionsOfASave() + 1; ++stopAt) {
         SCOPED_TRACE("stop at question " + std::to_string(stopAt));
-        StorageRef storage(new_Storage(nullptr, 0));
-        EXPECT_EQ(StoppedSave(storage.get(), stopAt), std::min(stopAt, total));
-        EXPECT_EQ(BytesIn(ContentsOf(storage.get())), BytesSavedUntil(stopAt));
+        StorageRef storage(new_Storage(nullptr, 0)), plain(new_Storage(nullptr, 0));
+        const Stop stopped = StoppedSave(storage.get(), stopAt);
+        Stop expected;
+        try {
+            SaveDocument(plain.get(), expected, stopAt);
+        } catch (const CXException&) {
+        }
+        EXPECT_EQ(stopped.asking, expected.asking);
+        EXPECT_EQ(stopped.position, expected.position);
+        EXPECT_EQ(ContentsOf(storage.get()), ContentsOf(plain.get()));
     }
 }
 
+// Nothing is undone: a host that reverts its transacted storage after a stop
+// keeps the old document on disk, wherever the save stopped.
 TEST(DocumentStorage, AStoppedSaveRevertedLeavesTheOldDocumentOnDisk) {
     ScratchDirectory directory;
     const WideString path = directory / KTW("document.stg");
     {
         StorageRef old(new_Storage(path.c_str(), 0));
-        kt::test::WriteText(old.get(), "header", "old header");
         kt::test::WriteText(StorageRef(old->CreateStorage("pages")).get(), "page", "old page");
     }
-    const Contents oldDocument = ContentsOf(StorageRef(open_Storage(path.c_str(), 1)).get());
-    const int total = QuestionsOfASave();
-    for (int stopAt = 1; stopAt <= total; ++stopAt) {
+    const auto onDisk = [&] { return ContentsOf(StorageRef(open_Storage(path.c_str(), 1)).get()); };
+    const Contents oldDocument = onDisk();
+    const int stopInTheTopStream = 3, stopInTheDeepestStream = QuestionsOfASave();
+    for (int stopAt : {stopInTheTopStream, stopInTheDeepestStream}) {
         SCOPED_TRACE("stop at question " + std::to_string(stopAt));
-        {
-            StorageRef storage(open_Storage(path.c_str(), 0));
-            StoppedSave(storage.get(), stopAt);
-            static_cast<CStorage*>(storage.get())->Revert();
-        }
-        EXPECT_EQ(ContentsOf(StorageRef(open_Storage(path.c_str(), 1)).get()), oldDocument);
-    }
-    {
         StorageRef storage(open_Storage(path.c_str(), 0));
-        EXPECT_EQ(StoppedSave(storage.get(), 0), total);
+        StoppedSave(storage.get(), stopAt);
+        static_cast<CStorage*>(storage.get())->Revert();
+        storage.reset();
+        EXPECT_EQ(onDisk(), oldDocument);
     }
-    const Contents saved = ContentsOf(StorageRef(open_Storage(path.c_str(), 1)).get());
-    EXPECT_EQ(BytesIn(saved), BytesSavedUntil(0));
-    EXPECT_EQ(saved.count("pages/figures/figure"), 1u);
+    StoppedSave(StorageRef(open_Storage(path.c_str(), 0)).get(), 0);
+    EXPECT_EQ(onDisk().count("pages/figures/figure"), 1u);  // the same path does keep a save
 }
 
 TEST(DocumentStorage, AStoppedStreamStaysUsable) {
@@ -256,9 +257,8 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
     EXPECT_EQ(figures->OpenStream("missing"), nullptr);
     EXPECT_THROW(figures->OpenStorage("missing"), CXFileException);
 
-    void* found = nullptr;
-    ASSERT_EQ(stream->QueryInterface(typeid(IDocStrorageInfo), &found), 1);
-    Ref<IDocStrorageInfo> info(static_cast<IDocStrorageInfo*>(found));
+    Ref<IDocStrorageInfo> info = Query<IDocStrorageInfo>(stream.get());
+    ASSERT_NE(info, nullptr);
     IXStorage* docStorage = nullptr;
     IXStorage* baseStorage = nullptr;
     IXStream* baseStream = nullptr;
@@ -277,13 +277,8 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
 
     // The queries of a document stream, in the order it answers them.
     Ref<CCounted> attached(new CCounted);
-    EXPECT_EQ(Ref<IRegisterIface>([&] {
-                  void* registry = nullptr;
-                  stream->QueryInterface(typeid(IRegisterIface), &registry);
-                  return static_cast<IRegisterIface*>(registry);
-              }())
-                  ->RegisterInterface(attached.get(), typeid(IParam), 1),
-              1);
+    Ref<IRegisterIface> table = Query<IRegisterIface>(stream.get());
+    EXPECT_EQ(table->RegisterInterface(attached.get(), typeid(IParam), 1), 1);
     struct Query {
         const type_info& type;
         const void* answer;  // null: a miss
@@ -298,7 +293,7 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
     };
     for (const Query& query : queries) {
         SCOPED_TRACE(query.type.name());
-        void* answer = &found;
+        void* answer = &table;
         EXPECT_EQ(stream->QueryInterface(query.type, &answer), query.answer != nullptr);
         EXPECT_EQ(answer, query.answer);
         if (answer != nullptr)
@@ -307,6 +302,12 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
     }
     EXPECT_EQ(stream->QueryInterface(typeid(IDocStrorageInfo), nullptr), 1);
     EXPECT_EQ(attached->References(), 2u);
+    EXPECT_EQ(table->RegisterInterface(nullptr, typeid(IParam), 0), 1);  // removes it
+    void* removed = &table;
+    EXPECT_EQ(stream->QueryInterface(typeid(IParam), &removed), 0);
+    EXPECT_EQ(removed, nullptr);
+    // Entered again, it must go with the stream; a leak of the removal shows too.
+    table->RegisterInterface(attached.get(), typeid(IParam), 1);
     void* fromDocument = nullptr;
     EXPECT_EQ(document->QueryInterface(typeid(KTIFC::IProgress), &fromDocument), 1);
     EXPECT_EQ(fromDocument, &sink);
@@ -317,6 +318,7 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
     // document gone it still asks the one sink. (The platform's stream needs
     // its own storage open.)
     info.reset();
+    table.reset();
     document.reset();
     pages.reset();
     stream->WriteByte(1);
@@ -338,11 +340,7 @@ TEST(DocumentStorage, AStreamMadeOverAnyDocumentStorageAsksItsSink) {
     Ref<IXStream> stream(made);
     stream->WriteDWord(1);
     EXPECT_EQ(sink.questions, 1);
-    Ref<IDocStrorageInfo> info([&] {
-        void* found = nullptr;
-        stream->QueryInterface(typeid(IDocStrorageInfo), &found);
-        return static_cast<IDocStrorageInfo*>(found);
-    }());
+    Ref<IDocStrorageInfo> info = Query<IDocStrorageInfo>(stream.get());
     IXStorage* named = nullptr;
     info->GetDocStorage(&named);
     EXPECT_EQ(named, pages.get());

@@ -37,8 +37,10 @@ public:
         position->QuadPart = 0;
         return seekStatus;
     }
-    HRESULT STDMETHODCALLTYPE Commit(DWORD) override {
+    HRESULT STDMETHODCALLTYPE Commit(DWORD flags) override {
         ++commits;
+        commitFlags = flags;
+        refsAtCommit = refs;
         return commitStatus;
     }
 #if defined(_WIN32)
@@ -56,6 +58,8 @@ public:
 #endif
     ULONG refs = 1;
     int commits = 0;
+    DWORD commitFlags = ~0u;  // those of the last commit
+    ULONG refsAtCommit = 0;
     std::int64_t lastMove = 0;  // what the last Seek was asked for
     DWORD lastOrigin = 0;
 

@@ -74,7 +74,10 @@ KTCORE_API IXStream* new_EmptyStream();
 // more reference and is put at its start; it is committed when the stream
 // goes. This stream throws nothing of what the OLE stream reports: Read
 // answers 1 when all of it came and 0 otherwise, the position and the length
-// read as 0, and a wide text is stored as its kind alone.
+// read as 0, and a wide text is stored as its kind alone. A null `oleStream`
+// throws CXIFaceException; after that only ReadVariant throws: a stored wide
+// text or a higher kind is CXFileException XE_BAD_DATA, and a stored object
+// throws what reading objects throws.
 KTCORE_API IXStream* new_StreamByOleStream(void* oleStream);
 // The IStream* under a stream over an OLE stream (one that a storage gave or
 // new_StreamByOleStream made), with a reference for the caller; null for
