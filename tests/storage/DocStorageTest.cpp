@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -46,9 +47,17 @@ public:
     std::vector<std::pair<int, int>> ranges;
 };
 
+// What `info` gives through `get`, with its reference.
+template <class I>
+Ref<I> Given(IDocStrorageInfo* info, int (IDocStrorageInfo::*get)(I**)) {
+    I* object = nullptr;
+    EXPECT_EQ((info->*get)(&object), 1);
+    return Ref<I>(object);
+}
+
 // What `object` answers for I, with its reference; null for a miss.
 template <class I>
-Ref<I> Query(IKTUnknown* object) {
+Ref<I> Answer(IKTUnknown* object) {
     void* found = nullptr;
     object->QueryInterface(typeid(I), &found);
     return Ref<I>(static_cast<I*>(found));
@@ -68,15 +77,14 @@ struct Call {
     void (*run)(IXStream*);
 };
 
+const CKTVariant kStoredText("abc");
+
+// Reads go into scratch buffers that live as long as the call.
 const Call kStreamCalls[] = {
     {true, false, [](IXStream* s) { s->WriteDWord(7); }},
     {true, false, [](IXStream* s) { s->WriteString("title"); }},
     {true, true, [](IXStream* s) { s->Write("sixteen bytes...", 16); }},
-    {true, false,
-     [](IXStream* s) {
-         const CKTVariant text("abc");
-         s->WriteVariant(&text);
-     }},
+    {true, false, [](IXStream* s) { s->WriteVariant(&kStoredText); }},
     {true, false, [](IXStream* s) { s->WriteWord(2); }},
     {true, false, [](IXStream* s) { s->WriteByte(1); }},
     {true, false, [](IXStream* s) { s->WriteDouble(0.5); }},
@@ -86,29 +94,13 @@ const Call kStreamCalls[] = {
     {false, false, [](IXStream* s) { s->GetName(); }},
     {true, true, [](IXStream* s) { s->Seek(0, 0); }},
     {true, true, [](IXStream* s) { s->ReadDWord(); }},
-    {true, true,
-     [](IXStream* s) {
-         char line[16];
-         s->ReadLine(line, 14);
-     }},
-    {true, true,
-     [](IXStream* s) {
-         char bytes[16];
-         s->Read(bytes, sizeof bytes);
-     }},
-    {true, true,
-     [](IXStream* s) {
-         CKTVariant read;
-         s->ReadVariant(&read);
-     }},
+    {true, true, [](IXStream* s) { s->ReadLine(std::string(16, '\0').data(), 14); }},
+    {true, true, [](IXStream* s) { s->Read(std::string(16, '\0').data(), 16); }},
+    {true, true, [](IXStream* s) { s->ReadVariant(std::make_unique<CKTVariant>().get()); }},
     {true, true, [](IXStream* s) { s->ReadWord(); }},
     {true, true, [](IXStream* s) { s->ReadByte(); }},
     {true, true, [](IXStream* s) { s->ReadDouble(); }},
-    {true, true,
-     [](IXStream* s) {
-         KTWCHAR line[8];
-         s->ReadLineW(line, 6);
-     }},
+    {true, true, [](IXStream* s) { s->ReadLineW(std::basic_string<KTWCHAR>(8, 0).data(), 6); }},
 };
 constexpr int kDocumentStreams = 3;
 
@@ -257,27 +249,19 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
     EXPECT_EQ(figures->OpenStream("missing"), nullptr);
     EXPECT_THROW(figures->OpenStorage("missing"), CXFileException);
 
-    Ref<IDocStrorageInfo> info = Query<IDocStrorageInfo>(stream.get());
+    Ref<IDocStrorageInfo> info = Answer<IDocStrorageInfo>(stream.get());
     ASSERT_NE(info, nullptr);
-    IXStorage* docStorage = nullptr;
-    IXStorage* baseStorage = nullptr;
-    IXStream* baseStream = nullptr;
-    EXPECT_EQ(info->GetDocStorage(&docStorage), 1);
-    EXPECT_EQ(info->GetBaseStorage(&baseStorage), 1);
-    EXPECT_EQ(info->GetBaseStream(&baseStream), 1);
-    EXPECT_EQ(docStorage, document.get());
-    EXPECT_EQ(baseStorage, storage.get());
+    EXPECT_EQ(Given(info.get(), &IDocStrorageInfo::GetDocStorage).get(), document.get());
+    EXPECT_EQ(Given(info.get(), &IDocStrorageInfo::GetBaseStorage).get(), storage.get());
+    Ref<IXStream> baseStream = Given(info.get(), &IDocStrorageInfo::GetBaseStream);
     EXPECT_STREQ(baseStream->GetName(), "figure");
     EXPECT_EQ(baseStream->QueryInterface(typeid(IDocStrorageInfo), nullptr), 0);
-    for (IKTUnknown* given :
-         std::initializer_list<IKTUnknown*>{docStorage, baseStorage, baseStream})
-        given->Release();
     EXPECT_EQ(info->GetFlags(), kFlags);
     EXPECT_EQ(info->SetDocStorage() + info->SetBaseStorage() + info->SetBaseStream(), 0);
 
     // The queries of a document stream, in the order it answers them.
     Ref<CCounted> attached(new CCounted);
-    Ref<IRegisterIface> table = Query<IRegisterIface>(stream.get());
+    Ref<IRegisterIface> table = Answer<IRegisterIface>(stream.get());
     EXPECT_EQ(table->RegisterInterface(attached.get(), typeid(IParam), 1), 1);
     struct Query {
         const type_info& type;
@@ -308,17 +292,15 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
     EXPECT_EQ(removed, nullptr);
     // Entered again, it must go with the stream; a leak of the removal shows too.
     table->RegisterInterface(attached.get(), typeid(IParam), 1);
-    void* fromDocument = nullptr;
-    EXPECT_EQ(document->QueryInterface(typeid(KTIFC::IProgress), &fromDocument), 1);
-    EXPECT_EQ(fromDocument, &sink);
-    sink.Release();
-    EXPECT_EQ(document->QueryInterface(typeid(IParam), &fromDocument), 0);
+    EXPECT_EQ(Answer<KTIFC::IProgress>(document.get()).get(), &sink);
+    EXPECT_EQ(Answer<IParam>(document.get()), nullptr);
 
     // The stream holds its document: with the host's references to the
     // document gone it still asks the one sink. (The platform's stream needs
     // its own storage open.)
     info.reset();
     table.reset();
+    baseStream.reset();
     document.reset();
     pages.reset();
     stream->WriteByte(1);
@@ -340,11 +322,8 @@ TEST(DocumentStorage, AStreamMadeOverAnyDocumentStorageAsksItsSink) {
     Ref<IXStream> stream(made);
     stream->WriteDWord(1);
     EXPECT_EQ(sink.questions, 1);
-    Ref<IDocStrorageInfo> info = Query<IDocStrorageInfo>(stream.get());
-    IXStorage* named = nullptr;
-    info->GetDocStorage(&named);
-    EXPECT_EQ(named, pages.get());
-    named->Release();
+    Ref<IDocStrorageInfo> info = Answer<IDocStrorageInfo>(stream.get());
+    EXPECT_EQ(Given(info.get(), &IDocStrorageInfo::GetDocStorage).get(), pages.get());
     EXPECT_EQ(info->GetFlags(), 9);
 
     // Bad arguments are refused, not taken on trust.
