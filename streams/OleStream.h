@@ -22,6 +22,8 @@ public:
     unsigned GetLength() override;
     const char* GetName() override { return name; }
 
+    IStream* OleStream() const { return stream; }
+
 private:
     std::uint64_t SeekTo(std::int64_t offset, DWORD origin);
 

@@ -86,6 +86,29 @@ Unit* ReadCounted(IXStream& stream, ULONG byteCount, ULONG& bytesRead) {
     return Terminated(std::move(buffer), bytesRead);
 }
 
+// A text or blob payload: its bytes with a zero unit behind them, their
+// size, and whether the read gave anything.
+template <class Unit>
+struct Payload {
+    Unit* units;  // array-new, for the variant to own
+    ULONG size;
+    bool anything;
+};
+
+template <class Unit>
+Payload<Unit> ReadPayload(IXStream& stream, ReadAnswer answer, ULONG byteCount) {
+    if (answer == ReadAnswer::kAllOrNothing) {
+        // Such a Read can not tell how much came: the payload is as long as
+        // its length word, and zero-filled, so text ends at its terminator.
+        std::unique_ptr<Unit[]> units(new Unit[UnitsFor<Unit>(byteCount)]());
+        const bool all = stream.Read(units.get(), byteCount) != 0;
+        return {units.release(), byteCount, all};
+    }
+    ULONG bytesRead = 0;
+    Unit* units = ReadCounted<Unit>(stream, byteCount, bytesRead);
+    return {units, bytesRead, bytesRead != 0};
+}
+
 ULONG ReadLengthWord(IXStream& stream) {
     ULONG length = 0;
     stream.Read(&length, sizeof length);  // stays 0 at the end of the stream
@@ -167,28 +190,34 @@ void WriteStoredVariant(IXStream& stream, const tagKTVARIANT* value) {
     }
 }
 
-int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value) {
+int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value, ReadAnswer answer,
+                      unsigned short lastKind) {
     KTVariantClear(value);
     stream.Read(&value->vt, sizeof value->vt);  // stays 0 at the end of the stream
-    if (value->vt > KTVT_WSTR)
+    if (value->vt > lastKind)
         ThrowStreamError(stream, XE_BAD_DATA, XFILEOP_READ_WRITE);
-    ULONG bytesRead = 0;
     switch (value->vt) {
     case KTVT_OBJECT:
         return ReadObjectFromXStream(&stream, &value->punkVal);
-    case KTVT_STR:
-        value->pszVal = ReadCounted<char>(stream, ReadLengthWord(stream), bytesRead);
-        return bytesRead != 0;
-    case KTVT_WSTR:
-        value->pwszVal = ReadCounted<KTWCHAR>(stream, ReadLengthWord(stream), bytesRead);
-        return bytesRead != 0;
+    case KTVT_STR: {
+        const Payload<char> text = ReadPayload<char>(stream, answer, ReadLengthWord(stream));
+        value->pszVal = text.units;
+        return text.anything;
+    }
+    case KTVT_WSTR: {
+        const Payload<KTWCHAR> text = ReadPayload<KTWCHAR>(stream, answer, ReadLengthWord(stream));
+        value->pwszVal = text.units;
+        return text.anything;
+    }
     case KTVT_BLOB: {
+        // Cut short on a stream that counts, the blob is as long as what
+        // arrived: zeros up to the stored size would be memory that a
+        // damaged length word asks for.
         const ULONG size = stream.ReadDWord();
-        // Cut short, the blob is as long as what arrived: zeros up to the
-        // stored size would be memory that a damaged length word asks for.
-        value->blobVal.data = ReadCounted<unsigned char>(stream, size, bytesRead);
-        value->blobVal.size = bytesRead;
-        return bytesRead != 0;
+        const Payload<unsigned char> blob = ReadPayload<unsigned char>(stream, answer, size);
+        value->blobVal.data = blob.units;
+        value->blobVal.size = blob.size;
+        return blob.anything;
     }
     default:
         return stream.Read(&value->bVal, StoredScalarSize(value->vt)) != 0;

@@ -14,9 +14,19 @@ unsigned StoredScalarSize(unsigned short kind);
 
 void WriteStoredVariant(IXStream& stream, const tagKTVARIANT* value);
 
-// 0 when nothing was there to read. A damaged count never makes the reader
-// allocate more than the stream holds: a text or blob cut short holds what
-// was there, and the blob's size is the number of bytes that came.
-int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value);
+// How a stream's own Read answers: with the bytes that came, or only
+// whether all of them came (a bridge over a host's stream).
+enum class ReadAnswer { kByteCount, kAllOrNothing };
+
+// 0 when nothing was there to read; a reader whose Read answers all or
+// nothing also gives 0 for a payload cut short, and takes the text and blob
+// payloads as long as their length words say, zeros where nothing came.
+// Otherwise a damaged count never makes the reader allocate more than the
+// stream holds: a text or blob cut short holds what was there, and the
+// blob's size is the number of bytes that came. A kind above `lastKind` is
+// bad data.
+int ReadStoredVariant(IXStream& stream, tagKTVARIANT* value,
+                      ReadAnswer answer = ReadAnswer::kByteCount,
+                      unsigned short lastKind = KTVT_WSTR);
 
 }  // namespace kt

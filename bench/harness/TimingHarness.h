@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <string>
 
 namespace kt::bench {
 
@@ -45,8 +46,11 @@ PairOfFigures NanosecondsPerCallInTurn(Ours&& ours, Theirs&& theirs, long iterat
     return best;
 }
 
-inline void PrintRatioHeader() {
-    std::printf("%-28s %-16s %12s %12s %8s\n", "case", "peer", "kticore ns", "peer ns", "ratio");
+// `unit` names the unit of the figures that PrintRatio is given.
+inline void PrintRatioHeader(const char* unit = "ns") {
+    const std::string ours = std::string("kticore ") + unit, theirs = std::string("peer ") + unit;
+    std::printf("%-28s %-16s %12s %12s %8s\n", "case", "peer", ours.c_str(), theirs.c_str(),
+                "ratio");
 }
 
 inline void PrintRatio(const char* name, const char* peer, double ours, double theirs) {

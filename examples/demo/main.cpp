@@ -399,6 +399,85 @@ void FileOverFtp() {
         std::printf("   the download failed: code %d\n", failure.GetCode());
     }
 }
+
+// The host's progress sink: it says stop from its `stopAt`-th question on
+// (never with 0). It lives on the demo's stack, so counting does nothing.
+class CStopAtSink : public KTIFC::IProgress {
+public:
+    explicit CStopAtSink(int stopAt) : stopAt(stopAt) {}
+    ULONG AddRef() override { return 2; }
+    ULONG Release() override { return 1; }
+    int QueryInterface(const type_info&, void** out) override {
+        if (out != nullptr)
+            *out = nullptr;
+        return 0;
+    }
+    int IsCancelled() override { return ++questions >= stopAt && stopAt != 0; }
+    void SetRange(int low, int high) override { std::printf("   the sink's range: %d to %d\n", low, high); }
+
+    int stopAt;
+    int questions = 0;
+};
+
+// Four chapters of 25 lines, each chapter a sub-storage: the save knows
+// nothing of the sink, and a stop comes out of whichever stream call asked.
+bool SaveChapters(IXStorage* document) {
+    IXStorage* chapter = nullptr;
+    IXStream* text = nullptr;
+    try {
+        for (int number = 1; number <= 4; ++number) {
+            chapter = document->CreateStorage(("chapter " + std::to_string(number)).c_str());
+            text = chapter->CreateStream("text");
+            for (int line = 1; line <= 25; ++line)
+                text->WriteString(("line " + std::to_string(line) + "\n").c_str());
+            text->Release();
+            text = nullptr;
+            chapter->Release();
+            chapter = nullptr;
+        }
+        return true;
+    } catch (CXException& stop) {
+        std::printf("   the save stopped with code %d\n", stop.GetCode());
+        if (text != nullptr)
+            text->Release();
+        if (chapter != nullptr)
+            chapter->Release();
+        return false;
+    }
+}
+
+int ChaptersIn(const KTWCHAR* name) {
+    IXStorage* file = open_Storage(name, 1);
+    CTEnum<const char*>* chapters = file->EnumStorages();
+    const char* chapter = nullptr;
+    int count = 0;
+    while (chapters->Next(1, &chapter, nullptr))
+        ++count;
+    chapters->Release();
+    file->Release();
+    return count;
+}
+
+void CancellableDocument() {
+    Step("A document save that the host's progress sink stops halfway, then a whole one");
+    const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
+    const std::basic_string<KTWCHAR> name = temporary + KTW(".doc");
+    for (const int stopAt : {50, 0}) {
+        CStopAtSink sink(stopAt);
+        IXStorage* file = new_Storage(name.c_str(), XSTG_TRANSACTED);
+        IXStorage* document = nullptr;
+        new_CIXDocStorage(file, &sink, &document, 0);
+        const bool saved = SaveChapters(document);
+        document->Release();
+        if (!saved)
+            static_cast<CStorage*>(file)->Revert();  // the stopped transaction goes
+        file->Release();
+        std::printf("   %s after %d questions; the file holds %d chapters\n",
+                    saved ? "saved" : "stopped", sink.questions, ChaptersIn(name.c_str()));
+    }
+    Fio_DeleteFile(name.c_str());
+    Fio_DeleteFile(temporary.c_str());
+}
 #endif
 
 std::basic_string<KTWCHAR> LeafOf(const std::basic_string<KTWCHAR>& path) {
@@ -876,6 +955,7 @@ int main() {
     Files();
 #if defined(_WIN32)
     CompoundStorages();
+    CancellableDocument();
     FileOverFtp();
     SummaryProperties();
 #endif

@@ -26,12 +26,11 @@
 #include "kticore/params/ParamTools.h"
 #include "kticore/streams/Stream.h"
 #if defined(_WIN32)
+#    include "kticore/params/RegistryParam.h"
 #    include "kticore/storage/CompoundStorage.h"
+#    include "kticore/storage/DocStorage.h"
 #    include "kticore/storage/Property.h"
 #    include "kticore/storage/Storage.h"
-#endif
-#if defined(_WIN32)
-#    include "kticore/params/RegistryParam.h"
 #endif
 #include "kticore/translation/DialogTemplates.h"
 #include "kticore/translation/Interception.h"

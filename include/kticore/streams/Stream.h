@@ -69,3 +69,17 @@ KTCORE_API IXStream* new_StreamOnMemory(KTIFC::IProgress* progress);
 
 // Swallows what is written and reads as zeros; never at its end.
 KTCORE_API IXStream* new_EmptyStream();
+
+// An IXStream over an OLE IStream of the host's (an IStream*), which gets one
+// more reference and is put at its start; it is committed when the stream
+// goes. This stream throws nothing of what the OLE stream reports: Read
+// answers 1 when all of it came and 0 otherwise, the position and the length
+// read as 0, and a wide text is stored as its kind alone. A null `oleStream`
+// throws CXIFaceException; after that only ReadVariant throws: a stored wide
+// text or a higher kind is CXFileException XE_BAD_DATA, and a stored object
+// throws what reading objects throws.
+KTCORE_API IXStream* new_StreamByOleStream(void* oleStream);
+// The IStream* under a stream over an OLE stream (one that a storage gave or
+// new_StreamByOleStream made), with a reference for the caller; null for
+// any other stream.
+KTCORE_API void* Stream_GetOLEStream(IXStream* stream);
