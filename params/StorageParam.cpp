@@ -30,7 +30,8 @@ struct FirstStep {
 
 // Removes from `storage` each element that `names` lists, taking over the
 // enumerator's reference.
-void DestroyEach(IXStorage* storage, CTEnum<const char*>* names, int (IXStorage::*destroy)(const char*)) {
+void DestroyEach(IXStorage* storage, CTEnum<const char*>* names,
+                 int (IXStorage::*destroy)(const char*)) {
     const Held<CTEnum<const char*>> held(names);
     const char* each = nullptr;
     while (names->Next(1, &each, nullptr))
@@ -64,14 +65,17 @@ ULONG CIXStorParam::Release() {
     return CKTUnknownImplParent::Release();
 }
 
-int CIXStorParam::QueryInterface(const type_info& type, void** out) { return registered.Answer(type, out); }
+int CIXStorParam::QueryInterface(const type_info& type, void** out) {
+    return registered.Answer(type, out);
+}
 
 int CIXStorParam::RegisterInterface(IKTUnknown* object, const type_info& type, int addRef) {
     return registered.Register(object, type, addRef);
 }
 
 template <class Next>
-IParam* CIXStorParam::Below(IXStorage* childStorage, const char* childName, const char* rest, Next next) {
+IParam* CIXStorParam::Below(IXStorage* childStorage, const char* childName, const char* rest,
+                            Next next) {
     const Held<IXStorage> held(childStorage);
     IParam* below = new CIXStorParam(childStorage, this, childName);
     if (rest == nullptr)
@@ -101,8 +105,9 @@ IParam* CIXStorParam::GetSection(const char* path, int create) {
                 return nullptr;
             found = storage->CreateStorage(step.name.c_str());
         }
-        return Below(found, step.name.c_str(), step.rest,
-                     [create](IParam* below, const char* rest) { return below->GetSection(rest, create); });
+        return Below(
+            found, step.name.c_str(), step.rest,
+            [create](IParam* below, const char* rest) { return below->GetSection(rest, create); });
     });
 }
 

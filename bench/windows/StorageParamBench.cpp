@@ -79,7 +79,8 @@ void ThroughTheTree(const Fixture& fixture, Tally& tally) {
     for (int s = 0; s < kSections; ++s) {
         IParam* section = root->GetSection(fixture.sectionNames[s].c_str(), 1);
         for (int v = 0; v < kValuesPerSection; ++v)
-            section->SetValue(fixture.valueNames[v].c_str(), &fixture.values[s * kValuesPerSection + v]);
+            section->SetValue(fixture.valueNames[v].c_str(),
+                              &fixture.values[s * kValuesPerSection + v]);
         section->Release();
     }
     root->Release();
@@ -118,17 +119,18 @@ void ThroughOle(const Fixture& fixture, Tally& tally) {
     }
     root->Release();
 
-    StgOpenStorage(fixture.path.c_str(), nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, nullptr, 0, &root);
+    StgOpenStorage(fixture.path.c_str(), nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, nullptr, 0,
+                   &root);
     tally = 0;
     char buffer[64];
     for (int s = 0; s < kSections; ++s) {
         IStorage* section = nullptr;
-        root->OpenStorage(fixture.wideSectionNames[s].c_str(), nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE,
-                          nullptr, 0, &section);
+        root->OpenStorage(fixture.wideSectionNames[s].c_str(), nullptr,
+                          STGM_READ | STGM_SHARE_EXCLUSIVE, nullptr, 0, &section);
         for (int v = 0; v < kValuesPerSection; ++v) {
             IStream* stream = nullptr;
-            section->OpenStream(fixture.wideValueNames[v].c_str(), nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE,
-                                0, &stream);
+            section->OpenStream(fixture.wideValueNames[v].c_str(), nullptr,
+                                STGM_READ | STGM_SHARE_EXCLUSIVE, 0, &stream);
             stream->Read(buffer, sizeof buffer, &moved);
             const std::string& bytes = fixture.storedForms[s * kValuesPerSection + v];
             tally += moved == bytes.size() && std::memcmp(buffer, bytes.data(), moved) == 0;
@@ -145,7 +147,7 @@ int main() {
     const Fixture fixture;
     Tally ours = 0, theirs = 0;
     const kt::bench::PairOfFigures figures = kt::bench::NanosecondsPerCallInTurn(
-        [&] { ThroughTheTree(fixture, ours); }, [&] { ThroughOle(fixture, theirs); }, 1, 2);
+        [&] { ThroughTheTree(fixture, ours); }, [&] { ThroughOle(fixture, theirs); }, 1, 5);
     DeleteFileW(fixture.path.c_str());
     kt::bench::PrintRatioHeader();
     kt::bench::PrintRatio("Tree of 10000 values (ms)", "raw OLE streams", figures.ours / 1e6,

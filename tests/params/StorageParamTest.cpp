@@ -35,7 +35,8 @@ using TreeRef = Ref<IParam>;
 
 void Collect(IXStorage* storage, const std::string& prefix, std::vector<std::string>& lines) {
     for (const std::string& name : kt::test::ElementNames(storage->EnumStreams()))
-        lines.push_back("stream " + prefix + name + " " + Hex(kt::test::ReadText(storage, name.c_str())));
+        lines.push_back("stream " + prefix + name + " " +
+                        Hex(kt::test::ReadText(storage, name.c_str())));
     for (const std::string& name : kt::test::ElementNames(storage->EnumStorages())) {
         lines.push_back("storage " + prefix + name);
         StorageRef child(storage->OpenStorage(name.c_str()));
@@ -62,7 +63,8 @@ std::string Listing(IXStorage* storage) {
 // Lines of a listing put in its order.
 std::string Sorted(const std::string& text) {
     std::vector<std::string> lines;
-    for (size_t start = 0, end; (end = text.find('\n', start)) != std::string::npos; start = end + 1)
+    for (size_t start = 0, end; (end = text.find('\n', start)) != std::string::npos;
+         start = end + 1)
         lines.push_back(text.substr(start, end - start));
     return Joined(lines);
 }
@@ -147,7 +149,8 @@ const ShapeCase kShapes[] = {
      "storage a\nstorage a/c\nstream v 050001000000\n"},
     {"DeleteSectionRemovesTheSubStorage", [](IParam* root) { root->DeleteSection("a"); },
      "stream v 050001000000\n"},
-    {"DeleteSectionThroughAPathRemovesTheLastStepOnly", [](IParam* root) { root->DeleteSection("a\\c"); },
+    {"DeleteSectionThroughAPathRemovesTheLastStepOnly",
+     [](IParam* root) { root->DeleteSection("a\\c"); },
      "storage a\nstream a/x 020002\nstream v 050001000000\n"},
     {"DeleteAllSectionsKeepsTheValues", [](IParam* root) { root->DeleteAllSections(); },
      "stream v 050001000000\n"},
@@ -188,7 +191,7 @@ struct ReadCase {
     const char* name;
     const char* stored;  // bytes of the stream "raw" written beside the base tree; null for none
     std::string path;
-    bool variantKept;    // else the caller's variant is cleared
+    bool variantKept;  // else the caller's variant is cleared
 };
 
 class Read : public ::testing::TestWithParam<ReadCase> {};
@@ -244,7 +247,8 @@ const Operation kOperations[] = {
     {"GetSection", [](IParam* p) { return TreeRef(p->GetSection("n\\m", 1)) != nullptr; }},
     {"DeleteSection", [](IParam* p) { return p->DeleteSection("c"), false; }},
     {"DeleteAllSections", [](IParam* p) { return p->DeleteAllSections(), false; }},
-    {"EnumSections", [](IParam* p) { return Ref<CTEnum<const char*>>(p->EnumSections()) != nullptr; }},
+    {"EnumSections",
+     [](IParam* p) { return Ref<CTEnum<const char*>>(p->EnumSections()) != nullptr; }},
     {"GetValue", [](IParam* p) { return ValueAt(p, "x").vt != kMissing; }},
     {"GetValueInASection", [](IParam* p) { return ValueAt(p, "c\\y").vt != kMissing; }},
     {"SetValue", [](IParam* p) { return Set(p, "w", Byte(1)), false; }},
@@ -253,7 +257,8 @@ const Operation kOperations[] = {
     {"DeleteAllValues", [](IParam* p) { return p->DeleteAllValues(), false; }},
     {"EnumValues", [](IParam* p) { return Ref<CTEnum<const char*>>(p->EnumValues()) != nullptr; }},
     {"Clear", [](IParam* p) { return p->Clear(), false; }},
-    {"QueryInterfaceForTheStorage", [](IParam* p) { return p->QueryInterface(typeid(IXStorage), nullptr) != 0; }},
+    {"QueryInterfaceForTheStorage",
+     [](IParam* p) { return p->QueryInterface(typeid(IXStorage), nullptr) != 0; }},
 };
 
 TEST(StorageParam, AfterClearASectionIsGoneAndItsObjectDoesNothing) {
@@ -279,7 +284,9 @@ public:
 
     std::function<void()> failure;
 
-    IXStorage* CreateStorage(const char* name) override { return Check(), inner->CreateStorage(name); }
+    IXStorage* CreateStorage(const char* name) override {
+        return Check(), inner->CreateStorage(name);
+    }
     IXStorage* OpenStorage(const char* name) override { return Check(), inner->OpenStorage(name); }
     int DestroyStorage(const char* name) override { return Check(), inner->DestroyStorage(name); }
     IXStorage* GetParent() override { return Check(), inner->GetParent(); }
