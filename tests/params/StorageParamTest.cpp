@@ -16,7 +16,8 @@
 #include "tests/params/ParamTestSupport.h"
 #include "tests/plugin/TestShape.h"
 #include "tests/storage/IndependentReader.h"
-#include "tests/storage/StorageSupport.h"
+#include "tests/storage/StreamBytes.h"
+#include "tests/support/ScratchDirectory.h"
 
 namespace {
 
@@ -26,18 +27,18 @@ using kt::test::kMissing;
 using kt::test::Ref;
 using kt::test::ScratchDirectory;
 using kt::test::Set;
-using kt::test::StorageRef;
 using kt::test::ValueAt;
 using kt::test::WideString;
 using kt::test::WriteText;
 
+using StorageRef = Ref<IXStorage>;
 using TreeRef = Ref<IParam>;
 
 void Collect(IXStorage* storage, const std::string& prefix, std::vector<std::string>& lines) {
-    for (const std::string& name : kt::test::ElementNames(storage->EnumStreams()))
+    for (const std::string& name : kt::test::NamesOf(storage->EnumStreams()))
         lines.push_back("stream " + prefix + name + " " +
                         Hex(kt::test::ReadText(storage, name.c_str())));
-    for (const std::string& name : kt::test::ElementNames(storage->EnumStorages())) {
+    for (const std::string& name : kt::test::NamesOf(storage->EnumStorages())) {
         lines.push_back("storage " + prefix + name);
         StorageRef child(storage->OpenStorage(name.c_str()));
         Collect(child.get(), prefix + name + "/", lines);

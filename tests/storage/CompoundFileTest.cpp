@@ -18,7 +18,7 @@
 
 namespace {
 
-using kt::test::ElementNames;
+using kt::test::Names;
 using kt::test::ReadText;
 using kt::test::ScratchDirectory;
 using kt::test::FileFailure;
@@ -52,7 +52,7 @@ TEST(CompoundFile, AnIndependentReaderFindsTheTreeNamesAndBytes) {
         StorageRef child(root->CreateStorage(folder.c_str()));
         WriteText(child.get(), "empty", "");
         StorageRef(child->CreateStorage("inner"));
-        EXPECT_EQ(ElementNames(root->EnumStorages()), std::vector<std::string>{folder});
+        EXPECT_EQ(Names(root->EnumStorages()), std::vector<std::string>{folder});
     }
     EXPECT_EQ(kt::test::IndependentTree(path),
               "storage \xc3\x84rger \xc3\xa9t\xc3\xa9\n"
