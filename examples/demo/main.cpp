@@ -941,6 +941,41 @@ static void Threads() {
     work.section->Release();
 }
 
+#if defined(_WIN32)
+namespace {
+
+// Settings kept in a compound file: each section a storage, each value a
+// stream holding one stored variant.
+void SettingsInAStorage() {
+    Step("Settings in a compound file");
+    const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
+    const std::basic_string<KTWCHAR> name = temporary + KTW(".stg");
+    IXStorage* file = new_Storage(name.c_str(), 0);
+    IParam* settings = new_IXStorParam(file);
+    file->Release();  // the tree holds the storage
+    const CKTVariant width(640), title("kticore demo");
+    settings->SetValue("Width", &width);
+    settings->SetValue("Window\\Title", &title);
+    settings->Release();  // commits, children before parents
+
+    IXStorage* again = open_Storage(name.c_str(), 1);
+    IParam* back = new_IXStorParam(again);
+    CKTVariant read;
+    back->GetValue("Window\\Title", &read);
+    std::printf("   Window\\Title read back from the file: \"%s\"\n", read.pszVal);
+    IParam* window = back->GetSection("Window", 0);
+    std::printf("   the section is a storage of the file: %d\n", window->QueryInterface(typeid(IXStorage), nullptr));
+    window->Release();
+    back->Release();
+    again->Release();
+    Fio_DeleteFile(name.c_str());
+    Fio_DeleteFile(temporary.c_str());
+}
+
+
+}  // namespace
+#endif
+
 int main() {
     std::printf("kticore demo host\n");
     ObjectModel();
@@ -963,6 +998,7 @@ int main() {
     ProfileFile();
 #if defined(_WIN32)
     RegistrySettings();
+    SettingsInAStorage();
 #endif
     Translation();
     DialogTemplates();

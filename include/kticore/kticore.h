@@ -27,6 +27,7 @@
 #include "kticore/streams/Stream.h"
 #if defined(_WIN32)
 #    include "kticore/params/RegistryParam.h"
+#    include "kticore/params/StorageParam.h"
 #    include "kticore/storage/CompoundStorage.h"
 #    include "kticore/storage/DocStorage.h"
 #    include "kticore/storage/Property.h"

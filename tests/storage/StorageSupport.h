@@ -9,6 +9,7 @@
 
 #include "kticore/core/Exception.h"
 #include "kticore/storage/CompoundStorage.h"
+#include "tests/storage/StreamBytes.h"
 #include "tests/support/Counted.h"
 #include "tests/support/ScratchDirectory.h"
 #include "tests/support/WideText.h"
@@ -16,22 +17,6 @@
 namespace kt::test {
 
 using StorageRef = Ref<IXStorage>;
-
-inline void WriteText(IXStorage* storage, const char* name, const std::string& text) {
-    Ref<IXStream> stream(storage->CreateStream(name));
-    ASSERT_NE(stream, nullptr) << name;
-    stream->Write(text.data(), static_cast<unsigned>(text.size()));
-}
-
-// The whole stream; "<none>" when it cannot be opened.
-inline std::string ReadText(IXStorage* storage, const char* name) {
-    Ref<IXStream> stream(storage->OpenStream(name));
-    if (stream == nullptr)
-        return "<none>";
-    std::string text(stream->GetLength(), '\0');
-    stream->Read(text.data(), static_cast<unsigned>(text.size()));
-    return text;
-}
 
 inline std::vector<std::string> Names(CTEnum<const char*>* walk) {
     std::vector<std::string> names;
