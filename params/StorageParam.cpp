@@ -100,8 +100,10 @@ IParam* CIXStorParam::GetSection(const char* path, int create) {
         IXStorage* found = nullptr;
         try {
             found = storage->OpenStorage(step.name.c_str());
-        } catch (const CXException&) {
-            if (create == 0)
+        } catch (const CXException& failure) {
+            // Only a missing section is made: one that is there but cannot be
+            // opened (another object holds it) would be replaced, content and all.
+            if (create == 0 || failure.code != XE_FILE_NOT_FOUND)
                 return nullptr;
             found = storage->CreateStorage(step.name.c_str());
         }

@@ -349,10 +349,14 @@ TEST(StorageParam, TwoTreesOnOneStorageShareItsValuesAndASectionOpensOnceAtATime
     EXPECT_EQ(ValueAt(tree.root.get(), "v").vt, kMissing);
 
     TreeRef held(tree.root->GetSection("a", 1));
+    Set(held.get(), "kept", Byte(2));
     EXPECT_EQ(TreeRef(second->GetSection("a", 0)), nullptr);
+    // A section in use is not made anew over its content.
+    EXPECT_EQ(TreeRef(second->GetSection("a", 1)), nullptr);
+    EXPECT_TRUE(ValueAt(held.get(), "kept") == Byte(2));
     held.reset();
     EXPECT_NE(TreeRef(second->GetSection("a", 0)), nullptr);
-    EXPECT_EQ(Listing(tree.storage.get()), "storage a\n");
+    EXPECT_EQ(Listing(tree.storage.get()), "storage a\nstream a/kept 020002\n");
 }
 
 // A file opened for writing is transacted: what the tree wrote reaches it as
