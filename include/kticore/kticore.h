@@ -27,6 +27,9 @@
 #    include "kticore/storage/CompoundStorage.h"
 #    include "kticore/storage/Storage.h"
 #endif
+#if defined(_WIN32)
+#    include "kticore/params/RegistryParam.h"
+#endif
 #include "kticore/translation/DialogTemplates.h"
 #include "kticore/translation/Interception.h"
 #include "kticore/translation/Translation.h"
