@@ -24,6 +24,7 @@
 #include "kticore/params/ParamTools.h"
 #include "kticore/streams/Stream.h"
 #if defined(_WIN32)
+#    include "kticore/params/StorageParam.h"
 #    include "kticore/storage/CompoundStorage.h"
 #    include "kticore/storage/Storage.h"
 #endif

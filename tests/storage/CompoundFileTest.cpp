@@ -18,11 +18,12 @@
 
 namespace {
 
-using kt::test::Names;
+using kt::test::ElementNames;
 using kt::test::ReadText;
 using kt::test::ScratchDirectory;
 using kt::test::FileFailure;
 using kt::test::FileFailureOf;
+using kt::test::Hex;
 using kt::test::StorageRef;
 using kt::test::WideString;
 using kt::test::WriteText;
@@ -33,14 +34,6 @@ std::string Narrow(const WideString& wide) {
     kt::sys::WideToMultiByte(kt::sys::kAnsiCodePage, wide.c_str(), static_cast<int>(wide.size()),
                              narrow, sizeof narrow - 1);
     return narrow;
-}
-
-std::string Hex(const std::string& bytes) {
-    static const char digits[] = "0123456789abcdef";
-    std::string hex;
-    for (unsigned char byte : bytes)
-        hex += {digits[byte >> 4], digits[byte & 15]};
-    return hex;
 }
 
 // The longest name the format holds: 31 units and the terminator.
@@ -59,7 +52,7 @@ TEST(CompoundFile, AnIndependentReaderFindsTheTreeNamesAndBytes) {
         StorageRef child(root->CreateStorage(folder.c_str()));
         WriteText(child.get(), "empty", "");
         StorageRef(child->CreateStorage("inner"));
-        EXPECT_EQ(Names(root->EnumStorages()), std::vector<std::string>{folder});
+        EXPECT_EQ(ElementNames(root->EnumStorages()), std::vector<std::string>{folder});
     }
     EXPECT_EQ(kt::test::IndependentTree(path),
               "storage \xc3\x84rger \xc3\xa9t\xc3\xa9\n"

@@ -11,7 +11,7 @@
 
 namespace {
 
-using kt::test::Names;
+using kt::test::ElementNames;
 using kt::test::StorageRef;
 
 TEST(OtherToolFile, OpensEnumeratesAndReads) {
@@ -22,11 +22,11 @@ TEST(OtherToolFile, OpensEnumeratesAndReads) {
 
     // The database's three tables have names that msibuild encodes in
     // characters the ANSI code page lacks: each comes out as '?'s.
-    std::vector<std::string> streams = Names(installer->EnumStreams());
+    std::vector<std::string> streams = ElementNames(installer->EnumStreams());
     std::sort(streams.begin(), streams.end());
     EXPECT_EQ(streams, (std::vector<std::string>{"\005SummaryInformation", "+-+", "?????",
                                                  "???????", "???????"}));
-    EXPECT_EQ(Names(installer->EnumStorages()), std::vector<std::string>{});
+    EXPECT_EQ(ElementNames(installer->EnumStorages()), std::vector<std::string>{});
 
     std::string every(256, '\0');
     for (int value = 0; value < 256; ++value)

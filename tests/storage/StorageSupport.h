@@ -33,7 +33,16 @@ inline std::string ReadText(IXStorage* storage, const char* name) {
     return text;
 }
 
-inline std::vector<std::string> Names(CTEnum<const char*>* walk) {
+// Bytes as lower-case hexadecimal digits, as the independent reader lists them.
+inline std::string Hex(const std::string& bytes) {
+    static const char digits[] = "0123456789abcdef";
+    std::string hex;
+    for (unsigned char byte : bytes)
+        hex += {digits[byte >> 4], digits[byte & 15]};
+    return hex;
+}
+
+inline std::vector<std::string> ElementNames(CTEnum<const char*>* walk) {
     std::vector<std::string> names;
     const char* name = nullptr;
     while (walk->Next(1, &name, nullptr))

@@ -11,7 +11,7 @@
 
 namespace {
 
-using kt::test::Names;
+using kt::test::ElementNames;
 using kt::test::ReadText;
 using kt::test::Ref;
 using kt::test::ScratchDirectory;
@@ -62,10 +62,10 @@ TEST(Storage, EnumerationsListOneKindEachAndOutliveTheStorage) {
         empty = child->EnumStreams();
         platformOrder = kt::test::OleStreamNames(root.get());
     }
-    EXPECT_EQ(Names(streams), platformOrder);
+    EXPECT_EQ(ElementNames(streams), platformOrder);
     EXPECT_EQ(platformOrder.size(), 3u);
-    EXPECT_EQ(Names(storages), Strings{"sub"});
-    EXPECT_EQ(Names(empty), Strings{});
+    EXPECT_EQ(ElementNames(storages), Strings{"sub"});
+    EXPECT_EQ(ElementNames(empty), Strings{});
 }
 
 TEST(Storage, DestroyOfEitherNameRemovesAnElementOfEitherKind) {
@@ -74,8 +74,8 @@ TEST(Storage, DestroyOfEitherNameRemovesAnElementOfEitherKind) {
     WriteText(root.get(), "stream", "x");
     EXPECT_EQ(root->DestroyStream("storage"), S_OK);
     EXPECT_EQ(root->DestroyStorage("stream"), S_OK);
-    EXPECT_EQ(Names(root->EnumStorages()), Strings{});
-    EXPECT_EQ(Names(root->EnumStreams()), Strings{});
+    EXPECT_EQ(ElementNames(root->EnumStorages()), Strings{});
+    EXPECT_EQ(ElementNames(root->EnumStreams()), Strings{});
 }
 
 // Wine 8 crashes committing a direct sub-storage whose element its parent

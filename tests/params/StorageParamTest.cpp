@@ -1,0 +1,410 @@
+// The parameter tree in a compound storage, seen from both sides: through
+// IParam, and in the storage itself, read by the storage's own streams and
+// by an independent reader of compound files.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "kticore/objects/Registry.h"
+#include "kticore/params/ParamTools.h"
+#include "kticore/params/StorageParam.h"
+#include "tests/params/AllKinds.h"
+#include "tests/params/ParamTestSupport.h"
+#include "tests/plugin/TestShape.h"
+#include "tests/storage/IndependentReader.h"
+#include "tests/storage/StorageSupport.h"
+
+namespace {
+
+using kt::test::FailureOf;
+using kt::test::Hex;
+using kt::test::kMissing;
+using kt::test::Ref;
+using kt::test::ScratchDirectory;
+using kt::test::Set;
+using kt::test::StorageRef;
+using kt::test::ValueAt;
+using kt::test::WideString;
+using kt::test::WriteText;
+
+using TreeRef = Ref<IParam>;
+
+void Collect(IXStorage* storage, const std::string& prefix, std::vector<std::string>& lines) {
+    for (const std::string& name : kt::test::ElementNames(storage->EnumStreams()))
+        lines.push_back("stream " + prefix + name + " " + Hex(kt::test::ReadText(storage, name.c_str())));
+    for (const std::string& name : kt::test::ElementNames(storage->EnumStorages())) {
+        lines.push_back("storage " + prefix + name);
+        StorageRef child(storage->OpenStorage(name.c_str()));
+        Collect(child.get(), prefix + name + "/", lines);
+    }
+}
+
+std::string Joined(std::vector<std::string> lines) {
+    std::sort(lines.begin(), lines.end());
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\n";
+    return text;
+}
+
+// Every element below `storage`, as the independent reader lists a file:
+// sorted lines "storage PATH" and "stream PATH HEX".
+std::string Listing(IXStorage* storage) {
+    std::vector<std::string> lines;
+    Collect(storage, "", lines);
+    return Joined(lines);
+}
+
+// Lines of a listing put in its order.
+std::string Sorted(const std::string& text) {
+    std::vector<std::string> lines;
+    for (size_t start = 0, end; (end = text.find('\n', start)) != std::string::npos; start = end + 1)
+        lines.push_back(text.substr(start, end - start));
+    return Joined(lines);
+}
+
+CKTVariant Byte(unsigned char value) { return CKTVariant(value); }
+
+// The tree that most cases start from, and its listing.
+void FillBase(IParam* root) {
+    Set(root, "v", CKTVariant(1));
+    Set(root, "a\\x", Byte(2));
+    Set(root, "a\\c\\y", Byte(3));
+}
+const std::string kBase =
+    "storage a\n"
+    "storage a/c\n"
+    "stream a/c/y 020003\n"
+    "stream a/x 020002\n"
+    "stream v 050001000000\n";
+
+// A tree on a storage in memory, which the test holds as well.
+struct Tree {
+    Tree() : storage(new_Storage(nullptr, 0)), root(new_IXStorParam(storage.get())) {}
+    StorageRef storage;
+    TreeRef root;
+};
+
+TEST(StorageParam, ValuesAreStreamsOfOneStoredVariantAndSectionsSubStorages) {
+    ScratchDirectory directory;
+    const WideString path = directory / KTW("tree.stg");
+    const std::string expected =
+        "storage a\n"
+        "stream @ 0a00020000007800\n"
+        "stream Width 050080020000\n"
+        "stream a/b 020007\n";
+    {
+        StorageRef storage(new_Storage(path.c_str(), 0));
+        TreeRef root(new_IXStorParam(storage.get()));
+        Set(root.get(), "Width", CKTVariant(640));
+        Set(root.get(), "", CKTVariant("x"));
+        Set(root.get(), "a\\b", Byte(7));
+        EXPECT_EQ(kt::test::ValueNames(root.get()).size(), 2u);
+        EXPECT_TRUE(ValueAt(root.get(), "@") == CKTVariant("x"));
+
+        Ref<IXStream> stream(storage->OpenStream("Width"));
+        ASSERT_NE(stream, nullptr);
+        CKTVariant read;
+        EXPECT_EQ(stream->ReadVariant(&read), 1);
+        EXPECT_TRUE(read == CKTVariant(640));
+        stream.reset();
+        EXPECT_EQ(Listing(storage.get()), expected);
+    }
+    EXPECT_EQ(kt::test::IndependentTree(path), expected);
+}
+
+struct ShapeCase {
+    const char* name;
+    std::function<void(IParam* root)> action;
+    std::string expected;
+};
+
+class Shape : public ::testing::TestWithParam<ShapeCase> {};
+
+TEST_P(Shape, OfTheStorageAfterwards) {
+    Tree tree;
+    FillBase(tree.root.get());
+    GetParam().action(tree.root.get());
+    EXPECT_EQ(Listing(tree.storage.get()), Sorted(GetParam().expected));
+}
+
+const ShapeCase kShapes[] = {
+    {"SetValueThroughAnExistingSectionKeepsItsContent",
+     [](IParam* root) { Set(root, "a\\z", Byte(4)); }, kBase + "stream a/z 020004\n"},
+    {"GetSectionWithCreateMakesEveryMissingStep",
+     [](IParam* root) { EXPECT_NE(TreeRef(root->GetSection("n\\m", 1)), nullptr); },
+     kBase + "storage n\nstorage n/m\n"},
+    {"GetSectionWithCreateKeepsWhatIsThere",
+     [](IParam* root) { EXPECT_NE(TreeRef(root->GetSection("a\\c", 1)), nullptr); }, kBase},
+    {"GetSectionWithoutCreateMakesNothing",
+     [](IParam* root) { EXPECT_EQ(TreeRef(root->GetSection("a\\q\\r", 0)), nullptr); }, kBase},
+    {"CreateSectionReplacesItsFirstStepWithAllItsContent",
+     [](IParam* root) { EXPECT_NE(TreeRef(root->CreateSection("a\\c")), nullptr); },
+     "storage a\nstorage a/c\nstream v 050001000000\n"},
+    {"DeleteSectionRemovesTheSubStorage", [](IParam* root) { root->DeleteSection("a"); },
+     "stream v 050001000000\n"},
+    {"DeleteSectionThroughAPathRemovesTheLastStepOnly", [](IParam* root) { root->DeleteSection("a\\c"); },
+     "storage a\nstream a/x 020002\nstream v 050001000000\n"},
+    {"DeleteAllSectionsKeepsTheValues", [](IParam* root) { root->DeleteAllSections(); },
+     "stream v 050001000000\n"},
+    {"DeleteAllValuesKeepsTheSections",
+     [](IParam* root) { TreeRef(root->GetSection("a", 0))->DeleteAllValues(); },
+     "storage a\nstorage a/c\nstream a/c/y 020003\nstream v 050001000000\n"},
+    {"ClearOfTheRootEmptiesTheStorage", [](IParam* root) { root->Clear(); }, ""},
+    {"TheEmptyNameIsTheDefaultStreamButDeleteValueTakesNamesAsGiven",
+     [](IParam* root) {
+         Set(root, "", Byte(5));
+         root->DeleteValue("");
+         root->DeleteValue("unknown");
+         kt::test::Names names = kt::test::ValueNames(root);
+         std::sort(names.begin(), names.end());
+         EXPECT_EQ(names, (kt::test::Names{"@", "v"}));
+     },
+     kBase + "stream @ 020005\n"},
+    {"AShorterValueLeavesTheOlderBytesBehindItsEnd",
+     [](IParam* root) {
+         Set(root, "v", Byte(9));
+         EXPECT_TRUE(ValueAt(root, "v") == Byte(9));
+     },
+     "storage a\nstorage a/c\nstream a/c/y 020003\nstream a/x 020002\nstream v 020009000000\n"},
+};
+
+struct CaseName {
+    template <class Case>
+    std::string operator()(const ::testing::TestParamInfo<Case>& info) const {
+        return info.param.name;
+    }
+};
+INSTANTIATE_TEST_SUITE_P(StorageParam, Shape, ::testing::ValuesIn(kShapes), CaseName());
+
+// A path of 512 bytes or more does not fit the buffer that splits it.
+std::string PathOfLength(size_t length) { return "s\\" + std::string(length - 2, 'x'); }
+
+struct ReadCase {
+    const char* name;
+    const char* stored;  // bytes of the stream "raw" written beside the base tree; null for none
+    std::string path;
+    bool variantKept;    // else the caller's variant is cleared
+};
+
+class Read : public ::testing::TestWithParam<ReadCase> {};
+
+TEST_P(Read, GivesNothingAndTouchesNothingElse) {
+    Tree tree;
+    FillBase(tree.root.get());
+    if (GetParam().stored != nullptr)
+        WriteText(tree.storage.get(), "raw", GetParam().stored);
+    const std::string before = Listing(tree.storage.get());
+    CKTVariant value(5);
+    EXPECT_EQ(tree.root->GetValue(GetParam().path.c_str(), &value), 0);
+    EXPECT_TRUE(value == (GetParam().variantKept ? CKTVariant(5) : CKTVariant()));
+    EXPECT_EQ(Listing(tree.storage.get()), before);
+}
+
+const ReadCase kReads[] = {
+    {"MissingValueClearsTheVariant", nullptr, "nothing", false},
+    {"MissingSectionKeepsTheVariant", nullptr, "q\\v", true},
+    {"PathBeyondTheBufferKeepsTheVariant", nullptr, PathOfLength(512), true},
+    {"UnknownKind", "\x99", "raw", false},
+    {"EmptyStream", "", "raw", false},
+    {"BlobWithoutItsLength", "\x11", "raw", false},
+};
+INSTANTIATE_TEST_SUITE_P(StorageParam, Read, ::testing::ValuesIn(kReads), CaseName());
+
+TEST(StorageParam, NamesTheStorageRefusesAndOverlongPathsStoreNothing) {
+    Tree tree;
+    FillBase(tree.root.get());
+    const std::string refused(32, 'n');  // the format holds 31 units
+    IParam* root = tree.root.get();
+    Set(root, refused.c_str(), Byte(1));
+    Set(root, (refused + "\\v").c_str(), Byte(1));
+    EXPECT_EQ(TreeRef(root->CreateSection(refused.c_str())), nullptr);
+    EXPECT_EQ(TreeRef(root->GetSection(refused.c_str(), 1)), nullptr);
+    EXPECT_EQ(ValueAt(root, refused.c_str()).vt, kMissing);
+    EXPECT_EQ(FailureOf([&] { Set(root, PathOfLength(512).c_str(), Byte(1)); }), XE_BAD_ARGUMENT);
+    EXPECT_EQ(Listing(tree.storage.get()), kBase);
+    // One byte shorter, the path reaches the storage, which makes the section
+    // and refuses the name.
+    Set(root, PathOfLength(511).c_str(), Byte(1));
+    EXPECT_EQ(Listing(tree.storage.get()), Sorted(kBase + "storage s\n"));
+}
+
+// The operations of IParam, each answering whether it gave anything: a
+// section, an enumerator, a value found.
+struct Operation {
+    const char* name;
+    std::function<bool(IParam*)> call;
+};
+const Operation kOperations[] = {
+    {"CreateSection", [](IParam* p) { return TreeRef(p->CreateSection("n")) != nullptr; }},
+    {"GetSection", [](IParam* p) { return TreeRef(p->GetSection("n\\m", 1)) != nullptr; }},
+    {"DeleteSection", [](IParam* p) { return p->DeleteSection("c"), false; }},
+    {"DeleteAllSections", [](IParam* p) { return p->DeleteAllSections(), false; }},
+    {"EnumSections", [](IParam* p) { return Ref<CTEnum<const char*>>(p->EnumSections()) != nullptr; }},
+    {"GetValue", [](IParam* p) { return ValueAt(p, "x").vt != kMissing; }},
+    {"GetValueInASection", [](IParam* p) { return ValueAt(p, "c\\y").vt != kMissing; }},
+    {"SetValue", [](IParam* p) { return Set(p, "w", Byte(1)), false; }},
+    {"SetValueInASection", [](IParam* p) { return Set(p, "n\\w", Byte(1)), false; }},
+    {"DeleteValue", [](IParam* p) { return p->DeleteValue("x"), false; }},
+    {"DeleteAllValues", [](IParam* p) { return p->DeleteAllValues(), false; }},
+    {"EnumValues", [](IParam* p) { return Ref<CTEnum<const char*>>(p->EnumValues()) != nullptr; }},
+    {"Clear", [](IParam* p) { return p->Clear(), false; }},
+    {"QueryInterfaceForTheStorage", [](IParam* p) { return p->QueryInterface(typeid(IXStorage), nullptr) != 0; }},
+};
+
+TEST(StorageParam, AfterClearASectionIsGoneAndItsObjectDoesNothing) {
+    Tree tree;
+    FillBase(tree.root.get());
+    TreeRef section(tree.root->GetSection("a", 0));
+    section->Clear();
+    EXPECT_EQ(Listing(tree.storage.get()), "stream v 050001000000\n");
+    for (const Operation& operation : kOperations)
+        EXPECT_FALSE(operation.call(section.get())) << operation.name;
+    CKTVariant kept(5);
+    EXPECT_EQ(section->GetValue("x", &kept), 0);
+    EXPECT_TRUE(kept == CKTVariant(5));
+    EXPECT_EQ(Listing(tree.storage.get()), "stream v 050001000000\n");
+}
+
+// A storage that passes every call to a real one until it is armed, and then
+// throws what it was armed with.
+class CFailingStorage final : public CKTUnknownImpl<IXStorage> {
+public:
+    explicit CFailingStorage(IXStorage* inner) : inner(inner) { inner->AddRef(); }
+    ~CFailingStorage() override { inner->Release(); }
+
+    std::function<void()> failure;
+
+    IXStorage* CreateStorage(const char* name) override { return Check(), inner->CreateStorage(name); }
+    IXStorage* OpenStorage(const char* name) override { return Check(), inner->OpenStorage(name); }
+    int DestroyStorage(const char* name) override { return Check(), inner->DestroyStorage(name); }
+    IXStorage* GetParent() override { return Check(), inner->GetParent(); }
+    CTEnum<const char*>* EnumStorages() override { return Check(), inner->EnumStorages(); }
+    IXStream* CreateStream(const char* name) override { return Check(), inner->CreateStream(name); }
+    IXStream* OpenStream(const char* name) override { return Check(), inner->OpenStream(name); }
+    int DestroyStream(const char* name) override { return Check(), inner->DestroyStream(name); }
+    int Commit() override { return Check(), inner->Commit(); }
+    CTEnum<const char*>* EnumStreams() override { return Check(), inner->EnumStreams(); }
+    const KTWCHAR* GetName() override { return inner->GetName(); }
+
+private:
+    void Check() const {
+        if (failure)
+            failure();
+    }
+    IXStorage* inner;
+};
+
+TEST(StorageParam, FailuresOfTheStorageAreSwallowedAndOtherExceptionsPass) {
+    for (const Operation& operation : kOperations) {
+        if (operation.name == std::string("QueryInterfaceForTheStorage"))
+            continue;  // answered by the object, not the storage
+        Tree tree;
+        FillBase(tree.root.get());
+        Ref<CFailingStorage> failing(new CFailingStorage(tree.storage.get()));
+        TreeRef root(new_IXStorParam(failing.get()));
+        failing->failure = [] { throw CXFileException(XE_ACCESS_DENIED, nullptr, 0); };
+        EXPECT_FALSE(operation.call(root.get())) << operation.name;
+        failing->failure = [] { throw std::runtime_error("not the storage's"); };
+        EXPECT_THROW(operation.call(root.get()), std::runtime_error) << operation.name;
+        failing->failure = nullptr;
+        EXPECT_EQ(Listing(tree.storage.get()), kBase) << operation.name;
+    }
+}
+
+TEST(StorageParam, QueryInterfaceAnswersTheSectionsStorage) {
+    Tree tree;
+    TreeRef section(tree.root->GetSection("a", 1));
+    void* found = nullptr;
+    ASSERT_EQ(tree.root->QueryInterface(typeid(IXStorage), &found), 1);
+    StorageRef rootStorage(static_cast<IXStorage*>(found));
+    EXPECT_EQ(rootStorage.get(), tree.storage.get());
+    ASSERT_EQ(section->QueryInterface(typeid(IXStorage), &found), 1);
+    StorageRef sectionStorage(static_cast<IXStorage*>(found));
+    Set(section.get(), "v", Byte(1));
+    EXPECT_EQ(kt::test::ReadText(sectionStorage.get(), "v"), std::string("\x02\x00\x01", 3));
+    EXPECT_EQ(tree.root->QueryInterface(typeid(IRegisterIface), nullptr), 1);
+    EXPECT_EQ(tree.root->QueryInterface(typeid(IParam), &found), 0);
+    EXPECT_EQ(found, nullptr);
+}
+
+TEST(StorageParam, TwoTreesOnOneStorageShareItsValuesAndASectionOpensOnceAtATime) {
+    Tree tree;
+    TreeRef second(new_IXStorParam(tree.storage.get()));
+    Set(tree.root.get(), "v", Byte(1));
+    EXPECT_TRUE(ValueAt(second.get(), "v") == Byte(1));
+    second->DeleteValue("v");
+    EXPECT_EQ(ValueAt(tree.root.get(), "v").vt, kMissing);
+
+    TreeRef held(tree.root->GetSection("a", 1));
+    EXPECT_EQ(TreeRef(second->GetSection("a", 0)), nullptr);
+    held.reset();
+    EXPECT_NE(TreeRef(second->GetSection("a", 0)), nullptr);
+    EXPECT_EQ(Listing(tree.storage.get()), "storage a\n");
+}
+
+// A file opened for writing is transacted: what the tree wrote reaches it as
+// the tree's objects go, children before parents, whatever order the caller
+// releases them in, while the caller still holds the root storage.
+class ReleaseOrder : public ::testing::TestWithParam<bool> {};
+
+TEST_P(ReleaseOrder, ChangesReachATransactedFileWhenTheObjectsGo) {
+    ScratchDirectory directory;
+    const WideString path = directory / KTW("tree.stg");
+    StorageRef(new_Storage(path.c_str(), 0));
+    StorageRef storage(open_Storage(path.c_str(), 0));
+    TreeRef root(new_IXStorParam(storage.get()));
+    TreeRef section(root->GetSection("a\\b", 1));
+    Set(section.get(), "v", Byte(7));
+    Set(root.get(), "w", Byte(8));
+    if (GetParam())
+        root.reset();
+    section.reset();
+    root.reset();
+    EXPECT_EQ(kt::test::IndependentTree(path),
+              "storage a\nstorage a/b\nstream a/b/v 020007\nstream w 020008\n");
+}
+INSTANTIATE_TEST_SUITE_P(StorageParam, ReleaseOrder, ::testing::Bool(),
+                         [](const ::testing::TestParamInfo<bool>& order) {
+                             return std::string(order.param ? "RootFirst" : "SectionFirst");
+                         });
+
+// The storage keeps every kind the stored form writes; objects go through
+// object streaming, and a kind beyond the last is dropped.
+TEST(StorageParam, EveryKindComesBackAndObjectsAreStoredByClass) {
+    ASSERT_EQ(RegisterObject(KT_TEST_SHAPE_CLASS, KT_TEST_CLASSES_FILE), 1);
+    Tree tree;
+    TreeRef memory(new_MemParam());
+    kt::test::FillWithEveryKind(memory.get(), true);
+    Param_CopyTo(memory.get(), tree.root.get());
+    EXPECT_EQ(Param_Cmp(memory.get(), tree.root.get()), 1);
+    EXPECT_EQ(Param_Cmp(tree.root.get(), memory.get()), 1);
+
+    IKTUnknown* made = nullptr;
+    ASSERT_EQ(CreateObject(KT_TEST_SHAPE_CLASS, nullptr, typeid(ITestShape), &made), 1);
+    Ref<ITestShape> shape(static_cast<ITestShape*>(made));
+    shape->SetId(42);
+    shape->SetLabel("stored");
+    Set(tree.root.get(), "shape", CKTVariant(static_cast<IKTUnknown*>(shape.get())));
+    CKTVariant back = ValueAt(tree.root.get(), "shape");
+    ASSERT_EQ(back.vt, KTVT_OBJECT);
+    ITestShape* read = nullptr;
+    ASSERT_EQ(back.punkVal->QueryInterface(typeid(ITestShape), reinterpret_cast<void**>(&read)), 1);
+    Ref<ITestShape> readShape(read);
+    EXPECT_NE(readShape.get(), shape.get());
+    EXPECT_EQ(readShape->GetId(), 42u);
+    EXPECT_STREQ(readShape->GetLabel(), "stored");
+
+    CKTVariant beyond(1);
+    beyond.vt = KTVT_WSTR + 1;
+    Set(tree.root.get(), "beyond", beyond);
+    beyond.vt = KTVT_INT;
+    EXPECT_EQ(kt::test::ReadText(tree.storage.get(), "beyond"), "<none>");
+    UnregisterObject(KT_TEST_SHAPE_CLASS);
+}
+
+}  // namespace
