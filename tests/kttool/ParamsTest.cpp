@@ -3,6 +3,9 @@
 #include "kticore/params/ParamTools.h"
 #include "tests/kttool/ToolTestSupport.h"
 #include "tests/params/AllKinds.h"
+#if defined(_WIN32)
+#include "kticore/params/RegistryParam.h"
+#endif
 
 namespace kttool::test {
 namespace {
@@ -49,6 +52,36 @@ TEST(Params, ATreeGoesRoundTheFilePlacesAndStandardOutput) {
     EXPECT_EQ(Param_Cmp(tree.get(), result.get()), 1) << printed.out;
     EXPECT_EQ(static_cast<int>(kt::test::ValueAt(result.get(), "kept")), 7) << printed.out;
 }
+
+#if defined(_WIN32)
+// Text to registry to a storage inside a compound file, which are made, and
+// out; then a missing key and a missing storage as sources.
+TEST(Params, ATreeGoesThroughTheRegistryAndACompoundFile) {
+    Scratch scratch;
+    Ref<IParam> tree(new_MemParam());
+    kt::test::FillWithEveryKind(tree.get(), false);
+    Param_Param2IniFile(tree.get(), CXStringW((scratch / "a.txt").c_str()));
+    const std::string key = "reg:HKCU\\Software\\kticore-tests\\kttool-params";
+    const std::string storage = "stor:" + scratch / "tree.cfd";
+
+    EXPECT_EQ(RunKtTool({"params", "text:" + scratch / "a.txt", key}).status, kSuccess);
+    EXPECT_EQ(RunKtTool({"params", key, storage + ":Inner\\Deep"}).status, kSuccess);
+    const ToolRun printed = RunKtTool({"params", storage + ":Inner\\Deep", "-"});
+    ASSERT_EQ(printed.status, kSuccess) << printed.err;
+    std::ofstream(scratch / "d.txt", std::ios::binary) << printed.out;
+    EXPECT_EQ(Param_Cmp(tree.get(), TextTree(scratch / "d.txt").get()), 1) << printed.out;
+
+    const ToolRun noKey = RunKtTool({"params", key + "\\none", "-"});
+    EXPECT_NE(noKey.err.find("none: no such key"), std::string::npos) << noKey.err;
+    const ToolRun noStorage = RunKtTool({"params", storage + ":Inner\\None", "-"});
+    EXPECT_NE(noStorage.err.find("no storage \"Inner\\None\" in the file"), std::string::npos)
+        << noStorage.err;
+    EXPECT_EQ(noKey.status + noStorage.status, 2 * kFailure);
+
+    Ref<IParam> tests(new_IParamCUReg(L"Software\\kticore-tests"));
+    tests->DeleteSection("kttool-params");
+}
+#endif
 
 struct Answer {
     Arguments args;
