@@ -61,13 +61,13 @@ TEST(Params, ATreeGoesThroughTheRegistryAndACompoundFile) {
     Ref<IParam> tree(new_MemParam());
     kt::test::FillWithEveryKind(tree.get(), false);
     Param_Param2IniFile(tree.get(), CXStringW((scratch / "a.txt").c_str()));
-    const std::string key = "reg:HKCU\\Software\\kticore-tests\\kttool-params";
+    const std::string key = "reg:HKCU\\Software\\kticore-kttool-tests\\params";
     const std::string storage = "stor:" + scratch / "tree.cfd";
 
     EXPECT_EQ(RunKtTool({"params", "text:" + scratch / "a.txt", key}).status, kSuccess);
     EXPECT_EQ(RunKtTool({"params", key, storage + ":Inner\\Deep"}).status, kSuccess);
     const ToolRun printed = RunKtTool({"params", storage + ":Inner\\Deep", "-"});
-    ASSERT_EQ(printed.status, kSuccess) << printed.err;
+    EXPECT_EQ(printed.status, kSuccess) << printed.err;
     std::ofstream(scratch / "d.txt", std::ios::binary) << printed.out;
     EXPECT_EQ(Param_Cmp(tree.get(), TextTree(scratch / "d.txt").get()), 1) << printed.out;
 
@@ -78,8 +78,8 @@ TEST(Params, ATreeGoesThroughTheRegistryAndACompoundFile) {
         << noStorage.err;
     EXPECT_EQ(noKey.status + noStorage.status, 2 * kFailure);
 
-    Ref<IParam> tests(new_IParamCUReg(L"Software\\kticore-tests"));
-    tests->DeleteSection("kttool-params");
+    Ref<IParam> software(new_IParamCUReg(L"Software"));
+    software->DeleteSection("kticore-kttool-tests");
 }
 #endif
 
