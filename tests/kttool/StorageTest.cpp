@@ -84,7 +84,8 @@ TEST(Storage, FilesThatAreNoCompoundFilesAreAnsweredWithAMessage) {
         const char* says;
     } answers[] = {
         {{"storage"}, "needs one FILE"},
-        {{"storage", scratch / "missing.cfd"}, "cannot be opened as a compound file (no such file)"},
+        {{"storage", scratch / "missing.cfd"},
+         "cannot be opened as a compound file (no such file)"},
         {{"storage", scratch / "text.txt"}, "text.txt: cannot be opened as a compound file"},
     };
     for (const auto& answer : answers) {

@@ -45,8 +45,8 @@ PlaceName Registry(const std::string& name, const std::string& rest) {
 
 // The file ends at the first ':' behind a drive's letter and colon.
 PlaceName Storage(const std::string& rest) {
-    const bool drive = rest.size() >= 2 && std::isalpha(static_cast<unsigned char>(rest[0])) &&
-                       rest[1] == ':';
+    const bool drive =
+        rest.size() >= 2 && std::isalpha(static_cast<unsigned char>(rest[0])) && rest[1] == ':';
     const size_t colon = rest.find(':', drive ? 2 : 0);
     if (colon == std::string::npos)
         return {PlaceKind::kStorage, rest, ""};

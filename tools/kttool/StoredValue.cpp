@@ -2,7 +2,9 @@
 
 #include <charconv>
 #include <cstdio>
+#include <initializer_list>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "kticore/core/Exception.h"
@@ -17,10 +19,10 @@ using kt::params::Held;
 
 // The words for each kind, by its number.
 constexpr const char* kKindNames[] = {
-    "empty",     "boolean",   "byte",       "word",  "unsigned long", "int",
-    "unsigned int", "long",   "double",     "float", "text",          "size",
-    "real size", "point",     "real point", "rectangle", "real rectangle", "blob",
-    "object",    "wide text",
+    "empty",     "boolean",        "byte",      "word",   "unsigned long",
+    "int",       "unsigned int",   "long",      "double", "float",
+    "text",      "size",           "real size", "point",  "real point",
+    "rectangle", "real rectangle", "blob",      "object", "wide text",
 };
 
 // A blob shows this many bytes, then an ellipsis.

@@ -79,8 +79,8 @@ protected:
     Ref<IParam> RegistryTree() {
         HKEY key;
         const std::wstring path = std::wstring(kRegistryRoot) + L"\\t" + std::to_wstring(++count);
-        EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                                  &key, nullptr),
+        EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                                  nullptr, &key, nullptr),
                   ERROR_SUCCESS);
         RegCloseKey(key);
         return Ref<IParam>(new_IParamCUReg(path.c_str()));
