@@ -1,5 +1,6 @@
 #include "params/RegistryParam.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -34,12 +35,17 @@ bool ReadValue(HKEY key, const char* name, DWORD& type, std::vector<BYTE>& data,
             return true;
         if (status != ERROR_MORE_DATA)
             return false;
-        data.resize(static_cast<size_t>(size) + 1);
+        data.resize(std::max<size_t>(size, data.size()) + 1);
     }
 }
 
-// A value name widened as the registry's narrow functions widen it; null
-// stays null, the key's unnamed value.
+// Whether `path` names a key below this one. The registry takes an empty
+// path for the key itself, and has no sub-key of no name: such a section
+// has no form here.
+bool NamesSubKey(const char* path) { return path != nullptr && *path != 0; }
+
+// A value name widened as the registry's narrow functions widen it, so that
+// wide text lands under the name that narrow calls find.
 std::wstring WideName(const char* name) {
     const int length = static_cast<int>(std::strlen(name));
     std::wstring wide(static_cast<size_t>(sys::MultiByteToWide(sys::kAnsiCodePage, name, length, nullptr, 0)), L'\0');
@@ -79,6 +85,8 @@ int CRegistryParam::RegisterInterface(IKTUnknown* object, const type_info& type,
 }
 
 IParam* CRegistryParam::CreateSection(const char* path) {
+    if (!NamesSubKey(path))
+        return nullptr;
     if (Held<IParam> existing{GetSection(path, 0)})
         existing->Clear();
     HKEY made;
@@ -88,6 +96,8 @@ IParam* CRegistryParam::CreateSection(const char* path) {
 }
 
 IParam* CRegistryParam::GetSection(const char* path, int create) {
+    if (!NamesSubKey(path))
+        return nullptr;
     HKEY opened;
     if (sys::OpenRegistryKey(key, path, &opened) == ERROR_SUCCESS)
         return OnKey(opened);
@@ -95,11 +105,8 @@ IParam* CRegistryParam::GetSection(const char* path, int create) {
 }
 
 // The registry removes only keys without sub-keys: the branch goes from its
-// leaves up. An empty path would name this very key, which is no section of
-// its own.
+// leaves up.
 void CRegistryParam::DeleteSection(const char* path) {
-    if (path == nullptr || *path == 0)
-        return;
     {
         Held<IParam> section(GetSection(path, 0));
         if (!section)

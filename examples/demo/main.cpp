@@ -666,6 +666,49 @@ void DialogTemplates() {
         Fio_DeleteFile(name.c_str());
 }
 
+
+#if defined(_WIN32)
+// Settings in the registry, under a key of the host's own that the host
+// makes: text goes in as registry text, wide text too, other kinds as binary
+// data behind their kind number.
+void RegistrySettings() {
+    Step("Settings in the registry");
+    const wchar_t* key = L"Software\\kticore-demo";
+    HKEY made;
+    RegCreateKeyExW(HKEY_CURRENT_USER, key, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &made, nullptr);
+    RegCloseKey(made);
+    IParam* settings = new_MemParam();
+    const CKTVariant width(640), title("kticore demo"), caption(KTW("wide caption"));
+    settings->SetValue("Width", &width);
+    settings->SetValue("Window\\Title", &title);
+    IParam* registry = new_IParamCUReg(key);
+    Param_CopyTo(settings, registry);
+    registry->SetValue("Caption", &caption);
+
+    IParam* window = registry->GetSection("Window", 0);
+    std::printf("   HKCU\\Software\\kticore-demo has the section Window: %s\n", window != nullptr ? "yes" : "no");
+    if (window != nullptr)
+        window->Release();
+    for (const char* name : {"Width", "Caption"}) {
+        HKEY raw;
+        DWORD type = 0, size = 0;
+        RegOpenKeyExW(HKEY_CURRENT_USER, key, 0, KEY_READ, &raw);
+        RegQueryValueExA(raw, name, nullptr, &type, nullptr, &size);
+        RegCloseKey(raw);
+        CKTVariant value;
+        registry->GetValue(name, &value);
+        std::printf("   %-8s %s of %lu bytes, reads back as kind %u\n", name, type == REG_SZ ? "REG_SZ" : "REG_BINARY",
+                    static_cast<unsigned long>(size), value.vt);
+    }
+    IParam* back = new_MemParam();
+    Param_CopyTo(registry, back);
+    std::printf("   read back into memory, the same settings: %d\n", Param_Cmp(settings, back));
+    back->Release();
+    registry->Release();
+    settings->Release();
+    RegDeleteTreeW(HKEY_CURRENT_USER, key);
+}
+#endif
 }  // namespace
 
 // The factory of the demo's class, found by the registry among the
@@ -694,6 +737,9 @@ int main() {
 #endif
     ParameterTrees();
     ProfileFile();
+#if defined(_WIN32)
+    RegistrySettings();
+#endif
     Translation();
     DialogTemplates();
     std::printf("\ndone\n");

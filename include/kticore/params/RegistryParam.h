@@ -8,7 +8,8 @@
 // are dropped without a word. A registry value of another type, or binary
 // data whose size does not fit its kind, reads as absent. Value names are
 // taken as they stand: a `\` is part of the name, and the empty name is the
-// key's unnamed value. Clear empties the sub-keys and leaves them in place.
+// key's unnamed value. A section of no name has no key: its path gives null.
+// Clear empties the sub-keys and leaves them in place.
 #pragma once
 
 #include "kticore/params/Param.h"

@@ -149,6 +149,7 @@ protected:
 // what it reads from the same bytes written by the platform.
 TEST_F(RegistryParamTest, EveryKindLiesInItsLayoutAndReadsBack) {
     const unsigned char blobBytes[] = {9, 0, 255};
+    const std::string longText(1000, 't');  // longer than a first read takes
     KTBlob threeBytes(3);
     std::memcpy(threeBytes.data, blobBytes, 3);
     const struct {
@@ -190,6 +191,7 @@ TEST_F(RegistryParamTest, EveryKindLiesInItsLayoutAndReadsBack) {
         {"no bytes", Blob(0), {REG_BINARY, Binary(KTVT_BLOB, 0u)}, Blob(0)},
         {"text", CKTVariant("some text"), {REG_SZ, Text("some text")}, CKTVariant("some text")},
         {"no text", CKTVariant(""), {REG_SZ, Text("")}, CKTVariant("")},
+        {"long text", CKTVariant(longText.c_str()), {REG_SZ, Text(longText.c_str())}, CKTVariant(longText.c_str())},
         {"wide", CKTVariant(KTW("wide text")), {REG_SZ, Text("wide text")}, CKTVariant("wide text")},
     };
     for (const auto& row : rows) {
@@ -306,9 +308,13 @@ TEST_F(RegistryParamTest, SectionsAreSubKeys) {
     EXPECT_EQ(Values(Content()), Names{"|a\\x"});
     // An object on a key that went stays safe to use.
     EXPECT_EQ(ValueAt(c.get(), "w").vt, kMissing);
+    // A section of no name has no key: the empty path is none of this key's.
+    const RegistryContent before = Content();
+    EXPECT_EQ(tree->GetSection("", 1), nullptr);
+    EXPECT_EQ(tree->CreateSection(""), nullptr);
     tree->DeleteSection("");
     tree->DeleteSection("missing");
-    EXPECT_EQ(Keys(Content()), (Names{"", "\\beside"}));
+    EXPECT_EQ(Content(), before);
 }
 
 TEST_F(RegistryParamTest, ClearEmptiesSubKeysAndKeepsThem) {
