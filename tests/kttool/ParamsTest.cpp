@@ -55,7 +55,8 @@ TEST(Params, ATreeGoesRoundTheFilePlacesAndStandardOutput) {
 
 #if defined(_WIN32)
 // Text to registry to a storage inside a compound file, which are made, and
-// out; then a missing key and a missing storage as sources.
+// out; then a missing key, a missing storage and a file of another kind as
+// sources.
 TEST(Params, ATreeGoesThroughTheRegistryAndACompoundFile) {
     Scratch scratch;
     Ref<IParam> tree(new_MemParam());
@@ -76,7 +77,9 @@ TEST(Params, ATreeGoesThroughTheRegistryAndACompoundFile) {
     const ToolRun noStorage = RunKtTool({"params", storage + ":Inner\\None", "-"});
     EXPECT_NE(noStorage.err.find("no storage \"Inner\\None\" in the file"), std::string::npos)
         << noStorage.err;
-    EXPECT_EQ(noKey.status + noStorage.status, 2 * kFailure);
+    const ToolRun notCompound = RunKtTool({"params", "stor:" + scratch / "a.txt", "-"});
+    EXPECT_NE(notCompound.err.find("a.txt: cannot be read"), std::string::npos) << notCompound.err;
+    EXPECT_EQ(noKey.status + noStorage.status + notCompound.status, 3 * kFailure);
 
     Ref<IParam> software(new_IParamCUReg(L"Software"));
     software->DeleteSection("kticore-kttool-tests");
