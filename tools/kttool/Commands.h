@@ -18,10 +18,12 @@ using Arguments = std::vector<std::string>;
 int RunExtract(const Arguments& args, std::ostream& out, std::ostream& err);
 int RunCheck(const Arguments& args, std::ostream& out, std::ostream& err);
 int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err);
+int RunParams(const Arguments& args, std::ostream& out, std::ostream& err);
 #if defined(_WIN32)
 int RunRender(const Arguments& args, std::ostream& out, std::ostream& err);
 int RunFit(const Arguments& args, std::ostream& out, std::ostream& err);
 int RunRun(const Arguments& args, std::ostream& out, std::ostream& err);
+int RunStorage(const Arguments& args, std::ostream& out, std::ostream& err);
 #endif
 
 // The program: the subcommand's name, then its arguments.

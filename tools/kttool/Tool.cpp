@@ -17,12 +17,14 @@ constexpr char kHelp[] =
     "  extract MODULE... -o FILE.wld   every text of the modules as a skeleton\n"
     "  check FILE.wld MODULE...        what the dictionary misses or gets wrong\n"
     "  pseudo FILE.wld -o OUT.wld      pseudo-translated values, for testing\n"
+    "  params FROM TO                  copies a parameter tree between places\n"
 #if defined(_WIN32)
     "  render MODULE... -o DIR         the translated dialogs as pictures, and\n"
     "                                  the texts that do not fit\n"
     "  fit MODULE... --wld F -o F.dlg  layouts that make the texts fit\n"
     "  run APP.exe [ARGS...] --wld F   an application translated, though it was\n"
     "                                  never built for it\n"
+    "  storage FILE [--values]         the storages and streams of a compound file\n"
 #endif
     "\n"
     "Exit status: 0 done, 1 check or render found something, 2 bad command line\n"
@@ -37,6 +39,8 @@ Command CommandNamed(const std::string& name) {
         return RunCheck;
     if (name == "pseudo")
         return RunPseudo;
+    if (name == "params")
+        return RunParams;
 #if defined(_WIN32)
     if (name == "render")
         return RunRender;
@@ -44,6 +48,8 @@ Command CommandNamed(const std::string& name) {
         return RunFit;
     if (name == "run")
         return RunRun;
+    if (name == "storage")
+        return RunStorage;
 #endif
     return nullptr;
 }

@@ -3,7 +3,8 @@
 # display: check of both German dictionaries, render of the notes
 # application's dialogs with its dictionary, then the notes application,
 # which knows nothing of kticore, run as it comes and run by kttool
-# translated, its texts printed each time.
+# translated, its texts printed each time; last a parameter tree copied
+# from a text file into the registry and a compound file, and shown.
 # Usage: run-kttool.sh WINDOWS_BUILD_DIR
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
@@ -34,3 +35,16 @@ printf '\n== The notes application as it comes\n'
 (cd "$notes" && "$KT_ROOT/tools/lib/wine-run" notes_app.exe --texts)
 printf '\n== kttool run of the notes application with notes_app.wld\n'
 (cd "$notes" && kttool run notes_app.exe --texts --wld notes_app.wld)
+
+params="$build_dir/params_demo"
+mkdir -p "$params"
+printf '[\\]\r\nWidth=i640|Title=sNotes\r\n[\\Window]\r\nPosition=p10,20|Visible=f1\r\n' >"$params/settings.txt"
+"$KT_ROOT/tools/lib/wine-run" reg delete 'HKCU\Software\kticore-demo' /f >/dev/null 2>&1 || true
+printf '\n== kttool params: settings.txt into the registry, and from there to standard output\n'
+cat "$params/settings.txt"
+(cd "$params" && kttool params text:settings.txt 'reg:HKCU\Software\kticore-demo\Notes' &&
+    kttool params 'reg:HKCU\Software\kticore-demo\Notes' -)
+printf '\n== kttool storage --values of a compound file that settings.txt was copied into\n'
+rm -f "$params/settings.cfd"
+(cd "$params" && kttool params text:settings.txt stor:settings.cfd:Notes &&
+    kttool storage settings.cfd --values)

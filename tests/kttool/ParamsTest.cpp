@@ -1,0 +1,121 @@
+// params: trees copied between the places the command line names, and the
+// answers to places that cannot be read or made.
+#include "kticore/params/ParamTools.h"
+#include "tests/kttool/ToolTestSupport.h"
+#include "tests/params/AllKinds.h"
+#if defined(_WIN32)
+#include "kticore/params/RegistryParam.h"
+#endif
+
+namespace kttool::test {
+namespace {
+
+using kt::test::Ref;
+
+Ref<IParam> TextTree(const std::string& path) {
+    Ref<IParam> tree(new_MemParam());
+    Param_IniFile2Param(CXStringW(path.c_str()), tree.get());
+    return tree;
+}
+
+std::string ContentOf(const std::string& path) {
+    return kt::test::ContentOf(kt::test::WideString(path.begin(), path.end()));
+}
+
+// Text to profile file to text to standard output, merging into what a
+// destination holds, and a source that is only read.
+TEST(Params, ATreeGoesRoundTheFilePlacesAndStandardOutput) {
+    Scratch scratch;
+    Ref<IParam> tree(new_MemParam());
+    kt::test::FillWithEveryKind(tree.get(), false);
+    Param_Param2IniFile(tree.get(), CXStringW((scratch / "a.txt").c_str()));
+    std::ofstream(scratch / "c.txt", std::ios::binary) << "[\\]\r\nkept=i7|int=i0\r\n";
+
+    EXPECT_EQ(RunKtTool({"params", "text:" + scratch / "a.txt", "ini:" + scratch / "b.ini"}).status,
+              kSuccess);
+    // A root without its marker key, as a hand-made file has it: reading
+    // must not write one.
+    std::string profile = ContentOf(scratch / "b.ini");
+    const size_t marker = profile.find("@=e\r\n");
+    ASSERT_NE(marker, std::string::npos) << profile;
+    profile.erase(marker, 5);
+    std::ofstream(scratch / "b.ini", std::ios::binary) << profile;
+    EXPECT_EQ(RunKtTool({"params", "ini:" + scratch / "b.ini", "text:" + scratch / "c.txt"}).status,
+              kSuccess);
+    EXPECT_EQ(ContentOf(scratch / "b.ini"), profile) << "the source was written";
+    const ToolRun printed = RunKtTool({"params", "text:" + scratch / "c.txt", "-"});
+    ASSERT_EQ(printed.status, kSuccess) << printed.err;
+    EXPECT_EQ(printed.out.find('\r'), std::string::npos);
+    std::ofstream(scratch / "d.txt", std::ios::binary) << printed.out;
+
+    const Ref<IParam> result = TextTree(scratch / "d.txt");
+    EXPECT_EQ(Param_Cmp(tree.get(), result.get()), 1) << printed.out;
+    EXPECT_EQ(static_cast<int>(kt::test::ValueAt(result.get(), "kept")), 7) << printed.out;
+}
+
+#if defined(_WIN32)
+// Text to registry to a storage inside a compound file, which are made, and
+// out; then a missing key, a missing storage and a file of another kind as
+// sources.
+TEST(Params, ATreeGoesThroughTheRegistryAndACompoundFile) {
+    Scratch scratch;
+    Ref<IParam> tree(new_MemParam());
+    kt::test::FillWithEveryKind(tree.get(), false);
+    Param_Param2IniFile(tree.get(), CXStringW((scratch / "a.txt").c_str()));
+    const std::string key = "reg:HKCU\\Software\\kticore-kttool-tests\\params";
+    const std::string storage = "stor:" + scratch / "tree.cfd";
+
+    EXPECT_EQ(RunKtTool({"params", "text:" + scratch / "a.txt", key}).status, kSuccess);
+    EXPECT_EQ(RunKtTool({"params", key, storage + ":Inner\\Deep"}).status, kSuccess);
+    const ToolRun printed = RunKtTool({"params", storage + ":Inner\\Deep", "-"});
+    EXPECT_EQ(printed.status, kSuccess) << printed.err;
+    std::ofstream(scratch / "d.txt", std::ios::binary) << printed.out;
+    EXPECT_EQ(Param_Cmp(tree.get(), TextTree(scratch / "d.txt").get()), 1) << printed.out;
+
+    const ToolRun noKey = RunKtTool({"params", key + "\\none", "-"});
+    EXPECT_NE(noKey.err.find("none: no such key"), std::string::npos) << noKey.err;
+    const ToolRun noStorage = RunKtTool({"params", storage + ":Inner\\None", "-"});
+    EXPECT_NE(noStorage.err.find("no storage \"Inner\\None\" in the file"), std::string::npos)
+        << noStorage.err;
+    const ToolRun notCompound = RunKtTool({"params", "stor:" + scratch / "a.txt", "-"});
+    EXPECT_NE(notCompound.err.find("a.txt: cannot be read"), std::string::npos) << notCompound.err;
+    EXPECT_EQ(noKey.status + noStorage.status + notCompound.status, 3 * kFailure);
+
+    Ref<IParam> software(new_IParamCUReg(L"Software"));
+    software->DeleteSection("kticore-kttool-tests");
+}
+#endif
+
+struct Answer {
+    Arguments args;
+    const char* says;
+};
+
+TEST(Params, PlacesThatCannotBeUsedAreAnsweredWithAMessage) {
+    Scratch scratch;
+    const std::string missing = scratch / "missing.txt";
+    const std::string source = scratch / "source.txt";
+    std::ofstream(source) << "[\\]\nv=i1\n";
+    const Answer answers[] = {
+        {{"params", "text:" + missing}, "needs FROM and TO"},
+        {{"params", missing, "-"}, "is no place"},
+        {{"params", "-", "text:" + missing}, "can only be copied to"},
+        {{"params", "text:", "-"}, "the file is missing"},
+        {{"params", "text:" + missing, "-"}, "missing.txt: cannot be read (no such file)"},
+        {{"params", "ini:" + missing, "-"}, "missing.txt: cannot be read (no such file)"},
+        {{"params", "reg:HKCR\\Software", "-"}, "begins with HKCU\\ or HKLM\\"},
+        {{"params", "reg:HKCU\\", "-"}, "a key below the hive is needed"},
+        {{"params", "text:" + scratch / "", "-"}, "cannot be read"},
+        {{"params", "text:" + source, "text:" + scratch / ""}, "cannot be opened"},
+    };
+    for (const Answer& answer : answers) {
+        const ToolRun run = RunKtTool(answer.args);
+        SCOPED_TRACE(answer.says);
+        EXPECT_EQ(run.status, kFailure);
+        EXPECT_NE(run.err.find(answer.says), std::string::npos) << run.out << run.err;
+    }
+    EXPECT_FALSE(std::ifstream(missing)) << "a missing source was made";
+}
+
+}  // namespace
+}  // namespace kttool::test

@@ -1,0 +1,100 @@
+// storage: the tree of a compound file, the values in its streams, and
+// streams whose bytes are none.
+#include "kticore/storage/Storage.h"
+#include "tests/kttool/ToolTestSupport.h"
+#include "tests/support/Counted.h"
+
+namespace kttool::test {
+namespace {
+
+using kt::test::Ref;
+
+constexpr unsigned short kObjectKind = KTVT_OBJECT;
+
+void WriteValue(IXStorage* storage, const char* name, const CKTVariant& value) {
+    Ref<IXStream> stream(storage->CreateStream(name));
+    stream->WriteVariant(&value);
+}
+
+void WriteBytes(IXStorage* storage, const char* name, const std::string& bytes) {
+    Ref<IXStream> stream(storage->CreateStream(name));
+    stream->Write(bytes.data(), static_cast<unsigned>(bytes.size()));
+}
+
+// The stored form of an object of a class no program here has registered.
+std::string ForeignObject() {
+    std::string bytes(reinterpret_cast<const char*>(&kObjectKind), sizeof kObjectKind);
+    bytes += std::string("Foreign.Shape") + '\0';
+    bytes += std::string("\3\0\0\0", 4) + "xyz";
+    return bytes;
+}
+
+// Each line the listing must hold, with the indentation of its level.
+TEST(Storage, ListsTheTreeWithTheValueInEachStream) {
+    Scratch scratch;
+    const std::string path = scratch / "doc.cfd";
+    {
+        Ref<IXStorage> root(new_Storage(CXStringW(path.c_str()), 0));
+        WriteValue(root.get(), "Width", CKTVariant(640));
+        WriteValue(root.get(), "Title", CKTVariant("a \"b\"\n"));
+        WriteBytes(root.get(), "junk", "hello");
+        WriteBytes(root.get(), "cut", std::string("\x0a\0\x64\0\0\0abc", 9));
+        WriteBytes(root.get(), "none", "");
+        Ref<IXStorage> sub(root->CreateStorage("Sub"));
+        WriteValue(sub.get(), "Wide", CKTVariant(KTW("\u00e9t\u00e9")));
+        WriteValue(sub.get(), "Frame", CKTVariant(tagRRECT{0.5, -1, 1e10, 2.25}));
+        WriteBytes(sub.get(), "Shape", ForeignObject());
+        Ref<IXStorage> deeper(sub->CreateStorage("Deeper"));
+        const CKTVariant longer(-70000);
+        CKTVariant shorter(static_cast<unsigned char>(9));
+        Ref<IXStream> over(deeper->CreateStream("Over"));
+        over->WriteVariant(&longer);
+        over->Seek(0, 0);
+        over->WriteVariant(&shorter);
+    }
+    const ToolRun run = RunKtTool({"storage", path, "--values"});
+    ASSERT_EQ(run.status, kSuccess) << run.err;
+    const char* const kLines[] = {
+        "  Width  6 bytes  int 640\n",
+        "  Title  13 bytes  text \"a \\\"b\\\"\\x0a\"\n",
+        "  junk  5 bytes  not a stored value\n",
+        "  cut  9 bytes  not a stored value\n",
+        "  none  0 bytes  not a stored value\n",
+        "  Sub\\\n",
+        "    Wide  14 bytes  wide text \"\\u00e9t\\u00e9\"\n",
+        "    Frame  34 bytes  real rectangle 0.5,-1,1e+10,2.25\n",
+        "    Shape  23 bytes  object Foreign.Shape, 3 bytes, class not registered\n",
+        "    Deeper\\\n",
+        "      Over  6 bytes  byte 9 (and 3 unread bytes behind it)\n",
+    };
+    for (const char* line : kLines)
+        EXPECT_NE(run.out.find(line), std::string::npos) << line << "in:\n" << run.out;
+    EXPECT_EQ(run.out.rfind(path + "\n", 0), 0u) << run.out;
+
+    const ToolRun plain = RunKtTool({"storage", path});
+    EXPECT_NE(plain.out.find("\n  Width  6 bytes\n"), std::string::npos) << plain.out;
+    EXPECT_EQ(plain.out.find("int"), std::string::npos) << plain.out;
+}
+
+TEST(Storage, FilesThatAreNoCompoundFilesAreAnsweredWithAMessage) {
+    Scratch scratch;
+    std::ofstream(scratch / "text.txt") << "not a compound file\n";
+    const struct {
+        Arguments args;
+        const char* says;
+    } answers[] = {
+        {{"storage"}, "needs one FILE"},
+        {{"storage", scratch / "missing.cfd"},
+         "cannot be opened as a compound file (no such file)"},
+        {{"storage", scratch / "text.txt"}, "text.txt: cannot be opened as a compound file"},
+    };
+    for (const auto& answer : answers) {
+        const ToolRun run = RunKtTool(answer.args);
+        SCOPED_TRACE(answer.says);
+        EXPECT_EQ(run.status, kFailure);
+        EXPECT_NE(run.err.find(answer.says), std::string::npos) << run.err;
+    }
+}
+
+}  // namespace
+}  // namespace kttool::test

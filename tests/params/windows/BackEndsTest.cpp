@@ -1,0 +1,185 @@
+// The four back ends together: a tree with every kind goes from one to the
+// next, and what each keeps, drops or changes is what its row of the
+// back-end rules says, checked with the tools' own compare.
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "kticore/objects/Persist.h"
+#include "kticore/params/IniFileParam.h"
+#include "kticore/params/ParamTools.h"
+#include "kticore/params/RegistryParam.h"
+#include "kticore/params/StorageParam.h"
+#include "kticore/storage/Storage.h"
+#include "params/BackEndRules.h"
+#include "tests/params/AllKinds.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace kt::test {
+namespace {
+
+using params::BackEndRules;
+
+constexpr wchar_t kRegistryRoot[] = L"Software\\kticore-back-end-tests";
+
+// The stored form of a variant: how objects, which compare by pointer, are
+// compared across back ends.
+std::string StoredForm(const tagKTVARIANT& value) {
+    Ref<IXStream> stream(new_StreamOnMemory());
+    stream->WriteVariant(&value);
+    std::string bytes(stream->GetLength(), '\0');
+    stream->Seek(0, 0);
+    stream->Read(bytes.data(), static_cast<unsigned>(bytes.size()));
+    return bytes;
+}
+
+// An object of a class nobody registered: it travels as the bytes it was
+// read from.
+CKTVariant ForeignObject() {
+    Ref<IXStream> stream(new_StreamOnMemory());
+    stream->WriteString("Foreign.Shape");
+    stream->WriteDWord(3);
+    stream->Write("xyz", 3);
+    stream->Seek(0, 0);
+    CKTVariant value;
+    value.vt = KTVT_OBJECT;
+    ReadObjectFromXStream(stream.get(), &value.punkVal);
+    return value;
+}
+
+// Every value below `tree`, by its path.
+void ForEachValue(IParam* tree, const std::string& path,
+                  const std::function<void(const std::string&, const CKTVariant&)>& visit) {
+    for (const std::string& name : ValueNames(tree))
+        visit(path + name, ValueAt(tree, name.c_str()));
+    for (const std::string& name : SectionNames(tree)) {
+        Ref<IParam> section(tree->GetSection(name.c_str(), 0));
+        ForEachValue(section.get(), path + name + "\\", visit);
+    }
+}
+
+struct BackEnd {
+    const BackEndRules& rules;
+    // The registry gives wide text back as narrow text.
+    bool wideTextReadsNarrow;
+    // A new empty tree of this back end.
+    std::function<Ref<IParam>()> open;
+};
+
+class BackEnds : public ::testing::Test {
+protected:
+    void TearDown() override { RegDeleteTreeW(HKEY_CURRENT_USER, kRegistryRoot); }
+
+    WideString Fresh(const char* extension) {
+        const std::string leaf = "t" + std::to_string(++count) + extension;
+        return directory / WideString(leaf.begin(), leaf.end());
+    }
+    Ref<IParam> RegistryTree() {
+        HKEY key;
+        const std::wstring path = std::wstring(kRegistryRoot) + L"\\t" + std::to_wstring(++count);
+        EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                                  nullptr, &key, nullptr),
+                  ERROR_SUCCESS);
+        RegCloseKey(key);
+        return Ref<IParam>(new_IParamCUReg(path.c_str()));
+    }
+    Ref<IParam> StorageTree() {
+        Ref<IXStorage> storage(new_Storage(Fresh(".cfd").c_str(), 0));
+        return Ref<IParam>(new_IXStorParam(storage.get()));
+    }
+
+    // What `to` must hold after a copy of `expected` into it: the kinds it
+    // stores, changed as it changes them. Objects are left to their own check.
+    static Ref<IParam> Kept(IParam* expected, const BackEnd& to) {
+        Ref<IParam> kept(new_MemParam());
+        ForEachValue(expected, "", [&](const std::string& path, const CKTVariant& value) {
+            if (!params::Stores(to.rules, value.vt) || value.vt == KTVT_OBJECT)
+                return;
+            if (value.vt == KTVT_WSTR && to.wideTextReadsNarrow)
+                Set(kept.get(), path.c_str(), CKTVariant(CXString(value.pwszVal)));
+            else
+                Set(kept.get(), path.c_str(), value);
+        });
+        return kept;
+    }
+
+    // Copies `from`, which holds `expected`, into a new tree of `to`, shows
+    // that it holds what the rules keep and lacks what they drop, and gives
+    // the new tree and what it holds.
+    std::pair<Ref<IParam>, Ref<IParam>> Leg(IParam* from, IParam* expected, const BackEnd& to) {
+        SCOPED_TRACE(to.rules.name);
+        Ref<IParam> tree = to.open();
+        EXPECT_NE(tree, nullptr);
+        Param_CopyTo(from, tree.get());
+        Ref<IParam> kept = Kept(expected, to);
+        EXPECT_EQ(Param_Cmp(kept.get(), tree.get()), 1);
+        ForEachValue(expected, "", [&](const std::string& path, const CKTVariant& value) {
+            SCOPED_TRACE(path);
+            const CKTVariant copied = ValueAt(tree.get(), path.c_str());
+            if (!params::Stores(to.rules, value.vt)) {
+                EXPECT_EQ(copied.vt, kMissing) << "a kind the back end drops was kept";
+            } else if (value.vt == KTVT_OBJECT) {
+                EXPECT_EQ(StoredForm(copied), StoredForm(value));
+            }
+        });
+        if (params::Stores(to.rules, KTVT_OBJECT))
+            ForEachValue(expected, "", [&](const std::string& path, const CKTVariant& value) {
+                if (value.vt == KTVT_OBJECT)
+                    Set(kept.get(), path.c_str(), value);
+            });
+        return {std::move(tree), std::move(kept)};
+    }
+
+    // A tree in memory with every kind, an object among them.
+    static Ref<IParam> EveryKind() {
+        Ref<IParam> tree = NewTree();
+        FillWithEveryKind(tree.get(), true);
+        Set(tree.get(), "Sub\\object", ForeignObject());
+        return tree;
+    }
+
+    ScratchDirectory directory;
+    int count = 0;
+    const BackEnd memory{params::kMemoryTree, false, [] { return NewTree(); }};
+    const BackEnd profile{params::kProfileFile, false,
+                          [this] { return Ref<IParam>(new_IParamIniFile(Fresh(".ini").c_str())); }};
+    const BackEnd registry{params::kRegistry, true, [this] { return RegistryTree(); }};
+    const BackEnd storage{params::kStorage, false, [this] { return StorageTree(); }};
+};
+
+TEST_F(BackEnds, ATreeGoesRoundAllFourAndComesBackAsTheRulesSay) {
+    const Ref<IParam> start = EveryKind();
+    Ref<IParam> tree = NewTree();
+    Param_CopyTo(start.get(), tree.get());
+    Ref<IParam> held = NewTree();
+    Param_CopyTo(start.get(), held.get());
+    for (const BackEnd* next : {&profile, &registry, &storage, &memory}) {
+        auto [copy, kept] = Leg(tree.get(), held.get(), *next);
+        tree = std::move(copy);
+        held = std::move(kept);
+    }
+    // Only what every back end keeps is left, and all of it.
+    EXPECT_EQ(Param_Cmp(held.get(), tree.get()), 1);
+    ForEachValue(start.get(), "", [&](const std::string& path, const CKTVariant& value) {
+        const bool everywhere = params::Stores(params::kProfileFile, value.vt) &&
+                                params::Stores(params::kRegistry, value.vt) &&
+                                params::Stores(params::kStorage, value.vt);
+        EXPECT_EQ(ValueAt(tree.get(), path.c_str()).vt == kMissing, !everywhere) << path;
+    });
+}
+
+TEST_F(BackEnds, EveryPairCopiesWhatBothKeep) {
+    const Ref<IParam> start = EveryKind();
+    for (const BackEnd* from : {&memory, &profile, &registry, &storage}) {
+        for (const BackEnd* to : {&memory, &profile, &registry, &storage}) {
+            SCOPED_TRACE(std::string(from->rules.name) + " to " + to->rules.name);
+            auto [source, held] = Leg(start.get(), start.get(), *from);
+            Leg(source.get(), held.get(), *to);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace kt::test
