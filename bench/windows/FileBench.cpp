@@ -114,7 +114,7 @@ void ReadLines(const std::wstring& name) {
 int main() {
     const std::wstring binary = MakeFile(L"kticore_bench.bin", kBinarySize, false);
     const std::wstring text = MakeFile(L"kticore_bench.txt", kTextSize, true);
-    kt::bench::PrintRatioHeader();
+    kt::bench::PrintRatioHeader("ms");
     ReadDWords(binary);
     ReadLines(text);
     DeleteFileW(binary.c_str());

@@ -127,7 +127,7 @@ int main() {
             "(tools/bench starts tests/support/ftp-server.py)\n");
         return 0;
     }
-    kt::bench::PrintRatioHeader();
+    kt::bench::PrintRatioHeader("ms");
     RoundTrip("FTP round trip 1MiB (ms)", 16, 9);
     RoundTrip("FTP round trip 100MiB (ms)", 1600, 5);
     return 0;

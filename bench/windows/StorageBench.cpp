@@ -96,7 +96,7 @@ void OpenAndEnumerate() {
 }  // namespace
 
 int main() {
-    kt::bench::PrintRatioHeader();
+    kt::bench::PrintRatioHeader("(unit)");  // each case names its unit
     StreamBlocks();
     OpenAndEnumerate();
     return 0;

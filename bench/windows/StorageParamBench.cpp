@@ -149,7 +149,7 @@ int main() {
     const kt::bench::PairOfFigures figures = kt::bench::NanosecondsPerCallInTurn(
         [&] { ThroughTheTree(fixture, ours); }, [&] { ThroughOle(fixture, theirs); }, 1, 5);
     DeleteFileW(fixture.path.c_str());
-    kt::bench::PrintRatioHeader();
+    kt::bench::PrintRatioHeader("ms");
     kt::bench::PrintRatio("Tree of 10000 values (ms)", "raw OLE streams", figures.ours / 1e6,
                           figures.theirs / 1e6);
     const long expected = kSections * kValuesPerSection;

@@ -97,7 +97,7 @@ void VariantRoundTrips() {
 }  // namespace
 
 int main() {
-    kt::bench::PrintRatioHeader();
+    kt::bench::PrintRatioHeader("ms");
     DWords();
     Blocks();
     VariantRoundTrips();
