@@ -17,10 +17,12 @@ constexpr DWORD kStartPatienceMs = 1000;
 void KTCreateObjName(const char* name, char* dest, unsigned long threadId) {
     if (threadId == 0)
         threadId = kt::sys::CurrentThreadId();
-    // The ids first, so that a name cut to fit still tells threads apart.
+    // The ids first, so that a name cut to fit still tells threads apart. A
+    // null name is the empty one, for the creator and the thread alike.
     char ids[48];
     std::snprintf(ids, sizeof ids, "%lu.%lu.", kt::sys::CurrentProcessId(), threadId);
-    kt::sys::NameStartSignal((ids + std::string(name)).c_str(), dest, kObjectNameSize);
+    kt::sys::NameStartSignal((ids + std::string(name != nullptr ? name : "")).c_str(), dest,
+                             kObjectNameSize);
 }
 
 void* KTCreateThread(const char* name, unsigned (*start)(void*), void* arg, unsigned long* threadId) {

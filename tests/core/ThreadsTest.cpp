@@ -497,7 +497,8 @@ TEST(ThreadStart, WaitsUpToASecondForTheThreadToAnswer) {
 }
 
 TEST(ThreadStart, ObjectNamesTellTheirInputsApart) {
-    char name[256], same[256], otherName[256], otherThread[256], longName[256], longOtherThread[256];
+    char name[256], same[256], otherName[256], otherThread[256], longName[256], longOtherThread[256],
+        unnamed[256], empty[256];
     KTCreateObjName("name", name, 42);
     KTCreateObjName("name", same, 42);
     KTCreateObjName("other", otherName, 42);
@@ -508,6 +509,9 @@ TEST(ThreadStart, ObjectNamesTellTheirInputsApart) {
     EXPECT_STRNE(name, otherName);
     EXPECT_STRNE(name, otherThread);
     EXPECT_STRNE(longName, longOtherThread);
+    KTCreateObjName(nullptr, unnamed, 42);
+    KTCreateObjName("", empty, 42);
+    EXPECT_STREQ(unnamed, empty);
 }
 
 }  // namespace
