@@ -1,0 +1,49 @@
+// Numbers as text, read and written the same way on every build and in every
+// locale: a real always has a decimal point, and nothing here asks or changes
+// the process's locale. The text form of a tree and the conversions of
+// variants share them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "kticore/platform/Platform.h"
+
+namespace kt::number {
+
+// A 32-bit integer as strtol (signed) or strtoul (unsigned) of a 32-bit
+// runtime reads it: blanks, a sign, the digits of `base` (16 allows a "0x"
+// in front). Out of range it holds at the limit. Returns where the digits
+// end, or null when no digit was consumed.
+const char* ReadInteger(const char* text, int base, bool isSigned, std::uint32_t& value);
+
+// A decimal integer as scanf's %d and %u read it: blanks, a sign, digits.
+// Like the runtime's scanner, the number runs over silently: the low 32 bits
+// are kept, and a minus sign negates for %u too, so both read the same bits.
+// Returns where the digits end, or null when no digit was consumed.
+template <class Unit>
+const Unit* ScanDecimal(const Unit* text, std::uint32_t& value);
+
+// A real as strtod reads it: blanks, a sign, a decimal or hexadecimal
+// number, "inf" or "nan". Returns where it ends, or null when no digit was
+// consumed.
+const char* ReadReal(const char* text, double& value);
+// The same as strtof reads it: rounded once, straight to a float.
+const char* ReadReal(const char* text, float& value);
+// 16-bit text as swscanf reads it: the same, over the units of the text.
+const KTWCHAR* ReadReal(const KTWCHAR* text, double& value);
+const KTWCHAR* ReadReal(const KTWCHAR* text, float& value);
+
+// The significant digits that the text form of a tree writes for a real, and
+// those of printf's %g.
+constexpr int kTreeRealDigits = 14;
+constexpr int kShortRealDigits = 6;
+
+// Appends the real with that many significant digits, in the shortest of the
+// fixed and the exponent form ("1.5", "3", "1e+20"), as printf's %g writes it
+// in the C locale.
+void AppendReal(std::string& out, double value, int significantDigits = kTreeRealDigits);
+void AppendUnsigned(std::string& out, std::uint32_t value);
+void AppendSigned(std::string& out, std::int32_t value);
+
+}  // namespace kt::number

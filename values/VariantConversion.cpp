@@ -1,0 +1,458 @@
+// The conversion of a variant into another kind, by a fixed matrix of source
+// and target kinds. Numbers become numbers and texts, texts become numbers
+// through scanf-style reading, geometric records convert only to their twin
+// in the other number type. Nothing converts to or from a compound kind
+// otherwise, and no text becomes a boolean.
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+#include "kticore/values/Variant.h"
+#include "strings/NumberText.h"
+#include "values/BlobBytes.h"
+#include "values/TextCopy.h"
+
+namespace {
+
+// The bits that the processor's truncating conversion gives for a double
+// beyond its range (and for NaN): the "integer indefinite", 0x80000000 in
+// 32 bits and 0x8000000000000000 in 64.
+constexpr std::int32_t kIndefinite32 = INT32_MIN;
+constexpr std::int64_t kIndefinite64 = INT64_MIN;
+constexpr double kTwoTo31 = 2147483648.0;
+constexpr double kTwoTo63 = 9223372036854775808.0;
+
+// Taken away from a negative number before it is cut toward zero: not 0.5,
+// so that -2.5 rounds to -2.
+constexpr double kNegativeRoundingBias = 0.4999999;
+constexpr double kPositiveRoundingBias = 0.5;
+
+const char kYes[] = "Yes";
+const char kNo[] = "No";
+
+bool IsUnknownKind(unsigned short vt) { return vt > KTVT_WSTR; }
+
+std::int32_t CutTo32(double x) {
+    return x > -kTwoTo31 - 1.0 && x < kTwoTo31 ? static_cast<std::int32_t>(x) : kIndefinite32;
+}
+
+// Through 64 bits, keeping the low 32: all of 0 to 4294967295 survive.
+std::uint32_t CutThrough64(double x) {
+    const std::int64_t cut =
+        x >= -kTwoTo63 && x < kTwoTo63 ? static_cast<std::int64_t>(x) : kIndefinite64;
+    return static_cast<std::uint32_t>(cut);
+}
+
+LONG Round(double x) {
+    return CutTo32(x >= 0 ? x + kPositiveRoundingBias : x - kNegativeRoundingBias);
+}
+
+// An integer rectangle excludes its right and bottom edges, a double one
+// includes them: 1 comes off or on between the two.
+LONG RoundExcludedEdge(double x) {
+    return static_cast<LONG>(static_cast<std::uint32_t>(Round(x)) + 1u);
+}
+
+// A null text reads as the empty text: the matrix assumes a text, and a
+// serious caller expects "no text" to scan like "" (it fails) and to turn
+// into the empty text of the other width rather than to crash.
+template <class Unit>
+const Unit* TextOrEmpty(const Unit* text) {
+    static const Unit kEmpty[] = {0};
+    return text != nullptr ? text : kEmpty;
+}
+
+template <class Unit>
+bool ScanInteger(const Unit* text, std::uint32_t& bits) {
+    return kt::number::ScanDecimal(TextOrEmpty(text), bits) != nullptr;
+}
+
+template <class Unit, class Real>
+bool ScanReal(const Unit* text, Real& value) {
+    return kt::number::ReadReal(TextOrEmpty(text), value) != nullptr;
+}
+
+bool ToBoolean(const tagKTVARIANT& src, ULONG& value) {
+    switch (src.vt) {
+    case KTVT_EMPTY:
+        value = 0;
+        return true;
+    case KTVT_BOOL:
+        value = src.boolVal;
+        return true;
+    case KTVT_BYTE:
+        value = src.bVal != 0;
+        return true;
+    case KTVT_WORD:
+        value = src.uiVal != 0;
+        return true;
+    case KTVT_ULONG:
+    case KTVT_INT:
+    case KTVT_UINT:
+    case KTVT_LONG:
+        value = src.ulVal != 0;
+        return true;
+    case KTVT_DOUBLE:
+        value = src.dblVal > 0.0 || src.dblVal < 0.0;
+        return true;
+    case KTVT_FLOAT:
+        value = src.fltVal > 0.0f || src.fltVal < 0.0f;
+        return true;
+    default:
+        return false;
+    }
+}
+
+// The 32 bits that an integer target takes from the source. A byte or a
+// word target keeps the low bits of them.
+bool ToIntegerBits(const tagKTVARIANT& src, unsigned short vt, std::uint32_t& bits) {
+    const bool signedTarget = vt == KTVT_INT || vt == KTVT_LONG;
+    const bool narrowTarget = vt == KTVT_BYTE || vt == KTVT_WORD;
+    switch (src.vt) {
+    case KTVT_EMPTY:
+        bits = 0;
+        return true;
+    case KTVT_BYTE:
+        bits = src.bVal;
+        return true;
+    case KTVT_WORD:
+        bits = src.uiVal;
+        return true;
+    case KTVT_BOOL:
+    case KTVT_ULONG:
+    case KTVT_INT:
+    case KTVT_UINT:
+    case KTVT_LONG:
+        bits = src.ulVal;
+        return true;
+    case KTVT_DOUBLE:
+    case KTVT_FLOAT: {
+        if (narrowTarget || (vt == KTVT_ULONG && src.vt == KTVT_FLOAT))
+            return false;
+        const double x = src.vt == KTVT_DOUBLE ? src.dblVal : static_cast<double>(src.fltVal);
+        bits = signedTarget ? static_cast<std::uint32_t>(CutTo32(x)) : CutThrough64(x);
+        return true;
+    }
+    // %d and %u read the same bits: see ScanDecimal.
+    case KTVT_STR:
+        return !narrowTarget && ScanInteger(src.pszVal, bits);
+    case KTVT_WSTR:
+        return !narrowTarget && vt != KTVT_ULONG && ScanInteger(src.pwszVal, bits);
+    default:
+        return false;
+    }
+}
+
+template <class Real>
+bool ToReal(const tagKTVARIANT& src, Real& value) {
+    switch (src.vt) {
+    case KTVT_EMPTY:
+        value = 0;
+        return true;
+    case KTVT_BOOL:
+    case KTVT_INT:
+    case KTVT_LONG:
+        value = static_cast<Real>(src.intVal);
+        return true;
+    case KTVT_BYTE:
+        value = static_cast<Real>(src.bVal);
+        return true;
+    case KTVT_WORD:
+        value = static_cast<Real>(src.uiVal);
+        return true;
+    case KTVT_ULONG:
+    case KTVT_UINT:
+        value = static_cast<Real>(src.ulVal);
+        return true;
+    case KTVT_DOUBLE:
+        value = static_cast<Real>(src.dblVal);
+        return true;
+    case KTVT_FLOAT:
+        value = static_cast<Real>(src.fltVal);
+        return true;
+    case KTVT_STR:
+        return ScanReal(src.pszVal, value);
+    case KTVT_WSTR:
+        return ScanReal(src.pwszVal, value);
+    default:
+        return false;
+    }
+}
+
+// The text form of a number or a boolean, as printf writes it: "%hu" of a
+// byte, "%u" and "%d" of the integers, "%lg" of a double and "%g" of a float
+// widened to double. The result is ASCII, so it is the same in both widths.
+bool FormatNumber(const tagKTVARIANT& src, std::string& text) {
+    switch (src.vt) {
+    case KTVT_EMPTY:
+        return true;
+    case KTVT_BOOL:
+        text = src.boolVal != 0 ? kYes : kNo;
+        return true;
+    case KTVT_BYTE:
+        kt::number::AppendUnsigned(text, src.bVal);
+        return true;
+    case KTVT_WORD:
+        kt::number::AppendUnsigned(text, src.uiVal);
+        return true;
+    case KTVT_ULONG:
+    case KTVT_UINT:
+        kt::number::AppendUnsigned(text, src.ulVal);
+        return true;
+    case KTVT_INT:
+    case KTVT_LONG:
+        kt::number::AppendSigned(text, src.intVal);
+        return true;
+    case KTVT_DOUBLE:
+        kt::number::AppendReal(text, src.dblVal, kt::number::kShortRealDigits);
+        return true;
+    case KTVT_FLOAT:
+        kt::number::AppendReal(text, static_cast<double>(src.fltVal), kt::number::kShortRealDigits);
+        return true;
+    default:
+        return false;
+    }
+}
+
+template <class Unit>
+Unit* Widened(const std::string& ascii) {
+    Unit* copy = new Unit[ascii.size() + 1];
+    for (size_t i = 0; i <= ascii.size(); ++i)
+        copy[i] = static_cast<Unit>(ascii[i]);
+    return copy;
+}
+
+bool ToNarrowText(const tagKTVARIANT& src, char*& text) {
+    switch (src.vt) {
+    case KTVT_STR:
+        text = kt::CopyText(src.pszVal);
+        return true;
+    case KTVT_WSTR: {
+        const CXString narrow(TextOrEmpty(src.pwszVal));
+        text = kt::CopyText(narrow, narrow.GetSize());
+        return true;
+    }
+    default: {
+        std::string number;
+        if (!FormatNumber(src, number))
+            return false;
+        text = kt::CopyText(number.c_str(), number.size());
+        return true;
+    }
+    }
+}
+
+bool ToWideText(const tagKTVARIANT& src, KTWCHAR*& text) {
+    switch (src.vt) {
+    case KTVT_WSTR:
+        text = kt::CopyText(src.pwszVal);
+        return true;
+    case KTVT_STR: {
+        const CXStringW wide(TextOrEmpty(src.pszVal));
+        text = kt::CopyText(wide, wide.GetSize());
+        return true;
+    }
+    default: {
+        std::string number;
+        if (!FormatNumber(src, number))
+            return false;
+        text = Widened<KTWCHAR>(number);
+        return true;
+    }
+    }
+}
+
+// A record kind converts from itself, copied, and from its twin of the other
+// number type, through `convert`.
+template <class Record, class Twin, class Convert>
+bool ToRecord(const tagKTVARIANT& src, unsigned short own, unsigned short twin,
+              Record& value, Convert convert) {
+    if (src.vt == own) {
+        std::memcpy(&value, &src.sizeVal, sizeof value);
+        return true;
+    }
+    if (src.vt != twin)
+        return false;
+    Twin from;
+    std::memcpy(&from, &src.sizeVal, sizeof from);
+    value = convert(from);
+    return true;
+}
+
+bool ToSize(const tagKTVARIANT& src, tagSIZE& value) {
+    return ToRecord<tagSIZE, tagRSIZE>(src, KTVT_SIZE, KTVT_RSIZE, value, [](const tagRSIZE& r) {
+        return tagSIZE{Round(r.cx), Round(r.cy)};
+    });
+}
+
+bool ToRealSize(const tagKTVARIANT& src, tagRSIZE& value) {
+    return ToRecord<tagRSIZE, tagSIZE>(src, KTVT_RSIZE, KTVT_SIZE, value, [](const tagSIZE& s) {
+        return tagRSIZE{static_cast<double>(s.cx), static_cast<double>(s.cy)};
+    });
+}
+
+bool ToPoint(const tagKTVARIANT& src, tagPOINT& value) {
+    return ToRecord<tagPOINT, tagRPOINT>(src, KTVT_POINT, KTVT_RPOINT, value,
+                                         [](const tagRPOINT& p) {
+                                             return tagPOINT{Round(p.x), Round(p.y)};
+                                         });
+}
+
+bool ToRealPoint(const tagKTVARIANT& src, tagRPOINT& value) {
+    return ToRecord<tagRPOINT, tagPOINT>(src, KTVT_RPOINT, KTVT_POINT, value,
+                                         [](const tagPOINT& p) {
+                                             return tagRPOINT{static_cast<double>(p.x),
+                                                              static_cast<double>(p.y)};
+                                         });
+}
+
+bool ToRect(const tagKTVARIANT& src, tagRECT& value) {
+    return ToRecord<tagRECT, tagRRECT>(src, KTVT_RECT, KTVT_RRECT, value, [](const tagRRECT& r) {
+        return tagRECT{Round(r.left), Round(r.top), RoundExcludedEdge(r.right),
+                       RoundExcludedEdge(r.bottom)};
+    });
+}
+
+bool ToRealRect(const tagKTVARIANT& src, tagRRECT& value) {
+    return ToRecord<tagRRECT, tagRECT>(src, KTVT_RRECT, KTVT_RECT, value, [](const tagRECT& r) {
+        // In doubles, so that the edge of a rectangle at the 32-bit limit
+        // cannot run over.
+        return tagRRECT{static_cast<double>(r.left), static_cast<double>(r.top),
+                        static_cast<double>(r.right) - 1.0, static_cast<double>(r.bottom) - 1.0};
+    });
+}
+
+bool ToBlob(const tagKTVARIANT& src, tagKTBLOB& value) {
+    if (src.vt != KTVT_BLOB)
+        return false;
+    value.size = src.blobVal.size;
+    value.data = kt::CopyBlobBytes(src.blobVal.data, src.blobVal.size);
+    return true;
+}
+
+bool ToObject(const tagKTVARIANT& src, IKTUnknown*& value) {
+    if (src.vt != KTVT_OBJECT)
+        return false;
+    value = src.punkVal;
+    if (value != nullptr)
+        value->AddRef();
+    return true;
+}
+
+bool ToBorrowed(const tagKTVARIANT& src, IKTUnknown*& value) {
+    if (src.vt != KTVT_OBJECT)
+        return false;
+    value = src.punkVal;
+    return true;
+}
+
+bool IsTargetKind(unsigned short vt) { return !IsUnknownKind(vt) || vt == KTVT_BORROWED; }
+
+// Fills `out`, which is empty, with the value of `src` in kind `vt`. The
+// value is stored and the kind set only on success, so a failure leaves
+// `out` empty.
+bool Convert(const tagKTVARIANT& src, unsigned short vt, tagKTVARIANT& out) {
+    if (!IsTargetKind(vt))
+        return false;
+    // An unknown source gives a zero value of any target: `out` is all zero.
+    if (IsUnknownKind(src.vt) || vt == KTVT_EMPTY) {
+        out.vt = vt;
+        return true;
+    }
+    bool converted = false;
+    tagKTVARIANT value;
+    KTVariantInit(&value);
+    switch (vt) {
+    case KTVT_BOOL:
+        converted = ToBoolean(src, value.boolVal);
+        break;
+    case KTVT_BYTE:
+    case KTVT_WORD:
+    case KTVT_ULONG:
+    case KTVT_INT:
+    case KTVT_UINT:
+    case KTVT_LONG: {
+        std::uint32_t bits = 0;
+        converted = ToIntegerBits(src, vt, bits);
+        if (vt == KTVT_BYTE)
+            value.bVal = static_cast<unsigned char>(bits);
+        else if (vt == KTVT_WORD)
+            value.uiVal = static_cast<unsigned short>(bits);
+        else
+            value.ulVal = bits;
+        break;
+    }
+    case KTVT_DOUBLE:
+        converted = ToReal(src, value.dblVal);
+        break;
+    case KTVT_FLOAT:
+        converted = ToReal(src, value.fltVal);
+        break;
+    case KTVT_STR:
+        converted = ToNarrowText(src, value.pszVal);
+        break;
+    case KTVT_WSTR:
+        converted = ToWideText(src, value.pwszVal);
+        break;
+    case KTVT_SIZE:
+        converted = ToSize(src, value.sizeVal);
+        break;
+    case KTVT_RSIZE:
+        converted = ToRealSize(src, value.rsizeVal);
+        break;
+    case KTVT_POINT:
+        converted = ToPoint(src, value.ptVal);
+        break;
+    case KTVT_RPOINT:
+        converted = ToRealPoint(src, value.rptVal);
+        break;
+    case KTVT_RECT:
+        converted = ToRect(src, value.rcVal);
+        break;
+    case KTVT_RRECT:
+        converted = ToRealRect(src, value.rrcVal);
+        break;
+    case KTVT_BLOB:
+        converted = ToBlob(src, value.blobVal);
+        break;
+    case KTVT_OBJECT:
+        converted = ToObject(src, value.punkVal);
+        break;
+    default:  // KTVT_BORROWED
+        converted = ToBorrowed(src, value.punkVal);
+        break;
+    }
+    if (converted) {
+        value.vt = vt;
+        std::memcpy(static_cast<void*>(&out), &value, sizeof out);
+    }
+    return converted;
+}
+
+}  // namespace
+
+int KTVariantChangeType(tagKTVARIANT* dst, const tagKTVARIANT* src, unsigned short vt) {
+    if (dst != src) {
+        KTVariantClear(dst);
+        return Convert(*src, vt, *dst);
+    }
+    // In place: the variant stays as it was until the conversion has
+    // succeeded. The result is moved in rather than copied: the same record
+    // without a second allocation.
+    tagKTVARIANT converted;
+    KTVariantInit(&converted);
+    if (!Convert(*src, vt, converted))
+        return 0;
+    KTVariantClear(dst);
+    std::memcpy(static_cast<void*>(dst), &converted, sizeof converted);
+    return 1;
+}
+
+int CKTVariant::ChangeType(unsigned short vt, tagKTVARIANT* src) {
+    if (src == nullptr || src == this) {
+        if (this->vt == vt)
+            return 1;
+        src = this;
+    }
+    return KTVariantChangeType(this, src, vt);
+}
