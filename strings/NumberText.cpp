@@ -114,8 +114,8 @@ const Unit* ScanDecimal(const Unit* text, std::uint32_t& value) {
         ++text;
     const Unit* digits = text;
     std::uint32_t number = 0;
-    for (; *text >= '0' && *text <= '9'; ++text)
-        number = number * 10u + static_cast<std::uint32_t>(*text - '0');
+    for (std::uint32_t digit; (digit = static_cast<std::uint32_t>(*text) - '0') <= 9; ++text)
+        number = number * 10u + digit;
     if (text == digits)
         return nullptr;
     value = negative ? 0u - number : number;
@@ -159,20 +159,31 @@ const KTWCHAR* ReadReal(const KTWCHAR* text, double& value) { return ReadRealAs(
 
 const KTWCHAR* ReadReal(const KTWCHAR* text, float& value) { return ReadRealAs(text, value); }
 
+char* WriteReal(char* out, double value, int significantDigits) {
+    return std::to_chars(out, out + kLongestNumber, value, std::chars_format::general, significantDigits).ptr;
+}
+
+char* WriteUnsigned(char* out, std::uint32_t value) {
+    return std::to_chars(out, out + kLongestNumber, value).ptr;
+}
+
+char* WriteSigned(char* out, std::int32_t value) {
+    return std::to_chars(out, out + kLongestNumber, value).ptr;
+}
+
 void AppendReal(std::string& out, double value, int significantDigits) {
-    char buffer[32];
-    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, significantDigits);
-    out.append(buffer, result.ptr);
+    char buffer[kLongestNumber];
+    out.append(buffer, WriteReal(buffer, value, significantDigits));
 }
 
 void AppendUnsigned(std::string& out, std::uint32_t value) {
-    char buffer[16];
-    out.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+    char buffer[kLongestNumber];
+    out.append(buffer, WriteUnsigned(buffer, value));
 }
 
 void AppendSigned(std::string& out, std::int32_t value) {
-    char buffer[16];
-    out.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+    char buffer[kLongestNumber];
+    out.append(buffer, WriteSigned(buffer, value));
 }
 
 }  // namespace kt::number

@@ -4,6 +4,7 @@
 // variants share them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -45,5 +46,13 @@ constexpr int kShortRealDigits = 6;
 void AppendReal(std::string& out, double value, int significantDigits = kTreeRealDigits);
 void AppendUnsigned(std::string& out, std::uint32_t value);
 void AppendSigned(std::string& out, std::int32_t value);
+
+// The same, written at `out`, which has room for kLongestNumber characters
+// (a real of at most 17 significant digits); they return the end of the text
+// and write no terminator.
+constexpr size_t kLongestNumber = 32;
+char* WriteReal(char* out, double value, int significantDigits);
+char* WriteUnsigned(char* out, std::uint32_t value);
+char* WriteSigned(char* out, std::int32_t value);
 
 }  // namespace kt::number

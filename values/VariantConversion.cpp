@@ -3,9 +3,9 @@
 // through scanf-style reading, geometric records convert only to their twin
 // in the other number type. Nothing converts to or from a compound kind
 // otherwise, and no text becomes a boolean.
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <string>
 
 #include "kticore/values/Variant.h"
 #include "strings/NumberText.h"
@@ -181,44 +181,56 @@ bool ToReal(const tagKTVARIANT& src, Real& value) {
 
 // The text form of a number or a boolean, as printf writes it: "%hu" of a
 // byte, "%u" and "%d" of the integers, "%lg" of a double and "%g" of a float
-// widened to double. The result is ASCII, so it is the same in both widths.
-bool FormatNumber(const tagKTVARIANT& src, std::string& text) {
+// widened to double. It is ASCII, so it is the same in both widths.
+struct NumberText {
+    char text[kt::number::kLongestNumber];
+    size_t size = 0;
+};
+
+bool FormatNumber(const tagKTVARIANT& src, NumberText& out) {
+    char* const text = out.text;
+    char* end = text;
     switch (src.vt) {
     case KTVT_EMPTY:
-        return true;
-    case KTVT_BOOL:
-        text = src.boolVal != 0 ? kYes : kNo;
-        return true;
+        break;
+    case KTVT_BOOL: {
+        const char* word = src.boolVal != 0 ? kYes : kNo;
+        end = std::copy(word, word + std::strlen(word), text);
+        break;
+    }
     case KTVT_BYTE:
-        kt::number::AppendUnsigned(text, src.bVal);
-        return true;
+        end = kt::number::WriteUnsigned(text, src.bVal);
+        break;
     case KTVT_WORD:
-        kt::number::AppendUnsigned(text, src.uiVal);
-        return true;
+        end = kt::number::WriteUnsigned(text, src.uiVal);
+        break;
     case KTVT_ULONG:
     case KTVT_UINT:
-        kt::number::AppendUnsigned(text, src.ulVal);
-        return true;
+        end = kt::number::WriteUnsigned(text, src.ulVal);
+        break;
     case KTVT_INT:
     case KTVT_LONG:
-        kt::number::AppendSigned(text, src.intVal);
-        return true;
+        end = kt::number::WriteSigned(text, src.intVal);
+        break;
     case KTVT_DOUBLE:
-        kt::number::AppendReal(text, src.dblVal, kt::number::kShortRealDigits);
-        return true;
+        end = kt::number::WriteReal(text, src.dblVal, kt::number::kShortRealDigits);
+        break;
     case KTVT_FLOAT:
-        kt::number::AppendReal(text, static_cast<double>(src.fltVal), kt::number::kShortRealDigits);
-        return true;
+        end = kt::number::WriteReal(text, static_cast<double>(src.fltVal),
+                                    kt::number::kShortRealDigits);
+        break;
     default:
         return false;
     }
+    out.size = static_cast<size_t>(end - text);
+    return true;
 }
 
 template <class Unit>
-Unit* Widened(const std::string& ascii) {
-    Unit* copy = new Unit[ascii.size() + 1];
-    for (size_t i = 0; i <= ascii.size(); ++i)
-        copy[i] = static_cast<Unit>(ascii[i]);
+Unit* Widened(const char* ascii, size_t size) {
+    Unit* copy = new Unit[size + 1];
+    std::copy(ascii, ascii + size, copy);
+    copy[size] = 0;
     return copy;
 }
 
@@ -233,10 +245,10 @@ bool ToNarrowText(const tagKTVARIANT& src, char*& text) {
         return true;
     }
     default: {
-        std::string number;
+        NumberText number;
         if (!FormatNumber(src, number))
             return false;
-        text = kt::CopyText(number.c_str(), number.size());
+        text = kt::CopyText(number.text, number.size);
         return true;
     }
     }
@@ -253,10 +265,10 @@ bool ToWideText(const tagKTVARIANT& src, KTWCHAR*& text) {
         return true;
     }
     default: {
-        std::string number;
+        NumberText number;
         if (!FormatNumber(src, number))
             return false;
-        text = Widened<KTWCHAR>(number);
+        text = Widened<KTWCHAR>(number.text, number.size);
         return true;
     }
     }
@@ -348,9 +360,8 @@ bool ToBorrowed(const tagKTVARIANT& src, IKTUnknown*& value) {
 
 bool IsTargetKind(unsigned short vt) { return !IsUnknownKind(vt) || vt == KTVT_BORROWED; }
 
-// Fills `out`, which is empty, with the value of `src` in kind `vt`. The
-// value is stored and the kind set only on success, so a failure leaves
-// `out` empty.
+// Fills `out`, which is empty, with the value of `src` in kind `vt`. A
+// failure may have written a part of the value: it empties `out` again.
 bool Convert(const tagKTVARIANT& src, unsigned short vt, tagKTVARIANT& out) {
     if (!IsTargetKind(vt))
         return false;
@@ -360,11 +371,9 @@ bool Convert(const tagKTVARIANT& src, unsigned short vt, tagKTVARIANT& out) {
         return true;
     }
     bool converted = false;
-    tagKTVARIANT value;
-    KTVariantInit(&value);
     switch (vt) {
     case KTVT_BOOL:
-        converted = ToBoolean(src, value.boolVal);
+        converted = ToBoolean(src, out.boolVal);
         break;
     case KTVT_BYTE:
     case KTVT_WORD:
@@ -375,57 +384,57 @@ bool Convert(const tagKTVARIANT& src, unsigned short vt, tagKTVARIANT& out) {
         std::uint32_t bits = 0;
         converted = ToIntegerBits(src, vt, bits);
         if (vt == KTVT_BYTE)
-            value.bVal = static_cast<unsigned char>(bits);
+            out.bVal = static_cast<unsigned char>(bits);
         else if (vt == KTVT_WORD)
-            value.uiVal = static_cast<unsigned short>(bits);
+            out.uiVal = static_cast<unsigned short>(bits);
         else
-            value.ulVal = bits;
+            out.ulVal = bits;
         break;
     }
     case KTVT_DOUBLE:
-        converted = ToReal(src, value.dblVal);
+        converted = ToReal(src, out.dblVal);
         break;
     case KTVT_FLOAT:
-        converted = ToReal(src, value.fltVal);
+        converted = ToReal(src, out.fltVal);
         break;
     case KTVT_STR:
-        converted = ToNarrowText(src, value.pszVal);
+        converted = ToNarrowText(src, out.pszVal);
         break;
     case KTVT_WSTR:
-        converted = ToWideText(src, value.pwszVal);
+        converted = ToWideText(src, out.pwszVal);
         break;
     case KTVT_SIZE:
-        converted = ToSize(src, value.sizeVal);
+        converted = ToSize(src, out.sizeVal);
         break;
     case KTVT_RSIZE:
-        converted = ToRealSize(src, value.rsizeVal);
+        converted = ToRealSize(src, out.rsizeVal);
         break;
     case KTVT_POINT:
-        converted = ToPoint(src, value.ptVal);
+        converted = ToPoint(src, out.ptVal);
         break;
     case KTVT_RPOINT:
-        converted = ToRealPoint(src, value.rptVal);
+        converted = ToRealPoint(src, out.rptVal);
         break;
     case KTVT_RECT:
-        converted = ToRect(src, value.rcVal);
+        converted = ToRect(src, out.rcVal);
         break;
     case KTVT_RRECT:
-        converted = ToRealRect(src, value.rrcVal);
+        converted = ToRealRect(src, out.rrcVal);
         break;
     case KTVT_BLOB:
-        converted = ToBlob(src, value.blobVal);
+        converted = ToBlob(src, out.blobVal);
         break;
     case KTVT_OBJECT:
-        converted = ToObject(src, value.punkVal);
+        converted = ToObject(src, out.punkVal);
         break;
     default:  // KTVT_BORROWED
-        converted = ToBorrowed(src, value.punkVal);
+        converted = ToBorrowed(src, out.punkVal);
         break;
     }
-    if (converted) {
-        value.vt = vt;
-        std::memcpy(static_cast<void*>(&out), &value, sizeof out);
-    }
+    if (converted)
+        out.vt = vt;
+    else
+        KTVariantInit(&out);
     return converted;
 }
 
