@@ -23,13 +23,15 @@ Number ValueAt(size_t i) {
 
 template <class Number, unsigned short Kind>
 void TextRoundTrip_kticore(benchmark::State& state) {
-    CKTVariant number, text;
+    CKTVariant numbers[kValues];
+    for (size_t i = 0; i < kValues; ++i)
+        numbers[i] = ValueAt<Number>(i);
+    CKTVariant text, back;
     size_t i = 0;
     for (auto _ : state) {
-        number = ValueAt<Number>(i++ % kValues);
-        KTVariantChangeType(&text, &number, KTVT_STR);
-        KTVariantChangeType(&number, &text, Kind);
-        benchmark::DoNotOptimize(number.dblVal);
+        KTVariantChangeType(&text, &numbers[i++ % kValues], KTVT_STR);
+        KTVariantChangeType(&back, &text, Kind);
+        benchmark::DoNotOptimize(back.dblVal);
     }
 }
 

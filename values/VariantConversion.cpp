@@ -234,6 +234,8 @@ Unit* Widened(const char* ascii, size_t size) {
     return copy;
 }
 
+// A text of the same width is copied as KTVariantCopy copies it, a null one
+// as null.
 bool ToNarrowText(const tagKTVARIANT& src, char*& text) {
     switch (src.vt) {
     case KTVT_STR:
