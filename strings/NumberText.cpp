@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cstdint>
 #include <limits>
+#include <string>
+#include <type_traits>
 
 namespace kt::number {
 namespace {
@@ -92,18 +94,62 @@ const char* ReadRealAs(const char* text, Real& value) {
     return result.ptr;
 }
 
-// A real is written in ASCII: the narrow reader is given the units of the
-// text up to the first that is not.
+bool StartsWithFolded(const char* text, const char* word) {
+    for (; *word != 0; ++text, ++word) {
+        if ((*text | 0x20) != *word)
+            return false;
+    }
+    return true;
+}
+
+// What the scanner has taken in and cannot give back, one character of
+// push-back being all it has: it fails where strtod would read less.
+bool IsBrokenOff(const char* text) {
+    bool negative = false;
+    const char* at = SkipBlanksAndSign(text, negative);
+    if (at[0] == '0' && (at[1] == 'x' || at[1] == 'X'))
+        return !IsHexDigit(at[2]) && at[2] != '.';
+    if (StartsWithFolded(at, "infi"))
+        return !StartsWithFolded(at, "infinity");
+    return false;
+}
+
 template <class Real>
-const KTWCHAR* ReadRealAs(const KTWCHAR* text, Real& value) {
+const char* ScanAscii(const char* text, Real& value) {
+    return IsBrokenOff(text) ? nullptr : ReadRealAs(text, value);
+}
+
+// A real is written in ASCII with a '.' for its point: the reader is given
+// the units of the text up to the first that is not ASCII, with the point of
+// the caller turned into '.' and a '.' into a unit that ends the number.
+template <class Unit>
+std::string AsciiWithDotPoint(const Unit* text, char decimalPoint) {
+    constexpr char kEndsTheNumber = '\x01';
     std::string ascii;
-    for (const KTWCHAR* p = text; *p != 0 && *p < 0x80; ++p)
-        ascii += static_cast<char>(*p);
-    const char* end = ReadRealAs(ascii.c_str(), value);
-    return end != nullptr ? text + (end - ascii.c_str()) : nullptr;
+    for (const Unit* p = text; *p != 0 && static_cast<std::uint32_t>(*p) < 0x80; ++p) {
+        const char c = static_cast<char>(*p);
+        ascii += c == decimalPoint ? '.' : c == '.' ? kEndsTheNumber : c;
+    }
+    return ascii;
 }
 
 }  // namespace
+
+template <class Unit, class Real>
+const Unit* ScanReal(const Unit* text, Real& value, char decimalPoint) {
+    if constexpr (std::is_same_v<Unit, char>) {
+        if (decimalPoint == '.')
+            return ScanAscii(text, value);
+    }
+    const std::string ascii = AsciiWithDotPoint(text, decimalPoint);
+    const char* end = ScanAscii(ascii.c_str(), value);
+    return end != nullptr ? text + (end - ascii.c_str()) : nullptr;
+}
+
+template const char* ScanReal(const char*, double&, char);
+template const char* ScanReal(const char*, float&, char);
+template const KTWCHAR* ScanReal(const KTWCHAR*, double&, char);
+template const KTWCHAR* ScanReal(const KTWCHAR*, float&, char);
 
 template <class Unit>
 const Unit* ScanDecimal(const Unit* text, std::uint32_t& value) {
@@ -152,12 +198,6 @@ const char* ReadInteger(const char* text, int base, bool isSigned, std::uint32_t
 }
 
 const char* ReadReal(const char* text, double& value) { return ReadRealAs(text, value); }
-
-const char* ReadReal(const char* text, float& value) { return ReadRealAs(text, value); }
-
-const KTWCHAR* ReadReal(const KTWCHAR* text, double& value) { return ReadRealAs(text, value); }
-
-const KTWCHAR* ReadReal(const KTWCHAR* text, float& value) { return ReadRealAs(text, value); }
 
 char* WriteReal(char* out, double value, int significantDigits) {
     return std::to_chars(out, out + kLongestNumber, value, std::chars_format::general, significantDigits).ptr;

@@ -29,11 +29,15 @@ const Unit* ScanDecimal(const Unit* text, std::uint32_t& value);
 // number, "inf" or "nan". Returns where it ends, or null when no digit was
 // consumed.
 const char* ReadReal(const char* text, double& value);
-// The same as strtof reads it: rounded once, straight to a float.
-const char* ReadReal(const char* text, float& value);
-// 16-bit text as swscanf reads it: the same, over the units of the text.
-const KTWCHAR* ReadReal(const KTWCHAR* text, double& value);
-const KTWCHAR* ReadReal(const KTWCHAR* text, float& value);
+
+// A real as scanf's %lf and %f read it (Real is double or float; a float is
+// rounded once, straight from the text), with `decimalPoint` as the point,
+// over narrow or 16-bit text. Like strtod, except where the scanner has
+// consumed more than it can give back: "0x" without a hexadecimal digit or
+// a point after it, and "inf" followed by a part of "inity", fail. Returns
+// where the number ends, or null when the scan fails.
+template <class Unit, class Real>
+const Unit* ScanReal(const Unit* text, Real& value, char decimalPoint);
 
 // The significant digits that the text form of a tree writes for a real, and
 // those of printf's %g.

@@ -57,7 +57,7 @@ void ReplaceText(Unit** target, const Unit* text) {
 }  // namespace
 
 int KTVariantBindToValue(unsigned short vt, void* target, tagKTVARIANT* value) {
-    if (!IsBindable(vt))
+    if (!IsBindable(vt) || target == nullptr || value == nullptr)
         return 0;
     switch (vt) {
     case KTVT_STR:
@@ -83,7 +83,10 @@ int KTVariantBindToValue(unsigned short vt, void* target, tagKTVARIANT* value) {
     return 1;
 }
 
+// Without a location or a variant nothing is moved, and nothing changes.
 int KTVariantBindFromValue(unsigned short vt, void* source, tagKTVARIANT* value) {
+    if (value == nullptr || (source == nullptr && IsBindable(vt)))
+        return 0;
     KTVariantClear(value);
     value->vt = vt;
     if (!IsBindable(vt))

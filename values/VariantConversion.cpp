@@ -5,6 +5,7 @@
 // otherwise, and no text becomes a boolean.
 #include <algorithm>
 #include <cstdint>
+#include <clocale>
 #include <cstring>
 
 #include "kticore/values/Variant.h"
@@ -53,6 +54,10 @@ LONG RoundExcludedEdge(double x) {
     return static_cast<LONG>(static_cast<std::uint32_t>(Round(x)) + 1u);
 }
 
+LONG BeforeExcludedEdge(LONG edge) {
+    return static_cast<LONG>(static_cast<std::uint32_t>(edge) - 1u);
+}
+
 // A null text reads as the empty text: the matrix assumes a text, and a
 // serious caller expects "no text" to scan like "" (it fails) and to turn
 // into the empty text of the other width rather than to crash.
@@ -67,9 +72,25 @@ bool ScanInteger(const Unit* text, std::uint32_t& bits) {
     return kt::number::ScanDecimal(TextOrEmpty(text), bits) != nullptr;
 }
 
+// The scans and formats of reals follow the point of the process's locale,
+// as the runtime's own do; a point of more than one character is not one
+// they can use.
+char DecimalPoint() {
+    const char* point = std::localeconv()->decimal_point;
+    return point != nullptr && point[0] != 0 && point[1] == 0 ? point[0] : '.';
+}
+
 template <class Unit, class Real>
 bool ScanReal(const Unit* text, Real& value) {
-    return kt::number::ReadReal(TextOrEmpty(text), value) != nullptr;
+    return kt::number::ScanReal(TextOrEmpty(text), value, DecimalPoint()) != nullptr;
+}
+
+char* WriteReal(char* out, double value) {
+    char* end = kt::number::WriteReal(out, value, kt::number::kShortRealDigits);
+    const char point = DecimalPoint();
+    if (point != '.')
+        std::replace(out, end, '.', point);
+    return end;
 }
 
 bool ToBoolean(const tagKTVARIANT& src, ULONG& value) {
@@ -213,11 +234,10 @@ bool FormatNumber(const tagKTVARIANT& src, NumberText& out) {
         end = kt::number::WriteSigned(text, src.intVal);
         break;
     case KTVT_DOUBLE:
-        end = kt::number::WriteReal(text, src.dblVal, kt::number::kShortRealDigits);
+        end = WriteReal(text, src.dblVal);
         break;
     case KTVT_FLOAT:
-        end = kt::number::WriteReal(text, static_cast<double>(src.fltVal),
-                                    kt::number::kShortRealDigits);
+        end = WriteReal(text, static_cast<double>(src.fltVal));
         break;
     default:
         return false;
@@ -329,10 +349,10 @@ bool ToRect(const tagKTVARIANT& src, tagRECT& value) {
 
 bool ToRealRect(const tagKTVARIANT& src, tagRRECT& value) {
     return ToRecord<tagRRECT, tagRECT>(src, KTVT_RRECT, KTVT_RECT, value, [](const tagRECT& r) {
-        // In doubles, so that the edge of a rectangle at the 32-bit limit
-        // cannot run over.
+        // In 32 bits, running over as the way back does: INT_MIN comes back.
         return tagRRECT{static_cast<double>(r.left), static_cast<double>(r.top),
-                        static_cast<double>(r.right) - 1.0, static_cast<double>(r.bottom) - 1.0};
+                        static_cast<double>(BeforeExcludedEdge(r.right)),
+                        static_cast<double>(BeforeExcludedEdge(r.bottom))};
     });
 }
 
@@ -443,6 +463,8 @@ bool Convert(const tagKTVARIANT& src, unsigned short vt, tagKTVARIANT& out) {
 }  // namespace
 
 int KTVariantChangeType(tagKTVARIANT* dst, const tagKTVARIANT* src, unsigned short vt) {
+    if (dst == nullptr || src == nullptr)
+        return 0;
     if (dst != src) {
         KTVariantClear(dst);
         return Convert(*src, vt, *dst);

@@ -114,14 +114,36 @@ TEST(VariantBinding, KindsOutsideTheTablesAreRefused) {
         EXPECT_EQ(value.BindToValue(vt, target), 0);
         EXPECT_EQ(target[0], kUntouched);
 
+        // Cleared, and bearing the kind.
         CKTVariant loaded("cleared");
         EXPECT_EQ(loaded.BindFromValue(vt, target), 0);
-        EXPECT_EQ(loaded.vt, vt);
-        loaded.vt = KTVT_EMPTY;
-        tagKTVARIANT empty;
-        KTVariantInit(&empty);
-        EXPECT_EQ(std::memcmp(&loaded, &empty, sizeof empty), 0);
+        tagKTVARIANT expected;
+        KTVariantInit(&expected);
+        expected.vt = vt;
+        EXPECT_EQ(std::memcmp(&loaded, &expected, sizeof expected), 0);
     }
+}
+
+TEST(VariantBinding, NullTextsAndBlobsGoOutAsNullAndNullLocationsAreRefused) {
+    CKTVariant text(static_cast<const char*>(nullptr));
+    char* copy = new char[2]{'x', 0};
+    ASSERT_EQ(text.BindToValue(KTVT_STR, &copy), 1);
+    EXPECT_EQ(copy, nullptr);
+    CKTVariant blob(tagKTBLOB{0, nullptr});
+    tagKTBLOB shared{5, reinterpret_cast<unsigned char*>(&copy)};
+    ASSERT_EQ(blob.BindToValue(KTVT_BLOB, &shared), 1);
+    EXPECT_EQ(shared.size, 0u);
+    EXPECT_EQ(shared.data, nullptr);
+
+    CKTVariant value(5);
+    EXPECT_EQ(value.BindToValue(KTVT_INT, nullptr), 0);
+    EXPECT_EQ(value.BindFromValue(KTVT_STR, nullptr), 0);
+    EXPECT_EQ(value.vt, KTVT_INT);
+    EXPECT_EQ(value.intVal, 5);
+    int number = 7;
+    EXPECT_EQ(KTVariantBindToValue(KTVT_INT, &number, nullptr), 0);
+    EXPECT_EQ(KTVariantBindFromValue(KTVT_INT, &number, nullptr), 0);
+    EXPECT_EQ(number, 7);
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
+#include <clocale>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -33,7 +35,17 @@ CKTVariant OfUnknownKind(unsigned short vt) {
 }
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr LONG kLongMin = std::numeric_limits<LONG>::min();
 const CKTVariant kFails;  // what a failed conversion leaves
+
+// Equal values, and reals of the same sign: == takes -0.0 for 0.0.
+bool Same(const CKTVariant& a, const CKTVariant& b) {
+    if (a.vt == KTVT_DOUBLE && b.vt == KTVT_DOUBLE && std::signbit(a.dblVal) != std::signbit(b.dblVal))
+        return false;
+    if (a.vt == KTVT_FLOAT && b.vt == KTVT_FLOAT && std::signbit(a.fltVal) != std::signbit(b.fltVal))
+        return false;
+    return a == b;
+}
 
 struct Conversion {
     CKTVariant source;
@@ -54,13 +66,13 @@ void ExpectConversions(const std::vector<Conversion>& cases) {
         EXPECT_EQ(KTVariantChangeType(&into, &c.source, c.target), c.converts ? 1 : 0);
         if (c.converts) {
             EXPECT_EQ(into.vt, c.target);
-            EXPECT_TRUE(into == c.expected);
+            EXPECT_TRUE(Same(into, c.expected));
         } else {
             EXPECT_TRUE(IsAllZero(into));
         }
         CKTVariant inPlace(c.source);
         EXPECT_EQ(KTVariantChangeType(&inPlace, &inPlace, c.target), c.converts ? 1 : 0);
-        EXPECT_TRUE(inPlace == (c.converts ? c.expected : c.source));
+        EXPECT_TRUE(Same(inPlace, c.converts ? c.expected : c.source));
     }
 }
 
@@ -115,6 +127,8 @@ TEST(VariantConversion, NumbersAndBooleansByTargetRow) {
         {WideVariant("0x10"), KTVT_LONG, true, 0l},
         // Unsigned int: reals through 64 bits, so all of 0 to 4294967295 survive.
         {4294967295.0, KTVT_UINT, true, 4294967295u},
+        {4294967301.0, KTVT_UINT, true, 5u},
+        {3e9f, KTVT_UINT, true, 3000000000u},
         {3.5f, KTVT_UINT, true, 3u},
         {"-1", KTVT_UINT, true, 4294967295u},
         {WideVariant("7x"), KTVT_UINT, true, 7u},
@@ -124,7 +138,6 @@ TEST(VariantConversion, NumbersAndBooleansByTargetRow) {
         {CKTVariant(3, KTVT_BOOL), KTVT_DOUBLE, true, 1.0},
         {0.5f, KTVT_DOUBLE, true, 0.5},
         {"3.75e2x", KTVT_DOUBLE, true, 375.0},
-        {"0x1p4", KTVT_DOUBLE, true, 16.0},
         {"-1e999", KTVT_DOUBLE, true, -kInfinity},
         {WideVariant(" 2.5"), KTVT_DOUBLE, true, 2.5},
         {size, KTVT_DOUBLE, false, kFails},
@@ -141,6 +154,64 @@ TEST(VariantConversion, NumbersAndBooleansByTargetRow) {
         {OfUnknownKind(KTVT_BORROWED), KTVT_INT, true, 0},
         {OfUnknownKind(20), KTVT_DOUBLE, true, 0.0},
     });
+}
+
+// The texts of reals as the runtime's sscanf and swscanf with %lf and %f
+// read them, in glibc and in the C99 scanner of mingw-w64 alike.
+TEST(VariantConversion, RealScansAnswerAsTheRuntimeScanner) {
+    const struct {
+        const char* text;
+        bool scans;
+        double value;
+    } cases[] = {
+        {"0x", false, 0.0},      {"0xg", false, 0.0},    {"-0x", false, 0.0},
+        {"0x.", true, 0.0},      {"0x1p4", true, 16.0},  {"0x1p", true, 1.0},
+        {"1e", true, 1.0},       {"1.5e+", true, 1.5},   {"100ergs", true, 100.0},
+        {"inf", true, kInfinity}, {"-infinity", true, -kInfinity}, {"infin", false, 0.0},
+        {"nan(12)", true, NAN},  {"nan(", true, NAN},    {" \t\n2.5", true, 2.5},
+        {"\v3", true, 3.0},      {"+.5", true, 0.5},     {"in", false, 0.0},
+    };
+    for (const auto& c : cases) {
+        for (const CKTVariant& text : {NarrowVariant(c.text), WideVariant(c.text)}) {
+            for (const unsigned short kind : {KTVT_DOUBLE, KTVT_FLOAT}) {
+                SCOPED_TRACE(testing::Message() << '"' << c.text << "\" of kind " << text.vt << " to " << kind);
+                CKTVariant real;
+                ASSERT_EQ(KTVariantChangeType(&real, &text, kind), c.scans ? 1 : 0);
+                if (!c.scans)
+                    continue;
+                const double value = kind == KTVT_DOUBLE ? real.dblVal : real.fltVal;
+                if (std::isnan(c.value))
+                    EXPECT_TRUE(std::isnan(value));
+                else
+                    EXPECT_EQ(value, c.value);
+            }
+        }
+    }
+}
+
+// A host that sets a locale with a comma for its point reads and writes "1,5".
+TEST(VariantConversion, RealsFollowThePointOfTheLocale) {
+    const char* const withComma[] = {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "German_Germany.1252", "de-DE"};
+    const char* chosen = nullptr;
+    for (const char* name : withComma) {
+        if (std::setlocale(LC_NUMERIC, name) != nullptr && *std::localeconv()->decimal_point == ',') {
+            chosen = name;
+            break;
+        }
+    }
+    if (chosen == nullptr) {
+        std::setlocale(LC_NUMERIC, "C");
+        GTEST_SKIP() << "no locale with a decimal comma here";
+    }
+    SCOPED_TRACE(chosen);
+    ExpectConversions({
+        {1.5, KTVT_STR, true, "1,5"},
+        {2.25f, KTVT_WSTR, true, W("2,25").c_str()},
+        {"1,5", KTVT_DOUBLE, true, 1.5},
+        {WideVariant("-2,5e1"), KTVT_FLOAT, true, -25.0f},
+        {"1.5", KTVT_DOUBLE, true, 1.0},
+    });
+    std::setlocale(LC_NUMERIC, "C");
 }
 
 TEST(VariantConversion, TextsThatAreNoNumbersFail) {
@@ -231,8 +302,8 @@ TEST(VariantConversion, RoundingTakesAwayLessThanAHalfBelowZero) {
 
 TEST(VariantConversion, RectanglesGoBothWaysOnIntegers) {
     for (const tagRECT& r : {tagRECT{0, 0, 10, 10}, tagRECT{-5, -7, -5, 3},
-                             tagRECT{std::numeric_limits<LONG>::min(), 0,
-                                     std::numeric_limits<LONG>::max(), 1}}) {
+                             tagRECT{kLongMin, 0, std::numeric_limits<LONG>::max(), 1},
+                             tagRECT{0, 0, kLongMin, kLongMin}}) {
         CKTVariant v(r);
         ASSERT_EQ(v.ChangeType(KTVT_RRECT), 1);
         ASSERT_EQ(v.ChangeType(KTVT_RECT), 1);
@@ -240,7 +311,7 @@ TEST(VariantConversion, RectanglesGoBothWaysOnIntegers) {
     }
 }
 
-TEST(VariantConversion, NullTextsReadAsEmptyText) {
+TEST(VariantConversion, NullTextsFailToScanAndCrossWidthsAsEmptyText) {
     const CKTVariant narrow(static_cast<const char*>(nullptr));
     const CKTVariant wide(static_cast<const KTWCHAR*>(nullptr));
     ExpectConversions({
@@ -279,6 +350,18 @@ TEST(VariantConversion, CopiesOwnWhatTheyHold) {
     EXPECT_EQ(KTVariantChangeType(&text, &text, KTVT_STR), 1);
     EXPECT_NE(text.pszVal, before);
     EXPECT_STREQ(text.pszVal, "abc");
+    // From another variant of the same kind, the member converts.
+    CKTVariant other("xyz");
+    EXPECT_EQ(text.ChangeType(KTVT_STR, &other), 1);
+    EXPECT_STREQ(text.pszVal, "xyz");
+    EXPECT_NE(text.pszVal, other.pszVal);
+}
+
+TEST(VariantConversion, NullVariantsAreRefused) {
+    CKTVariant text("abc");
+    EXPECT_EQ(KTVariantChangeType(nullptr, &text, KTVT_INT), 0);
+    EXPECT_EQ(KTVariantChangeType(&text, nullptr, KTVT_INT), 0);
+    EXPECT_STREQ(text.pszVal, "abc");
 }
 
 TEST(VariantConversion, ObjectsAreReferencedButNotWhenBorrowed) {
@@ -293,6 +376,13 @@ TEST(VariantConversion, ObjectsAreReferencedButNotWhenBorrowed) {
         EXPECT_EQ(borrowed.vt, KTVT_BORROWED);
         EXPECT_EQ(borrowed.punkVal, object);
         EXPECT_EQ(object->References(), 3u);
+        // An unknown source, borrowed too, gives a null one.
+        const CKTVariant unknownBorrowed = OfUnknownKind(KTVT_BORROWED);
+        ASSERT_EQ(KTVariantChangeType(&copy, &unknownBorrowed, KTVT_BORROWED), 1);
+        EXPECT_EQ(copy.vt, KTVT_BORROWED);
+        EXPECT_EQ(copy.punkVal, nullptr);
+        EXPECT_EQ(object->References(), 2u);
+        ASSERT_EQ(KTVariantChangeType(&copy, &held, KTVT_OBJECT), 1);
         borrowed.Clear();
         EXPECT_EQ(object->References(), 3u);
         // Only an object can be borrowed; anything unknown gives a null one.
