@@ -1,16 +1,17 @@
 // Converts arbitrary narrow and 16-bit text into every kind and back.
 // Checks that a failure leaves the target empty and an in-place failure
 // leaves the text untouched; that only the kinds a text may become succeed;
-// that the scans read what the C library's strtoll, strtod and strtof read;
-// that both widths read and write alike; and that a number's text form reads
-// back to a number with the same text form (and, for integers, the same
-// value). The sanitizers watch for crashes and leaks.
-#include <cerrno>
+// that the scans answer as the runtime's sscanf and swscanf with the same
+// one conversion; that both widths read and write alike; and that a number's
+// text form reads back to a number with the same text form (and, for
+// integers, the same value). The sanitizers watch for crashes and leaks.
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 #include <string>
 
 #include "fuzz/FuzzInput.h"
@@ -61,35 +62,55 @@ bool MayConvert(unsigned short source, unsigned short target) {
     return IsIntegerKind(target) || IsRealKind(target);
 }
 
+size_t DigitCount(const char* text) {
+    size_t digits = 0;
+    for (; *text != 0; ++text)
+        digits += *text >= '0' && *text <= '9';
+    return digits;
+}
+
+size_t DigitCount(const std::wstring& text) {
+    return static_cast<size_t>(std::count_if(text.begin(), text.end(), [](wchar_t c) { return c >= L'0' && c <= L'9'; }));
+}
+
 bool SameReal(double a, double b) {
     if (std::isnan(a) || std::isnan(b))
         return std::isnan(a) && std::isnan(b) && std::signbit(a) == std::signbit(b);
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-// The C library's reading of the same text, for the kinds a scan makes.
-void CheckAgainstLibrary(const char* text, unsigned short kind, const tagKTVARIANT& result) {
-    char* end = nullptr;
+// The runtime's sscanf or swscanf of the same text with the same one
+// conversion: %u, %d, %lf or %f.
+int RuntimeScan(const char* text, const char* format, void* out) { return std::sscanf(text, format, out); }
+
+int RuntimeScan(const std::wstring& text, const char* format, void* out) {
+    const std::wstring wideFormat(format, format + std::strlen(format));
+    return std::swscanf(text.c_str(), wideFormat.c_str(), out);
+}
+
+template <class Text>
+void CheckAgainstRuntime(const Text& text, unsigned short kind, const tagKTVARIANT& result) {
     if (IsIntegerKind(kind)) {
-        // strtoll holds at its limit beyond 63 bits, where the scan keeps
+        const bool isSigned = kind == KTVT_INT || kind == KTVT_LONG;
+        std::uint32_t number = 0;
+        const bool scanned = RuntimeScan(text, isSigned ? "%d" : "%u", &number) == 1;
+        Require(scanned == (result.vt == kind), "scan and the runtime disagree on success", kind);
+        // Beyond 63 bits the runtimes hold at a limit where the scan keeps
         // running over: compare only where both are exact.
-        size_t digits = 0;
-        for (const char* p = text; *p != 0; ++p)
-            digits += *p >= '0' && *p <= '9';
-        const long long number = std::strtoll(text, &end, 10);
-        Require((end != text) == (result.vt == kind), "scan and strtoll disagree on success", kind);
-        if (end != text && digits <= 18)
-            Require(result.ulVal == static_cast<std::uint32_t>(number), "scan and strtoll disagree", kind);
+        if (scanned && DigitCount(text) <= 18)
+            Require(result.ulVal == number, "scan and the runtime disagree", kind);
     } else if (kind == KTVT_DOUBLE) {
-        const double number = std::strtod(text, &end);
-        Require((end != text) == (result.vt == kind), "scan and strtod disagree on success", kind);
-        if (end != text)
-            Require(SameReal(result.dblVal, number), "scan and strtod disagree", kind);
+        double number = 0;
+        const bool scanned = RuntimeScan(text, "%lf", &number) == 1;
+        Require(scanned == (result.vt == kind), "scan and the runtime disagree on success", kind);
+        if (scanned)
+            Require(SameReal(result.dblVal, number), "scan and the runtime disagree", kind);
     } else if (kind == KTVT_FLOAT) {
-        const float number = std::strtof(text, &end);
-        Require((end != text) == (result.vt == kind), "scan and strtof disagree on success", kind);
-        if (end != text)
-            Require(SameReal(result.fltVal, number), "scan and strtof disagree", kind);
+        float number = 0;
+        const bool scanned = RuntimeScan(text, "%f", &number) == 1;
+        Require(scanned == (result.vt == kind), "scan and the runtime disagree on success", kind);
+        if (scanned)
+            Require(SameReal(result.fltVal, number), "scan and the runtime disagree", kind);
     }
 }
 
@@ -125,7 +146,8 @@ std::string AsciiPrefix(const KTWCHAR* text) {
     return prefix;
 }
 
-void CheckText(const CKTVariant& source, const char* narrowTwin) {
+template <class Text>
+void CheckText(const CKTVariant& source, const Text& runtimeText) {
     for (const unsigned short kind : kTargets) {
         CKTVariant result;
         const int converted = KTVariantChangeType(&result, &source, kind);
@@ -145,7 +167,7 @@ void CheckText(const CKTVariant& source, const char* narrowTwin) {
 
         if (IsIntegerKind(kind) || IsRealKind(kind)) {
             if (kind != KTVT_ULONG || source.vt == KTVT_STR)
-                CheckAgainstLibrary(narrowTwin, kind, result);
+                CheckAgainstRuntime(runtimeText, kind, result);
             if (converted)
                 CheckRoundTrip(result);
         }
@@ -166,7 +188,7 @@ void CheckNarrow(const std::string& text) {
 void CheckWide(const WideText& text) {
     const CKTVariant source(text.c_str());
     const std::string prefix = AsciiPrefix(text.c_str());
-    CheckText(source, prefix.c_str());
+    CheckText(source, std::wstring(text.begin(), text.end()));
     // A scan of 16-bit text reads what the narrow scan of its ASCII start reads.
     const CKTVariant narrowTwin(prefix.c_str());
     for (const unsigned short kind : {KTVT_INT, KTVT_UINT, KTVT_LONG, KTVT_DOUBLE, KTVT_FLOAT}) {
@@ -186,13 +208,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     const bool wide = input.Byte() % 2 != 0;
     std::string narrow;
     WideText units;
+    // Bytes for narrow text; two bytes a unit, over the whole 16-bit range,
+    // for wide text. A zero ends either.
     while (!input.Empty()) {
         const std::uint8_t byte = input.Byte();
-        if (byte == 0)
+        const KTWCHAR unit = wide ? static_cast<KTWCHAR>(byte | input.Byte() << 8) : byte;
+        if (unit == 0)
             break;
         narrow += static_cast<char>(byte);
-        // A byte beyond ASCII opens a unit beyond ASCII in the 16-bit text.
-        units += static_cast<KTWCHAR>(byte < 0x80 ? byte : byte << 8 | input.Byte());
+        units += unit;
     }
     if (wide)
         CheckWide(units);
