@@ -254,6 +254,27 @@ Unit* Widened(const char* ascii, size_t size) {
     return copy;
 }
 
+// A number's text into a variant that holds a narrow text already: its
+// array takes the text when it is short and the text fits, which saves an
+// allocation and a release on every conversion into the same variant. A
+// source without a number's text form returns false and changes nothing.
+bool WriteNumberOverText(const tagKTVARIANT& src, tagKTVARIANT& dst) {
+    NumberText number;
+    if (!FormatNumber(src, number))
+        return false;
+    char* text = dst.pszVal;
+    char* const roomEnd = text != nullptr ? std::find(text, text + kt::number::kLongestNumber, 0) : nullptr;
+    const bool fits = text != nullptr && *roomEnd == 0 && static_cast<size_t>(roomEnd - text) >= number.size;
+    if (!fits) {
+        KTVariantClear(&dst);
+        dst.vt = KTVT_STR;
+        dst.pszVal = text = new char[number.size + 1];
+    }
+    std::copy(number.text, number.text + number.size, text);
+    text[number.size] = 0;
+    return true;
+}
+
 // A text of the same width is copied as KTVariantCopy copies it, a null one
 // as null.
 bool ToNarrowText(const tagKTVARIANT& src, char*& text) {
@@ -466,6 +487,8 @@ int KTVariantChangeType(tagKTVARIANT* dst, const tagKTVARIANT* src, unsigned sho
     if (dst == nullptr || src == nullptr)
         return 0;
     if (dst != src) {
+        if (vt == KTVT_STR && dst->vt == KTVT_STR && WriteNumberOverText(*src, *dst))
+            return 1;
         KTVariantClear(dst);
         return Convert(*src, vt, *dst);
     }
