@@ -1,7 +1,8 @@
-// Variant conversion: a number turned into its text form and read back through
-// KTVariantChangeType (peer: std::to_chars in the same form, %g's six
-// significant digits for a real, and std::from_chars, into stack buffers).
-// Target: at most 3x; the variant also allocates its text.
+// Variant conversion: a prepared number turned into its text form and read
+// back through KTVariantChangeType (peer: std::to_chars of a prepared number
+// in the same form, %g's six significant digits for a real, and
+// std::from_chars, into stack buffers). Target: at most 3x; the variant owns
+// its text, an array it reuses when the next text fits.
 #include <benchmark/benchmark.h>
 
 #include <charconv>

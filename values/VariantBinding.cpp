@@ -56,6 +56,7 @@ void ReplaceText(Unit** target, const Unit* text) {
 
 }  // namespace
 
+// Without a location or a variant, both move nothing and change nothing.
 int KTVariantBindToValue(unsigned short vt, void* target, tagKTVARIANT* value) {
     if (!IsBindable(vt) || target == nullptr || value == nullptr)
         return 0;
@@ -83,7 +84,6 @@ int KTVariantBindToValue(unsigned short vt, void* target, tagKTVARIANT* value) {
     return 1;
 }
 
-// Without a location or a variant nothing is moved, and nothing changes.
 int KTVariantBindFromValue(unsigned short vt, void* source, tagKTVARIANT* value) {
     if (value == nullptr || (source == nullptr && IsBindable(vt)))
         return 0;
