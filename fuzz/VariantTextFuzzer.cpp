@@ -115,10 +115,11 @@ void CheckAgainstRuntime(const Text& text, unsigned short kind, const tagKTVARIA
 }
 
 // A number's text form reads back to a number of the same text form; an
-// integer to the same value.
-void CheckRoundTrip(const CKTVariant& number) {
+// integer to the same value. The second text is written over the text that
+// `before` holds, if any.
+void CheckRoundTrip(const CKTVariant& number, const CKTVariant& before) {
     const unsigned short kind = number.vt;
-    CKTVariant text, again, textAgain, wide;
+    CKTVariant text, again, textAgain(before), wide;
     Require(KTVariantChangeType(&text, &number, KTVT_STR) == 1, "a number has no text", kind);
     Require(KTVariantChangeType(&again, &text, kind) == 1, "a number's text does not read", kind);
     Require(KTVariantChangeType(&textAgain, &again, KTVT_STR) == 1, "no text the second time", kind);
@@ -169,7 +170,7 @@ void CheckText(const CKTVariant& source, const Text& runtimeText) {
             if (kind != KTVT_ULONG || source.vt == KTVT_STR)
                 CheckAgainstRuntime(runtimeText, kind, result);
             if (converted)
-                CheckRoundTrip(result);
+                CheckRoundTrip(result, source);
         }
     }
 }
