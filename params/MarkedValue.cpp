@@ -4,9 +4,12 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "params/NumberText.h"
+#include "strings/NumberText.h"
 
 namespace kt::params {
+
+using namespace kt::number;
+
 namespace {
 
 struct MarkerRow {

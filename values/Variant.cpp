@@ -5,30 +5,11 @@
 
 #include "kticore/values/Variant.h"
 #include "values/BlobBytes.h"
+#include "values/TextCopy.h"
 
 namespace {
 
-char* CopyText(const char* text, size_t length) {
-    char* copy = new char[length + 1];
-    std::memcpy(copy, text, length);
-    copy[length] = 0;
-    return copy;
-}
-
-KTWCHAR* CopyText(const KTWCHAR* text, size_t length) {
-    KTWCHAR* copy = new KTWCHAR[length + 1];
-    std::char_traits<KTWCHAR>::copy(copy, text, length);
-    copy[length] = 0;
-    return copy;
-}
-
-char* CopyText(const char* text) {
-    return text != nullptr ? CopyText(text, std::strlen(text)) : nullptr;
-}
-
-KTWCHAR* CopyText(const KTWCHAR* text) {
-    return text != nullptr ? CopyText(text, std::char_traits<KTWCHAR>::length(text)) : nullptr;
-}
+using kt::CopyText;
 
 // Within 0.001 of each other, tested as the stored form's readers always did:
 // a difference of exactly 0.001 may still count as equal.

@@ -976,6 +976,37 @@ void SettingsInAStorage() {
 }  // namespace
 #endif
 
+namespace {
+
+// A value in another kind, printed in its text form where the new kind has
+// one.
+void PrintConversion(const char* source, const CKTVariant& from, unsigned short kind) {
+    CKTVariant to, text;
+    if (KTVariantChangeType(&to, &from, kind) == 0)
+        std::printf("   %-24s -> kind %2u fails and leaves kind %u\n", source, kind, to.vt);
+    else if (kind == KTVT_RECT)
+        std::printf("   %-24s -> kind %2u (%ld, %ld, %ld, %ld)\n", source, kind,
+                    static_cast<long>(to.rcVal.left), static_cast<long>(to.rcVal.top),
+                    static_cast<long>(to.rcVal.right), static_cast<long>(to.rcVal.bottom));
+    else if (KTVariantChangeType(&text, &to, KTVT_STR) == 1)
+        std::printf("   %-24s -> kind %2u \"%s\"\n", source, kind, text.pszVal);
+}
+
+void VariantConversions() {
+    Step("Variants convert between kinds: numbers, their text forms, records");
+    PrintConversion("double 2.0/3", CKTVariant(2.0 / 3), KTVT_STR);
+    PrintConversion("text \"12abc\"", CKTVariant("12abc"), KTVT_INT);
+    PrintConversion("text \"abc\"", CKTVariant("abc"), KTVT_INT);
+    PrintConversion("wide text \"3.75e2\"", CKTVariant(KTW("3.75e2")), KTVT_DOUBLE);
+    PrintConversion("int -1", CKTVariant(-1), KTVT_ULONG);
+    PrintConversion("double -2.5", CKTVariant(-2.5), KTVT_INT);
+    PrintConversion("boolean true", CKTVariant(1, KTVT_BOOL), KTVT_WSTR);
+    PrintConversion("real rect (0, 0, 9, 9)", CKTVariant(tagRRECT{0, 0, 9, 9}), KTVT_RECT);
+    PrintConversion("point (1, 2)", CKTVariant(tagPOINT{1, 2}), KTVT_SIZE);
+}
+
+}  // namespace
+
 int main() {
     std::printf("kticore demo host\n");
     ObjectModel();
@@ -985,6 +1016,7 @@ int main() {
     Strings();
     Containers();
     Values();
+    VariantConversions();
     StoredObjects();
     SharedServices();
     Files();

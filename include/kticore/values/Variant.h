@@ -91,6 +91,23 @@ KTCORE_API void KTVariantClear(tagKTVARIANT* v);
 // no guard against `dst == src`: the clear comes first and both end empty.
 KTCORE_API void KTVariantCopy(tagKTVARIANT* dst, const tagKTVARIANT* src);
 
+// Makes `dst` the value of `src` in kind `vt`, by the fixed conversion matrix:
+// 1 on success, 0 for a pair the matrix does not name, a text that does not
+// read as the number asked for, or an unknown `vt`. With `dst == src` the
+// conversion is made in place and a failure leaves the variant as it was;
+// otherwise a failure leaves `dst` empty. KTVT_BORROWED is made only here,
+// from an object: the pointer without a reference.
+KTCORE_API int KTVariantChangeType(tagKTVARIANT* dst, const tagKTVARIANT* src, unsigned short vt);
+// Stores the value area, read as kind `vt` (value->vt is not looked at), in
+// what `target` points at; a text is copied over the one there, an object
+// replaces the one there with a reference of its own. 0 for a `vt` of 0 or
+// an unknown one, and nothing is touched.
+KTCORE_API int KTVariantBindToValue(unsigned short vt, void* target, tagKTVARIANT* value);
+// Clears `value` and loads it as kind `vt` from what `source` points at; a
+// text is copied, an object gets a reference, a blob's bytes are taken over.
+// 0 for a `vt` of 0 or an unknown one: `value` is then cleared and bears it.
+KTCORE_API int KTVariantBindFromValue(unsigned short vt, void* source, tagKTVARIANT* value);
+
 class KTCORE_API KTBlob : public tagKTBLOB {
 public:
     KTBlob();
@@ -200,6 +217,11 @@ public:
     operator KTWCHAR*() const;
 
     void Clear();
+    // In place with a null `src` or this variant (1 at once when it already
+    // has kind `vt`), else from `src`: KTVariantChangeType.
+    int ChangeType(unsigned short vt, tagKTVARIANT* src = nullptr);
+    int BindToValue(unsigned short vt, void* target);
+    int BindFromValue(unsigned short vt, void* source);
     // Takes over `source`'s record; `source.vt` becomes 0, its value area is
     // left alone.
     void Attach(tagKTVARIANT& source);
