@@ -135,9 +135,8 @@ int CRegistryParam::GetValue(const char* name, tagKTVARIANT* value) {
         return 0;
     if (type == REG_SZ) {
         data[size < kShortestText ? 0 : size] = 0;
-        CKTVariant text(reinterpret_cast<const char*>(data.data()));
-        *value = text.Detach();
-        return 1;
+        char* text = reinterpret_cast<char*>(data.data());
+        return KTVariantBindFromValue(KTVT_STR, &text, value);
     }
     return DecodeBinaryValue(data.data(), size, value) ? 1 : 0;
 }
