@@ -129,7 +129,11 @@ TEST(CriticalSections, BuiltInTheCallersMemory) {
     int size = 0;
     EXPECT_EQ(_CriticalSection_New_For_Core(nullptr, &size), nullptr);
     ASSERT_GT(size, 0);
-    EXPECT_EQ(TryAll(), KTWAIT_SIGNALLED);  // the size query made no section, so no mutex
+    {
+        // The size query made no section, so there is no mutex to take.
+        HoldingThread holdsAll([] { Wait_All(-1); }, [] { Wait_Release(); });
+        EXPECT_EQ(TryAll(), KTWAIT_SIGNALLED);
+    }
 
     alignas(16) unsigned char memory[264];
     ASSERT_LE(size, static_cast<int>(sizeof memory) - 8);

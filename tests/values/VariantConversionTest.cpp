@@ -84,14 +84,16 @@ TEST(VariantConversion, NumbersAndBooleansByTargetRow) {
     ExpectConversions({
         // Anything becomes empty; an unknown kind becomes nothing else.
         {"text", KTVT_EMPTY, true, kFails}, {OfUnknownKind(1000), KTVT_EMPTY, true, kFails},
-        {1, 20, false, kFails},
+        {1, 20, false, kFails}, {1, KTVT_BORROWED + 1, false, kFails},
         // Booleans: from numbers by != 0, never from text.
         {kFails, KTVT_BOOL, true, no}, {-5, KTVT_BOOL, true, yes}, {-0.5, KTVT_BOOL, true, yes},
-        {0.0f, KTVT_BOOL, true, no}, {"Yes", KTVT_BOOL, false, kFails},
+        {0.0f, KTVT_BOOL, true, no}, {Word{0}, KTVT_BOOL, true, no},
+        {"Yes", KTVT_BOOL, false, kFails},
         // Bytes and words: the low bits of integers; no real, no text.
         {300, KTVT_BYTE, true, Byte{44}}, {yes, KTVT_BYTE, true, Byte{1}},
         {Word{0x1234}, KTVT_BYTE, true, Byte{0x34}}, {0x12345, KTVT_WORD, true, Word{0x2345}},
-        {1.0, KTVT_BYTE, false, kFails}, {"5", KTVT_BYTE, false, kFails},
+        {Byte{200}, KTVT_WORD, true, Word{200}}, {1.0, KTVT_BYTE, false, kFails},
+        {"5", KTVT_BYTE, false, kFails},
         // Unsigned long: no float and no wide text, unlike its sisters.
         {-1, KTVT_ULONG, true, 4294967295ul}, {4294967295.0, KTVT_ULONG, true, 4294967295ul},
         {-1.0, KTVT_ULONG, true, 4294967295ul}, {"-1", KTVT_ULONG, true, 4294967295ul},
@@ -100,6 +102,7 @@ TEST(VariantConversion, NumbersAndBooleansByTargetRow) {
         {3.7, KTVT_INT, true, 3}, {-3.7, KTVT_INT, true, -3}, {2.9f, KTVT_INT, true, 2},
         {3e9, KTVT_INT, true, std::numeric_limits<int>::min()},  // the processor's answer
         {4294967295ul, KTVT_INT, true, -1}, {"12abc", KTVT_INT, true, 12},
+        {" \t-7", KTVT_INT, true, -7}, {"+15", KTVT_LONG, true, 15l},
         {"4294967297", KTVT_INT, true, 1},  // runs over as the runtime's scanner does
         {WideVariant("-8"), KTVT_INT, true, -8}, {-2.5, KTVT_LONG, true, -2l},
         {WideVariant("0x10"), KTVT_LONG, true, 0l},
@@ -134,7 +137,8 @@ TEST(VariantConversion, RealScansAnswerAsTheRuntimeScanner) {
     } cases[] = {
         {"0x", false, 0.0},  {"-0x", false, 0.0},    {"0x.", true, 0.0},
         {"0x1p4", true, 16.0}, {"0x1p", true, 1.0},  {"1.5e+", true, 1.5},
-        {"100ergs", true, 100.0}, {"-infinity", true, -kInfinity}, {"infin", false, 0.0},
+        {"100ergs", true, 100.0}, {"inf", true, kInfinity}, {"-infinity", true, -kInfinity},
+        {"infin", false, 0.0},
         {"nan(12)", true, NAN}, {"nan(", true, NAN}, {"\v\t\n2.5", true, 2.5},
         {"+.5", true, 0.5},   {"in", false, 0.0},
     };
@@ -197,13 +201,16 @@ TEST(VariantConversion, TextFormsByTargetRow) {
         {kFails, KTVT_STR, true, ""}, {yes, KTVT_STR, true, "Yes"},
         {CKTVariant(0, KTVT_BOOL), KTVT_STR, true, "No"},
         {static_cast<unsigned char>(200), KTVT_STR, true, "200"},
+        {static_cast<unsigned short>(65535), KTVT_STR, true, "65535"},
         {4294967295ul, KTVT_STR, true, "4294967295"},
         {std::numeric_limits<int>::min(), KTVT_STR, true, "-2147483648"},
         {0.1, KTVT_STR, true, "0.1"}, {123456789.0, KTVT_STR, true, "1.23457e+08"},
-        {0.00001, KTVT_STR, true, "1e-05"}, {1e20, KTVT_STR, true, "1e+20"},
+        {0.0001, KTVT_STR, true, "0.0001"}, {0.00001, KTVT_STR, true, "1e-05"},
+        {1e20, KTVT_STR, true, "1e+20"},
         {-0.0, KTVT_STR, true, "-0"}, {-kInfinity, KTVT_STR, true, "-inf"},
         {0.1f, KTVT_STR, true, "0.1"}, {kFails, KTVT_WSTR, true, W("").c_str()},
         {yes, KTVT_WSTR, true, W("Yes").c_str()}, {2.5f, KTVT_WSTR, true, W("2.5").c_str()},
+        {WideVariant("abc"), KTVT_WSTR, true, W("abc").c_str()},
         // Texts of the code page cross widths unchanged.
         {"caf\xE9", KTVT_WSTR, true, wideCafe}, {wideCafe, KTVT_STR, true, "caf\xE9"},
         // Records, blobs and objects have no text form here.
