@@ -15,6 +15,7 @@
 
 namespace {
 
+using kt::test::Answer;
 using kt::test::CCounted;
 using kt::test::Ref;
 using Log = std::vector<std::string>;
@@ -25,13 +26,6 @@ constexpr char kClassName[] = "CLSID_OFSERVICECONTAINER";
 ULONG References(IKTUnknown* object) {
     object->AddRef();
     return object->Release();
-}
-
-template <class I>
-Ref<I> Query(IKTUnknown* object) {
-    void* out = nullptr;
-    object->QueryInterface(typeid(I), &out);
-    return Ref<I>(static_cast<I*>(out));
 }
 
 Ref<IKTServiceContainer> NewContainer() {
@@ -68,7 +62,7 @@ private:
     int Note(const char* notice, IKTUnknown* from) {
         container = from;
         std::string line = std::string(notice) + " " + name + " (" + std::to_string(refs) + "):";
-        if (const Ref<IKTServiceContainer> reached = Query<IKTServiceContainer>(from)) {
+        if (const Ref<IKTServiceContainer> reached = Answer<IKTServiceContainer>(from)) {
             CTEnum<const char*>* made = nullptr;
             reached->EnumServiceNames(&made);
             const Ref<CTEnum<const char*>> names(made);
@@ -246,10 +240,10 @@ TEST(ServiceContainer, MadeByNameAloneOrAggregatedItHoldsOneServiceANameAndLends
         const Ref<CCounted> plain(new CCounted);
         Ref<CHostObject> host(aggregated ? new CHostObject : nullptr);
         Ref<IKTServiceContainer> container =
-            aggregated ? Query<IKTServiceContainer>(host.get()) : NewContainer();
+            aggregated ? Answer<IKTServiceContainer>(host.get()) : NewContainer();
         ASSERT_NE(container, nullptr);
         // The controlling object: the host, or the container's own shell.
-        IKTUnknown* identity = Query<IKTUnknown>(container.get()).get();
+        IKTUnknown* identity = Answer<IKTUnknown>(container.get()).get();
         if (aggregated) {
             EXPECT_EQ(identity, host.get());
             IKTUnknown* refused = nullptr;
@@ -270,7 +264,7 @@ TEST(ServiceContainer, MadeByNameAloneOrAggregatedItHoldsOneServiceANameAndLends
         EXPECT_EQ(sink->container->AddRef(), 0u);
         EXPECT_EQ(sink->container->Release(), 0u);
         IKTUnknown* sibling = nullptr;
-        Query<IKTServiceContainer>(sink->container)->GetService("abagab", &sibling);
+        Answer<IKTServiceContainer>(sink->container)->GetService("abagab", &sibling);
         EXPECT_EQ(Ref<IKTUnknown>(sibling).get(), plain.get());
         EXPECT_EQ(References(identity), held);
         EXPECT_EQ(plain->References(), 3u);

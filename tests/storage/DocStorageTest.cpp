@@ -17,6 +17,7 @@
 
 namespace {
 
+using kt::test::Answer;
 using kt::test::CCounted;
 using kt::test::Names;
 using kt::test::ReadText;
@@ -52,14 +53,6 @@ Ref<I> Given(IDocStrorageInfo* info, int (IDocStrorageInfo::*get)(I**)) {
     I* object = nullptr;
     EXPECT_EQ((info->*get)(&object), 1);
     return Ref<I>(object);
-}
-
-// What `object` answers for I, with its reference; null for a miss.
-template <class I>
-Ref<I> Answer(IKTUnknown* object) {
-    void* found = nullptr;
-    object->QueryInterface(typeid(I), &found);
-    return Ref<I>(static_cast<I*>(found));
 }
 
 StorageRef DocumentOver(IXStorage* storage, StoppingSink& sink, int flags = 0) {
