@@ -380,8 +380,8 @@ TEST(ThreadStart, WaitsUpToASecondForTheThreadToAnswer) {
         bool creatorSeesIt;
     } kCases[] = {
         {"answers at once", "kt-start-test", 0ms, true, true},
-        {"answers late, within the second", "kt-start-test", 400ms, true, true},
-        {"a 250-character name, answers late", kLongName.c_str(), 400ms, true, true},
+        {"a 250-character name, answers late within the second", kLongName.c_str(), 400ms, true,
+         true},
         {"answers after the second", "kt-start-test", 1500ms, true, false},
         {"never answers", "kt-start-test", 0ms, false, false},
     };
