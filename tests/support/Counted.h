@@ -24,4 +24,12 @@ struct ReleaseReference {
 template <class I>
 using Ref = std::unique_ptr<I, ReleaseReference>;
 
+// What `object` answers for I, with its reference; null for a miss.
+template <class I>
+Ref<I> Answer(IKTUnknown* object) {
+    void* found = nullptr;
+    object->QueryInterface(typeid(I), &found);
+    return Ref<I>(static_cast<I*>(found));
+}
+
 }  // namespace kt::test
