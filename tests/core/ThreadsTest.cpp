@@ -26,6 +26,7 @@
 #include "kticore/core/Exception.h"
 #include "kticore/core/Threads.h"
 #include "platform/Thread.h"
+#include "tests/support/LockedCount.h"
 #include "tests/support/ScratchDirectory.h"
 #include "tests/support/TestHelper.h"
 
@@ -273,12 +274,8 @@ TEST(CriticalSections, ExcludeEachOtherUnderLoad) {
     std::vector<ICritSect*> sections;
     for (int i = 0; i < kSections; ++i)
         sections.push_back(CriticalSection_New());
-    volatile long count = 0;
-    const auto step = [&count] {
-        const long seen = count;
-        std::this_thread::yield();
-        count = seen + 1;
-    };
+    kt::test::CountInMemory count;
+    const auto step = [&count] { kt::test::StepUnder(count); };
     std::vector<long> steps(kThreads + 1);
     std::atomic<int> refusals{0};
     const auto end = Clock::now() + 10s;
@@ -302,12 +299,36 @@ TEST(CriticalSections, ExcludeEachOtherUnderLoad) {
     });
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(count, std::accumulate(steps.begin(), steps.end(), 0L));
+    EXPECT_EQ(count.Read(), std::accumulate(steps.begin(), steps.end(), 0L));
     EXPECT_GT(steps[kThreads], 0);
     EXPECT_EQ(refusals.load(), 0);
     for (ICritSect* section : sections)
         section->Release();
 }
+
+// The helper process and two threads here step one count in a file.
+TEST(CriticalSections, ExcludeEachOtherAcrossProcesses) {
+    kt::test::ScratchDirectory scratch;
+    kt::test::CountInFile count{kt::test::Narrow(scratch / KTW("count"))};
+    ICritSect* section = CriticalSection_New();
+    kt::test::ChildProcess helper(KT_TEST_HELPER, {"count-in-section", count.name, "4000"});
+    ASSERT_TRUE(helper.Started());
+    for (int poll = 0; poll < 3000 && !std::filesystem::exists(count.name); ++poll)
+        std::this_thread::sleep_for(10ms);
+    std::atomic<long> ours{0};
+    std::thread threads[2];
+    for (std::thread& thread : threads)
+        thread = std::thread([&] { ours += kt::test::CountInSection(section, count, 2000ms); });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(helper.Wait(), 0);
+    long theirs = 0;
+    std::ifstream(count.name + ".helper") >> theirs;
+    EXPECT_GT(theirs, 0);
+    EXPECT_EQ(count.Read(), ours + theirs);
+    section->Release();
+}
+
 
 TEST(Events, ClearThemselvesWhenAWaitHasSeenThem) {
     // S sets, R resets, a digit is the result Wait(0) must give.

@@ -20,6 +20,8 @@
 //                         commit and NAME.N after it
 //   hold-all NAME         with a critical section alive, take all of them
 //                         (Wait_All), make the file NAME, wait to be killed
+//   count-in-section NAME MS  count in the file NAME under a critical
+//                         section for MS ms; write the steps to NAME.helper
 //   wait-all MS           with a critical section alive, the exit code is
 //                         Wait_All(MS)
 //   end-holding-all -     take all sections, release the last section, and
@@ -40,6 +42,7 @@
 #include "kticore/files/FileLocks.h"
 #include "kticore/files/FileUtilities.h"
 #include "kticore/streams/Stream.h"
+#include "tests/support/LockedCount.h"
 #if defined(_WIN32)
 #    include <windows.h>
 
@@ -221,6 +224,15 @@ void EnterHoldingAll(const char* marker) {
     a->Release();
 }
 
+void CountInSection(const char* name, const char* milliseconds) {
+    ICritSect* section = CriticalSection_New();
+    kt::test::CountInFile count{name};
+    const long steps =
+        kt::test::CountInSection(section, count, std::chrono::milliseconds(std::atoi(milliseconds)));
+    section->Release();
+    std::ofstream(std::string(name) + ".helper") << steps;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -267,6 +279,10 @@ int main(int argc, char** argv) {
     }
     if (what == "enter-holding-all") {
         EnterHoldingAll(argv[2]);
+        return 0;
+    }
+    if (what == "count-in-section" && argc == 4) {
+        CountInSection(argv[2], argv[3]);
         return 0;
     }
     if (what == "commit-loop" && argc == 4) {
