@@ -72,10 +72,10 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
             FailOpen(sys::LastFileError());
         if (writes && !(flags & FIO_KEEP))
             length = 0;
-        view = static_cast<unsigned char*>(sys::MapView(mapping, writes, 0, MappedBytes()));
-        if (view == nullptr)
+        auto* const mapped = static_cast<unsigned char*>(sys::MapView(mapping, writes, 0, MappedBytes()));
+        if (mapped == nullptr)
             FailOpen(sys::LastFileError());
-        CountViewBytes();
+        PlaceView(mapped, 0);
     } catch (...) {
         // Also out of memory: a failed construction closes what it made
         // and gives the lock back, since no destructor runs for it.
@@ -104,13 +104,29 @@ DWORD CXFile::MappedBytes() const {
     return std::min(viewSize, length - viewOffset);
 }
 
+void CXFile::PlaceView(unsigned char* mapped, DWORD offset) {
+    const DWORD position = Position();
+    view = mapped;
+    viewOffset = offset;
+    viewBase = reinterpret_cast<std::uintptr_t>(mapped) - offset;
+    cursor = viewBase + position;
+    CountViewBytes();
+}
+
 void CXFile::CountViewBytes() {
     const std::uint64_t end = std::min<std::uint64_t>(length, std::uint64_t{viewOffset} + viewSize);
     viewBytes = view != nullptr && end > viewOffset ? static_cast<DWORD>(end - viewOffset) : 0;
+    AimDWordReads();
+}
+
+void CXFile::AimDWordReads() {
+    const bool usable = Position() >= viewOffset && viewBytes >= sizeof(DWORD);
+    dwordReadEnd =
+        usable ? reinterpret_cast<std::uintptr_t>(view) + viewBytes - (sizeof(DWORD) - 1) : 0;
 }
 
 void CXFile::MoveView() {
-    const DWORD offset = position - position % viewSize;
+    const DWORD offset = Position() - Position() % viewSize;
     if (view != nullptr && offset == viewOffset)
         return;
     const auto failed = [this] {
@@ -118,9 +134,7 @@ void CXFile::MoveView() {
     };
     if (view != nullptr && !sys::UnmapView(view, MappedBytes()))
         failed();
-    view = nullptr;
-    viewBytes = 0;
-    viewOffset = offset;
+    PlaceView(nullptr, offset);
     const bool writes = access == XFILEOP_WRITE;
     if (writes) {
         // A larger mapping extends the file on disk as far as the view.
@@ -130,10 +144,10 @@ void CXFile::MoveView() {
         if (mapping == sys::kNoMapping)
             failed();
     }
-    view = static_cast<unsigned char*>(sys::MapView(mapping, writes, offset, MappedBytes()));
-    if (view == nullptr)
+    auto* const mapped = static_cast<unsigned char*>(sys::MapView(mapping, writes, offset, MappedBytes()));
+    if (mapped == nullptr)
         failed();
-    CountViewBytes();
+    PlaceView(mapped, offset);
 }
 
 void CXFile::Copy(void* to, const void* from, DWORD size) {
@@ -146,6 +160,7 @@ __attribute__((noinline, cold)) void CXFile::FailCopy() {
 }
 
 DWORD CXFile::Read(void* buffer, DWORD size) {
+    const DWORD position = Position();
     if (size == 0 || position >= length)
         return 0;
     const DWORD count = std::min(size, length - position);
@@ -153,10 +168,10 @@ DWORD CXFile::Read(void* buffer, DWORD size) {
         MoveView();
     auto* out = static_cast<unsigned char*>(buffer);
     for (DWORD left = count;;) {
-        const DWORD inView = viewOffset + viewSize - position;
+        const DWORD inView = viewOffset + viewSize - Position();
         const DWORD part = std::min(left, inView);
-        Copy(out, view + (position - viewOffset), part);
-        position += part;
+        Copy(out, AtPosition(), part);
+        Advance(part);
         left -= part;
         if (left == 0)
             return count;
@@ -170,16 +185,17 @@ void CXFile::Write(const void* buffer, DWORD size) {
         return;
     if (access == XFILEOP_READ)
         FailCopy();  // the view may not be written: refused before it faults
+    const DWORD position = Position();
     if (view == nullptr || position < viewOffset || position - viewOffset >= viewSize)
         MoveView();
     const auto* in = static_cast<const unsigned char*>(buffer);
     for (DWORD left = size;;) {
-        const DWORD inView = viewOffset + viewSize - position;
+        const DWORD inView = viewOffset + viewSize - Position();
         const DWORD part = std::min(left, inView);
-        Copy(view + (position - viewOffset), in, part);
-        position += part;
-        if (position > length) {
-            length = position;
+        Copy(AtPosition(), in, part);
+        Advance(part);
+        if (Position() > length) {
+            length = Position();
             CountViewBytes();
         }
         left -= part;
@@ -191,8 +207,8 @@ void CXFile::Write(const void* buffer, DWORD size) {
 }
 
 DWORD CXFile::Seek(LONG offset, DWORD origin) {
-    position = SeekTarget(offset, origin, position, length, access == XFILEOP_READ, access);
-    return position;
+    SetPosition(SeekTarget(offset, origin, Position(), length, access == XFILEOP_READ, access));
+    return Position();
 }
 
 int CXFile::Flush() { return view == nullptr ? 1 : sys::FlushView(view, MappedBytes()); }
@@ -203,9 +219,9 @@ __attribute__((noinline)) DWORD CXFile::ReadDWordAtEdge() { return ReadValue<DWO
 DWORD CXFile::ReadDWord() {
     DWORD value;
     // A fault takes the general way too, which meets it again and reports it.
-    if (!InView(sizeof value) || !sys::LoadGuarded(view + (position - viewOffset), value))
+    if (cursor >= dwordReadEnd || !sys::LoadGuarded(AtPosition(), value))
         return ReadDWordAtEdge();
-    position += sizeof value;
+    Advance(sizeof value);
     return value;
 }
 
@@ -215,14 +231,14 @@ int CXFile::ReadLine(char* buffer, int maxChars) {
         return CTypedFile::ReadLine(buffer, maxChars);
     const DWORD scan = std::min(available, static_cast<DWORD>(maxChars));
     const size_t copied =
-        sys::CopyUntilGuarded(buffer, view + (position - viewOffset), scan, '\n');
+        sys::CopyUntilGuarded(buffer, AtPosition(), scan, '\n');
     if (copied == sys::kCopyFaulted)
         FailCopy();
     const bool lineFeed = copied > 0 && buffer[copied - 1] == '\n';
     if (!lineFeed && scan < static_cast<DWORD>(maxChars))
         return CTypedFile::ReadLine(buffer, maxChars);  // the line goes on past the view
     const int count = static_cast<int>(copied) - lineFeed;
-    position += static_cast<DWORD>(copied);
+    Advance(static_cast<DWORD>(copied));
     buffer[lineFeed && count < maxChars - 1 ? count + 1 : count] = 0;
     return count;
 }
@@ -230,8 +246,7 @@ int CXFile::ReadLine(char* buffer, int maxChars) {
 void CXFile::Close() {
     if (view != nullptr && !sys::UnmapView(view, MappedBytes()))
         throw CXFileException(XE_NO_MEMORY, name, access);
-    view = nullptr;
-    viewBytes = 0;
+    PlaceView(nullptr, viewOffset);
     if (mapping != sys::kNoMapping && !sys::CloseMapping(mapping))
         throw CXFileException(XE_NO_MEMORY, name, access);
     mapping = sys::kNoMapping;
