@@ -72,10 +72,10 @@ CXFile::CXFile(const KTWCHAR* fileName, int openFlags)
             FailOpen(sys::LastFileError());
         if (writes && !(flags & FIO_KEEP))
             length = 0;
-        auto* const mapped = static_cast<unsigned char*>(sys::MapView(mapping, writes, 0, MappedBytes()));
-        if (mapped == nullptr)
+        view = static_cast<unsigned char*>(sys::MapView(mapping, writes, 0, MappedBytes()));
+        if (view == nullptr)
             FailOpen(sys::LastFileError());
-        PlaceView(mapped, 0);
+        CountViewBytes();
     } catch (...) {
         // Also out of memory: a failed construction closes what it made
         // and gives the lock back, since no destructor runs for it.
@@ -104,29 +104,13 @@ DWORD CXFile::MappedBytes() const {
     return std::min(viewSize, length - viewOffset);
 }
 
-void CXFile::PlaceView(unsigned char* mapped, DWORD offset) {
-    const DWORD position = Position();
-    view = mapped;
-    viewOffset = offset;
-    viewBase = reinterpret_cast<std::uintptr_t>(mapped) - offset;
-    cursor = viewBase + position;
-    CountViewBytes();
-}
-
 void CXFile::CountViewBytes() {
     const std::uint64_t end = std::min<std::uint64_t>(length, std::uint64_t{viewOffset} + viewSize);
     viewBytes = view != nullptr && end > viewOffset ? static_cast<DWORD>(end - viewOffset) : 0;
-    AimDWordReads();
-}
-
-void CXFile::AimDWordReads() {
-    const bool usable = Position() >= viewOffset && viewBytes >= sizeof(DWORD);
-    dwordReadEnd =
-        usable ? reinterpret_cast<std::uintptr_t>(view) + viewBytes - (sizeof(DWORD) - 1) : 0;
 }
 
 void CXFile::MoveView() {
-    const DWORD offset = Position() - Position() % viewSize;
+    const DWORD offset = position - position % viewSize;
     if (view != nullptr && offset == viewOffset)
         return;
     const auto failed = [this] {
@@ -134,7 +118,9 @@ void CXFile::MoveView() {
     };
     if (view != nullptr && !sys::UnmapView(view, MappedBytes()))
         failed();
-    PlaceView(nullptr, offset);
+    view = nullptr;
+    viewBytes = 0;
+    viewOffset = offset;
     const bool writes = access == XFILEOP_WRITE;
     if (writes) {
         // A larger mapping extends the file on disk as far as the view.
@@ -144,10 +130,10 @@ void CXFile::MoveView() {
         if (mapping == sys::kNoMapping)
             failed();
     }
-    auto* const mapped = static_cast<unsigned char*>(sys::MapView(mapping, writes, offset, MappedBytes()));
-    if (mapped == nullptr)
+    view = static_cast<unsigned char*>(sys::MapView(mapping, writes, offset, MappedBytes()));
+    if (view == nullptr)
         failed();
-    PlaceView(mapped, offset);
+    CountViewBytes();
 }
 
 void CXFile::Copy(void* to, const void* from, DWORD size) {
@@ -160,7 +146,6 @@ __attribute__((noinline, cold)) void CXFile::FailCopy() {
 }
 
 DWORD CXFile::Read(void* buffer, DWORD size) {
-    const DWORD position = Position();
     if (size == 0 || position >= length)
         return 0;
     const DWORD count = std::min(size, length - position);
@@ -168,10 +153,10 @@ DWORD CXFile::Read(void* buffer, DWORD size) {
         MoveView();
     auto* out = static_cast<unsigned char*>(buffer);
     for (DWORD left = count;;) {
-        const DWORD inView = viewOffset + viewSize - Position();
+        const DWORD inView = viewOffset + viewSize - position;
         const DWORD part = std::min(left, inView);
-        Copy(out, AtPosition(), part);
-        Advance(part);
+        Copy(out, view + (position - viewOffset), part);
+        position += part;
         left -= part;
         if (left == 0)
             return count;
@@ -185,17 +170,16 @@ void CXFile::Write(const void* buffer, DWORD size) {
         return;
     if (access == XFILEOP_READ)
         FailCopy();  // the view may not be written: refused before it faults
-    const DWORD position = Position();
     if (view == nullptr || position < viewOffset || position - viewOffset >= viewSize)
         MoveView();
     const auto* in = static_cast<const unsigned char*>(buffer);
     for (DWORD left = size;;) {
-        const DWORD inView = viewOffset + viewSize - Position();
+        const DWORD inView = viewOffset + viewSize - position;
         const DWORD part = std::min(left, inView);
-        Copy(AtPosition(), in, part);
-        Advance(part);
-        if (Position() > length) {
-            length = Position();
+        Copy(view + (position - viewOffset), in, part);
+        position += part;
+        if (position > length) {
+            length = position;
             CountViewBytes();
         }
         left -= part;
@@ -207,8 +191,8 @@ void CXFile::Write(const void* buffer, DWORD size) {
 }
 
 DWORD CXFile::Seek(LONG offset, DWORD origin) {
-    SetPosition(SeekTarget(offset, origin, Position(), length, access == XFILEOP_READ, access));
-    return Position();
+    position = SeekTarget(offset, origin, position, length, access == XFILEOP_READ, access);
+    return position;
 }
 
 int CXFile::Flush() { return view == nullptr ? 1 : sys::FlushView(view, MappedBytes()); }
@@ -219,9 +203,9 @@ __attribute__((noinline)) DWORD CXFile::ReadDWordAtEdge() { return ReadValue<DWO
 DWORD CXFile::ReadDWord() {
     DWORD value;
     // A fault takes the general way too, which meets it again and reports it.
-    if (cursor >= dwordReadEnd || !sys::LoadGuarded(AtPosition(), value))
+    if (!InView(sizeof value) || !sys::LoadGuarded(view + (position - viewOffset), value))
         return ReadDWordAtEdge();
-    Advance(sizeof value);
+    position += sizeof value;
     return value;
 }
 
@@ -231,14 +215,14 @@ int CXFile::ReadLine(char* buffer, int maxChars) {
         return CTypedFile::ReadLine(buffer, maxChars);
     const DWORD scan = std::min(available, static_cast<DWORD>(maxChars));
     const size_t copied =
-        sys::CopyUntilGuarded(buffer, AtPosition(), scan, '\n');
+        sys::CopyUntilGuarded(buffer, view + (position - viewOffset), scan, '\n');
     if (copied == sys::kCopyFaulted)
         FailCopy();
     const bool lineFeed = copied > 0 && buffer[copied - 1] == '\n';
     if (!lineFeed && scan < static_cast<DWORD>(maxChars))
         return CTypedFile::ReadLine(buffer, maxChars);  // the line goes on past the view
     const int count = static_cast<int>(copied) - lineFeed;
-    Advance(static_cast<DWORD>(copied));
+    position += static_cast<DWORD>(copied);
     buffer[lineFeed && count < maxChars - 1 ? count + 1 : count] = 0;
     return count;
 }
@@ -246,7 +230,8 @@ int CXFile::ReadLine(char* buffer, int maxChars) {
 void CXFile::Close() {
     if (view != nullptr && !sys::UnmapView(view, MappedBytes()))
         throw CXFileException(XE_NO_MEMORY, name, access);
-    PlaceView(nullptr, viewOffset);
+    view = nullptr;
+    viewBytes = 0;
     if (mapping != sys::kNoMapping && !sys::CloseMapping(mapping))
         throw CXFileException(XE_NO_MEMORY, name, access);
     mapping = sys::kNoMapping;

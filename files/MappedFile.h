@@ -29,7 +29,7 @@ public:
     DWORD Read(void* buffer, DWORD size) override;
     void Write(const void* buffer, DWORD size) override;
     DWORD Seek(LONG offset, DWORD origin) override;
-    DWORD GetPosition() override { return Position(); }
+    DWORD GetPosition() override { return position; }
     DWORD GetLength() override { return length; }
     int Flush() override;
     const KTWCHAR* GetName() override { return name; }
@@ -44,26 +44,17 @@ private:
     // Makes the view cover the position.
     void MoveView();
     DWORD MappedBytes() const;
-    // Puts `mapped` (at `offset`, or null for no view) in place of the view;
-    // the position stays.
-    void PlaceView(unsigned char* mapped, DWORD offset);
     // Counts viewBytes again, after the view or the length changed.
     void CountViewBytes();
-    DWORD Position() const { return static_cast<DWORD>(cursor - viewBase); }
-    unsigned char* AtPosition() const { return reinterpret_cast<unsigned char*>(cursor); }
-    void SetPosition(DWORD to) {
-        cursor = viewBase + to;
-        AimDWordReads();
-    }
-    // Forward moves keep the bound of typed reads right: it only asks that
-    // the position not lie before the view.
-    void Advance(DWORD bytes) { cursor += bytes; }
-    void AimDWordReads();
     // The bytes from the position to the end of the view or of the file.
     DWORD BytesInView() const {
-        const DWORD offset = Position() - viewOffset;  // wraps when the position lies before the view
+        const DWORD offset = position - viewOffset;  // wraps when the position lies before the view
         return offset < viewBytes ? viewBytes - offset : 0;
     }
+    // Whether `size` bytes from the position lie in the view, in one test: a
+    // position before the view wraps to more than any view holds, since the
+    // view ends inside a 32-bit file.
+    bool InView(DWORD size) const { return std::uint64_t{position - viewOffset} + size <= viewBytes; }
     DWORD ReadDWordAtEdge();
     [[noreturn]] void FailOpen(DWORD win32Error);
     // Copies between the view and the caller: typed values in one move. A
@@ -74,19 +65,13 @@ private:
 
     sys::FileHandle file = sys::kNoFile;
     sys::MappingHandle mapping = sys::kNoMapping;
+    DWORD position = 0;
     DWORD length = 0;
     unsigned char* view = nullptr;
     DWORD viewOffset = 0;
     // The bytes of the file in the view, from its start; 0 without a view.
+    // Kept, so that a typed read asks one question of the view.
     DWORD viewBytes = 0;
-    // The position is kept as an address, so that a typed read asks one
-    // question and moves one field: the address where the file's first byte
-    // would lie in the view, and the position's address from there.
-    std::uintptr_t viewBase = 0;
-    std::uintptr_t cursor = 0;
-    // A DWORD read at a cursor below it lies in the view and in the file; 0
-    // while the position lies before the view, or the view holds less.
-    std::uintptr_t dwordReadEnd = 0;
     DWORD viewSize;
     DWORD flags;
     DWORD access;  // XFILEOP_READ or XFILEOP_WRITE
