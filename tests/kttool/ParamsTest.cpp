@@ -149,7 +149,8 @@ TEST(Params, PlacesThatCannotBeUsedAreAnsweredWithAMessage) {
         {{"params", "ini:" + source, "ini:" + source}, kOverlap},
         {{"params", "stor:" + source, "stor:" + source + ":Inner"}, kOverlap},
         {{"params", "reg:HKCU\\Software\\kt", "reg:hkcu\\SOFTWARE\\KT\\Y"}, kOverlap},
-        {{"params", "reg:HKCU\\Software\\kt\\Y", "reg:HKEY_CURRENT_USER\\Software\\kt\\"}, kOverlap},
+        {{"params", "reg:HKCU\\Software\\kt\\Y", "reg:HKEY_CURRENT_USER\\Software\\kt\\"},
+         kOverlap},
         {{"params", "reg:HKCU\\Software\\kticore-none", "reg:HKCU\\Software\\kticore-none-b"},
          kNoRegistryKey},
     };

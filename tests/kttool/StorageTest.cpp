@@ -57,19 +57,20 @@ TEST(Storage, ListsTheTreeWithTheValueInEachStream) {
     }
     const ToolRun run = RunKtTool({"storage", path, "--values"});
     ASSERT_EQ(run.status, kSuccess) << run.err;
-    EXPECT_EQ(run.out, path + "\n" +
-                           "  cut  9 bytes  not a stored value\n"
-                           "  junk  5 bytes  not a stored value\n"
-                           "  none  0 bytes  not a stored value\n"
-                           "  Title  13 bytes  text \"a \\\"b\\\"\\x0a\"\n"
-                           "  Width  6 bytes  int 640\n"
-                           "  \\x05Summary  0 bytes  not a stored value\n"
-                           "  Sub\\\n"
-                           "    Wide  14 bytes  wide text \"\\u00e9t\\u00e9\"\n"
-                           "    Frame  34 bytes  real rectangle 0.5,-1,1e+10,2.25\n"
-                           "    Shape  23 bytes  object Foreign.Shape, 3 bytes, class not registered\n"
-                           "    Deeper\\\n"
-                           "      Over  6 bytes  byte 9 (and 3 unread bytes behind it)\n");
+    EXPECT_EQ(run.out,
+              path + "\n" +
+                  "  cut  9 bytes  not a stored value\n"
+                  "  junk  5 bytes  not a stored value\n"
+                  "  none  0 bytes  not a stored value\n"
+                  "  Title  13 bytes  text \"a \\\"b\\\"\\x0a\"\n"
+                  "  Width  6 bytes  int 640\n"
+                  "  \\x05Summary  0 bytes  not a stored value\n"
+                  "  Sub\\\n"
+                  "    Wide  14 bytes  wide text \"\\u00e9t\\u00e9\"\n"
+                  "    Frame  34 bytes  real rectangle 0.5,-1,1e+10,2.25\n"
+                  "    Shape  23 bytes  object Foreign.Shape, 3 bytes, class not registered\n"
+                  "    Deeper\\\n"
+                  "      Over  6 bytes  byte 9 (and 3 unread bytes behind it)\n");
 
     const ToolRun plain = RunKtTool({"storage", path});
     EXPECT_NE(plain.out.find("\n  Width  6 bytes\n"), std::string::npos) << plain.out;

@@ -59,7 +59,8 @@ PlaceName Storage(const std::string& rest) {
 std::filesystem::path::string_type FoldedFullPath(const std::string& file) {
     auto full = std::filesystem::absolute(file).lexically_normal().native();
     for (auto& unit : full)
-        unit = static_cast<std::filesystem::path::value_type>(std::towupper(static_cast<wint_t>(unit)));
+        unit = static_cast<std::filesystem::path::value_type>(
+            std::towupper(static_cast<wint_t>(unit)));
     return full;
 }
 
