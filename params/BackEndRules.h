@@ -7,51 +7,24 @@
 
 namespace kt::params {
 
-// What GetValue does with the caller's variant when the value is missing.
-enum class MissingValue {
-    kUntouched,                    // left as it was
-    kCleared,                      // cleared
-    kClearedUnlessSectionMissing,  // cleared, but left as it was when a section of the path is missing
-};
-
-// How names compare and in which order the enumerations list them.
-enum class NameOrder {
-    kCreation,     // case folded; the first spelling is the one listed
-    kFile,         // the profile file's order and case rules
-    kRegistry,     // the registry's index order and case rules
-    kStorage,      // the storage's element order and case rules
-};
-
 struct BackEndRules {
-    const char* name;
-    NameOrder order;
     // The empty value name stands for "@"; otherwise it is passed on as the
     // unnamed value of the place.
     bool emptyNameIsDefault;
     // A `\` in a value path names sections; otherwise it is part of the name.
     bool valuePathSplits;
-    MissingValue missingValue;
     // Bit k set: SetValue stores kind k. Other kinds are dropped without a word.
     unsigned storedKinds;
-    // Clear leaves the sub-sections in place, emptied, instead of removing them.
-    bool clearKeepsSections;
 };
 
 constexpr unsigned KindBit(unsigned kind) { return 1u << kind; }
 constexpr unsigned KindsUpTo(unsigned last) { return (KindBit(last) << 1) - 1; }
 
-inline constexpr BackEndRules kMemoryTree{
-    "memory", NameOrder::kCreation, true, true, MissingValue::kUntouched, KindsUpTo(KTVT_WSTR), false};
-inline constexpr BackEndRules kProfileFile{
-    "profile file", NameOrder::kFile, true, true, MissingValue::kClearedUnlessSectionMissing,
-    KindsUpTo(KTVT_BLOB), false};
-inline constexpr BackEndRules kRegistry{
-    "registry", NameOrder::kRegistry, false, false, MissingValue::kCleared,
-    KindsUpTo(KTVT_BLOB) | KindBit(KTVT_WSTR), true};
+inline constexpr BackEndRules kMemoryTree{true, true, KindsUpTo(KTVT_WSTR)};
+inline constexpr BackEndRules kProfileFile{true, true, KindsUpTo(KTVT_BLOB)};
+inline constexpr BackEndRules kRegistry{false, false, KindsUpTo(KTVT_BLOB) | KindBit(KTVT_WSTR)};
 // What the stored form of a variant can write; the storage keeps all of it.
-inline constexpr BackEndRules kStorage{
-    "storage", NameOrder::kStorage, true, true, MissingValue::kClearedUnlessSectionMissing,
-    KindsUpTo(KTVT_WSTR), false};
+inline constexpr BackEndRules kStorage{true, true, KindsUpTo(KTVT_WSTR)};
 
 // Whether a back end keeps a value of kind `kind` at all.
 constexpr bool Stores(const BackEndRules& rules, unsigned kind) {

@@ -3,8 +3,10 @@
 #include "kticore/params/ParamTools.h"
 #include "tests/kttool/ToolTestSupport.h"
 #include "tests/params/AllKinds.h"
+#include "tools/kttool/ParamPlaces.h"
 #if defined(_WIN32)
 #include "kticore/params/RegistryParam.h"
+#include "kticore/storage/Storage.h"
 #endif
 
 namespace kttool::test {
@@ -66,7 +68,11 @@ TEST(Params, ATreeGoesThroughTheRegistryAndACompoundFile) {
     const std::string storage = "stor:" + scratch / "tree.cfd";
 
     EXPECT_EQ(RunKtTool({"params", "text:" + scratch / "a.txt", key}).status, kSuccess);
+    const Ref<IParam> source(new_IParamCUReg(L"Software\\kticore-kttool-tests\\params"));
+    const Ref<IParam> before(new_MemParam());
+    Param_CopyTo(source.get(), before.get());
     EXPECT_EQ(RunKtTool({"params", key, storage + ":Inner\\Deep"}).status, kSuccess);
+    EXPECT_EQ(Param_Cmp(before.get(), source.get()), 1) << "the source key was changed";
     const ToolRun printed = RunKtTool({"params", storage + ":Inner\\Deep", "-"});
     EXPECT_EQ(printed.status, kSuccess) << printed.err;
     std::ofstream(scratch / "d.txt", std::ios::binary) << printed.out;
@@ -84,6 +90,38 @@ TEST(Params, ATreeGoesThroughTheRegistryAndACompoundFile) {
     Ref<IParam> software(new_IParamCUReg(L"Software"));
     software->DeleteSection("kticore-kttool-tests");
 }
+
+// A copy that fails never reaches Finish: a compound file it wrote to is as
+// it was, and one it would have made is not there. Finish brings the tree in.
+TEST(Params, ACompoundFileChangesOnlyWhenTheCopyFinishes) {
+    Scratch scratch;
+    const std::string existing = scratch / "existing.cfd";
+    {
+        const Ref<IXStorage> file(new_Storage(CXStringW(existing.c_str()), 0));
+        const Ref<IXStream> stream(file->CreateStream("kept"));
+    }
+    const std::string content = ContentOf(existing);
+    for (const std::string& name : {existing, scratch / "made.cfd"}) {
+        const auto place = OpenPlace("stor:" + name + ":Inner", PlaceRole::kDestination);
+        kt::test::Set(place->Tree(), "value", CKTVariant(1));
+    }
+    EXPECT_TRUE(ContentOf(existing) == content) << "an unfinished copy changed the file";
+    EXPECT_FALSE(std::ifstream(scratch / "made.cfd")) << "an unfinished copy made the file";
+
+    const auto place = OpenPlace("stor:" + existing + ":Inner", PlaceRole::kDestination);
+    kt::test::Set(place->Tree(), "value", CKTVariant(1));
+    std::ostringstream out;
+    place->Finish(out);
+    const ToolRun printed = RunKtTool({"params", "stor:" + existing + ":Inner", "-"});
+    EXPECT_NE(printed.out.find("value=i1"), std::string::npos) << printed.out << printed.err;
+}
+#endif
+
+constexpr char kOverlap[] = "overlap: a tree cannot be copied into itself";
+#if defined(_WIN32)
+constexpr char kNoRegistryKey[] = "kticore-none: no such key";
+#else
+constexpr char kNoRegistryKey[] = "registry places exist on Windows only";
 #endif
 
 struct Answer {
@@ -107,6 +145,14 @@ TEST(Params, PlacesThatCannotBeUsedAreAnsweredWithAMessage) {
         {{"params", "reg:HKCU\\", "-"}, "a key below the hive is needed"},
         {{"params", "text:" + scratch / "", "-"}, "cannot be read"},
         {{"params", "text:" + source, "text:" + scratch / ""}, "cannot be opened"},
+        {{"params", "text:" + source, "text:" + scratch / "./SOURCE.txt"}, kOverlap},
+        {{"params", "ini:" + source, "ini:" + source}, kOverlap},
+        {{"params", "stor:" + source, "stor:" + source + ":Inner"}, kOverlap},
+        {{"params", "reg:HKCU\\Software\\kt", "reg:hkcu\\SOFTWARE\\KT\\Y"}, kOverlap},
+        {{"params", "reg:HKCU\\Software\\kt\\Y", "reg:HKEY_CURRENT_USER\\Software\\kt\\"},
+         kOverlap},
+        {{"params", "reg:HKCU\\Software\\kticore-none", "reg:HKCU\\Software\\kticore-none-b"},
+         kNoRegistryKey},
     };
     for (const Answer& answer : answers) {
         const ToolRun run = RunKtTool(answer.args);

@@ -13,30 +13,12 @@
 #include "tools/kttool/FailureWords.h"
 #include "tools/kttool/PlaceName.h"
 #include "tools/kttool/PlatformPlaces.h"
+#include "tools/kttool/TempFile.h"
 
 namespace kttool {
 namespace {
 
 using kt::params::Held;
-
-// A new empty file in the temporary directory, deleted with this object.
-class TempFile {
-public:
-    TempFile() : name(Fio_GetTempFileName()) {}
-    TempFile(const TempFile&) = delete;
-    TempFile& operator=(const TempFile&) = delete;
-    ~TempFile() {
-        try {
-            Fio_DeleteFile(name);
-        } catch (const CXException&) {
-            // A temporary file left behind harms nobody.
-        }
-    }
-    const KTWCHAR* Name() const { return name; }
-
-private:
-    CXStringW name;
-};
 
 // The text form, through a tree in memory that is read from the file first
 // (so a destination keeps what it had) and written to it at the end.

@@ -5,6 +5,7 @@
 #include "tools/kttool/Commands.h"
 #include "tools/kttool/FailureWords.h"
 #include "tools/kttool/ParamPlaces.h"
+#include "tools/kttool/PlaceName.h"
 
 namespace kttool {
 namespace {
@@ -27,7 +28,8 @@ constexpr char kHelp[] =
     "  -                 standard output, in the text form (TO only)\n"
     "\n"
     "FROM is only read. A FROM that is missing is an error; a TO that is missing\n"
-    "is made.\n";
+    "is made. FROM and TO must not overlap: not the same file, nor a key and\n"
+    "one below it.\n";
 
 }  // namespace
 
@@ -41,6 +43,9 @@ int RunParams(const Arguments& args, std::ostream& out, std::ostream&) {
         throw UsageError("params needs FROM and TO");
     const std::string& fromName = line.Operands()[0];
     const std::string& toName = line.Operands()[1];
+    if (Overlap(ParsePlace(fromName), ParsePlace(toName)))
+        throw UsageError(fromName + " and " + toName +
+                         " overlap: a tree cannot be copied into itself or its own part");
     const auto from = OpenPlace(fromName, PlaceRole::kSource);
     const auto to = OpenPlace(toName, PlaceRole::kDestination);
     try {

@@ -1,6 +1,8 @@
 #include "tools/kttool/PlaceName.h"
 
 #include <cctype>
+#include <cwctype>
+#include <filesystem>
 
 #include "tools/kttool/CommandLine.h"
 
@@ -53,7 +55,45 @@ PlaceName Storage(const std::string& rest) {
     return {PlaceKind::kStorage, rest.substr(0, colon), rest.substr(colon + 1)};
 }
 
+// The file's full path, case folded: the same file however it is named.
+std::filesystem::path::string_type FoldedFullPath(const std::string& file) {
+    auto full = std::filesystem::absolute(file).lexically_normal().native();
+    for (auto& unit : full)
+        unit = static_cast<std::filesystem::path::value_type>(
+            std::towupper(static_cast<wint_t>(unit)));
+    return full;
+}
+
+// The key with its case folded and without trailing `\`, ending in one.
+std::string FoldedKey(const std::string& key) {
+    std::string folded = key.substr(0, key.find_last_not_of('\\') + 1);
+    for (char& letter : folded)
+        letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+    return folded + '\\';
+}
+
 }  // namespace
+
+bool Overlap(const PlaceName& a, const PlaceName& b) {
+    if (a.kind != b.kind)
+        return false;
+    switch (a.kind) {
+    case PlaceKind::kText:
+    case PlaceKind::kProfile:
+    case PlaceKind::kStorage:
+        return FoldedFullPath(a.where) == FoldedFullPath(b.where);
+    case PlaceKind::kRegistry: {
+        if (a.where != b.where)
+            return false;
+        const std::string first = FoldedKey(a.inside);
+        const std::string second = FoldedKey(b.inside);
+        return StartsWith(first, second) || StartsWith(second, first);
+    }
+    case PlaceKind::kOutput:
+        return false;
+    }
+    return false;
+}
 
 PlaceName ParsePlace(const std::string& name) {
     if (name == "-")

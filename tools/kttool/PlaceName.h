@@ -32,4 +32,9 @@ public:
 // Throws UsageError for a name that is no place.
 PlaceName ParsePlace(const std::string& name);
 
+// Whether writing `b` can change what `a` holds, or the reverse: the same
+// file under the same back end (full paths, case folded as Windows folds
+// them), or registry keys of which one is the other or lies below it.
+bool Overlap(const PlaceName& a, const PlaceName& b);
+
 }  // namespace kttool

@@ -18,7 +18,8 @@ constexpr char kHelp[] =
     "\n"
     "Lists the storages and streams of a compound file as a tree: a storage as\n"
     "its name and a \\, a stream as its name and its size, streams before\n"
-    "storages, each in the file's order.\n"
+    "storages, each in the file's order. Names show \\, \" and what is not\n"
+    "printable ASCII escaped, as text values are (\\x05 for a byte 5).\n"
     "\n"
     "  --values   also the value stored in each stream that holds one: its kind\n"
     "             and value; an object by its class name and length, also when\n"
@@ -39,7 +40,7 @@ public:
         const Held<CTEnum<const char*>> streams(storage->EnumStreams());
         for (const char* name = nullptr; streams->Next(1, &name, nullptr);) {
             const Held<IXStream> stream(storage->OpenStream(name));
-            out << indent << name;
+            out << indent << Escaped(name);
             if (!stream) {
                 out << "  cannot be opened\n";
                 continue;
@@ -51,7 +52,7 @@ public:
         }
         const Held<CTEnum<const char*>> storages(storage->EnumStorages());
         for (const char* name = nullptr; storages->Next(1, &name, nullptr);) {
-            out << indent << name << "\\\n";
+            out << indent << Escaped(name) << "\\\n";
             const Held<IXStorage> child(storage->OpenStorage(name));
             List(child.get(), level + 1);
         }

@@ -43,20 +43,25 @@ std::string RealText(Real value) {
 }
 
 template <class Unit>
-std::string Quoted(const Unit* text) {
-    std::string quoted = "\"";
+std::string EscapedText(const Unit* text) {
+    std::string escaped;
     for (; *text != 0; ++text) {
         const unsigned unit = static_cast<std::make_unsigned_t<Unit>>(*text);
         if (unit == '"' || unit == '\\')
-            quoted += std::string("\\") + static_cast<char>(unit);
+            escaped += std::string("\\") + static_cast<char>(unit);
         else if (unit >= 0x20 && unit < 0x7F)
-            quoted += static_cast<char>(unit);
+            escaped += static_cast<char>(unit);
         else if (sizeof(Unit) == 1)
-            quoted += "\\x" + Hex(unit, 2);
+            escaped += "\\x" + Hex(unit, 2);
         else
-            quoted += "\\u" + Hex(unit, 4);
+            escaped += "\\u" + Hex(unit, 4);
     }
-    return quoted + "\"";
+    return escaped;
+}
+
+template <class Unit>
+std::string Quoted(const Unit* text) {
+    return "\"" + EscapedText(text) + "\"";
 }
 
 template <class Number>
@@ -157,6 +162,10 @@ std::vector<unsigned char> FirstBytes(IXStream* stream, unsigned count) {
 }
 
 }  // namespace
+
+std::string Escaped(const char* text) {
+    return EscapedText(text);
+}
 
 StreamContent ReadStreamContent(IXStream* stream) {
     StreamContent content;

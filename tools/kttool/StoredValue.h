@@ -27,4 +27,8 @@ StreamContent ReadStreamContent(IXStream* stream);
 // escapes, blobs by size and first bytes, objects by class name and length.
 std::string DescribeValue(const tagKTVARIANT& value);
 
+// Narrow text as DescribeValue shows it, without the quotes: `\`, `"` and
+// what is not printable ASCII escaped.
+std::string Escaped(const char* text);
+
 }  // namespace kttool
