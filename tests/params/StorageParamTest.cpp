@@ -409,13 +409,16 @@ TEST(StorageParam, FailuresOfTheStorageAreSwallowedAndOtherExceptionsPass) {
         TreeRef root(new_IXStorParam(failing.get()));
         failing->failure = ThrowAccessDenied;
         run(root.get());
-        failing->failure = [](const std::string&) { throw std::runtime_error("not the storage's"); };
+        failing->failure = [](const std::string&) {
+            throw std::runtime_error("not the storage's");
+        };
         EXPECT_THROW(run(root.get()), std::runtime_error) << name;
         failing->failure = nullptr;
         EXPECT_EQ(Listing(tree.storage.get()), kBase) << name;
     };
     for (const Giving& operation : kGiving)
-        check(operation.name, [&](IParam* p) { EXPECT_FALSE(operation.call(p)) << operation.name; });
+        check(operation.name,
+              [&](IParam* p) { EXPECT_FALSE(operation.call(p)) << operation.name; });
     for (const Acting& operation : kActing)
         check(operation.name, operation.call);
 }
