@@ -215,9 +215,9 @@ void CIXStorParam::SetValue(const char* path, const tagKTVARIANT* value) {
 // section of the name stays.
 void CIXStorParam::DeleteValue(const char* valueName) {
     Guarded([&] {
-        const char* name = valueName != nullptr ? valueName : "";
-        if (HoldsStream(storage, name))
-            storage->DestroyStream(name);
+        const char* streamName = valueName != nullptr ? valueName : "";
+        if (HoldsStream(storage, streamName))
+            storage->DestroyStream(streamName);
     });
 }
 
