@@ -15,11 +15,9 @@ const BackEndRules& kRules = kStorage;
 constexpr char kRootName[] = "Root";
 
 // A section path cut at its first `\`: the name of the section below, and
-// what lies behind it, null when nothing does.
+// what lies behind it, null when nothing does. The path has no empty step.
 struct FirstStep {
     explicit FirstStep(const char* path) {
-        if (path == nullptr)
-            path = "";
         const char* cut = std::strchr(path, '\\');
         name.assign(path, cut != nullptr ? static_cast<size_t>(cut - path) : std::strlen(path));
         rest = cut != nullptr ? cut + 1 : nullptr;
@@ -27,6 +25,32 @@ struct FirstStep {
     std::string name;
     const char* rest;
 };
+
+// Whether a section path has a step without a name: it is empty, or has a
+// `\` at either end or two in a row. The storage would make an element of
+// the empty name, which no enumeration lists.
+bool HasEmptyStep(const char* path) {
+    if (path == nullptr || *path == 0)
+        return true;
+    return path[0] == '\\' || path[std::strlen(path) - 1] == '\\' ||
+           std::strstr(path, "\\\\") != nullptr;
+}
+
+// Values and sections are elements of one storage, and making either kind
+// replaces an element of its name: these ask first.
+bool HoldsStream(IXStorage* storage, const char* name) {
+    return static_cast<bool>(Held<IXStream>(storage->OpenStream(name)));
+}
+// Only a clear "not found" rules a sub-storage out: one that another object
+// holds open cannot be opened, but is there.
+bool MayHoldStorage(IXStorage* storage, const char* name) {
+    try {
+        const Held<IXStorage> opened(storage->OpenStorage(name));
+        return true;
+    } catch (const CXException& failure) {
+        return failure.code != XE_FILE_NOT_FOUND;
+    }
+}
 
 // Removes from `storage` each element that `names` lists, taking over the
 // enumerator's reference.
@@ -87,6 +111,8 @@ IParam* CIXStorParam::Below(IXStorage* childStorage, const char* childName, cons
 // An element of the name is replaced, with all that was below it, even when
 // the path goes on below it.
 IParam* CIXStorParam::CreateSection(const char* path) {
+    if (HasEmptyStep(path))
+        return nullptr;
     return Guarded<IParam*>(nullptr, [&] {
         const FirstStep step(path);
         return Below(storage->CreateStorage(step.name.c_str()), step.name.c_str(), step.rest,
@@ -95,6 +121,8 @@ IParam* CIXStorParam::CreateSection(const char* path) {
 }
 
 IParam* CIXStorParam::GetSection(const char* path, int create) {
+    if (HasEmptyStep(path))
+        return nullptr;
     return Guarded<IParam*>(nullptr, [&]() -> IParam* {
         const FirstStep step(path);
         IXStorage* found = nullptr;
@@ -103,7 +131,8 @@ IParam* CIXStorParam::GetSection(const char* path, int create) {
         } catch (const CXException& failure) {
             // Only a missing section is made: one that is there but cannot be
             // opened (another object holds it) would be replaced, content and all.
-            if (create == 0 || failure.code != XE_FILE_NOT_FOUND)
+            if (create == 0 || failure.code != XE_FILE_NOT_FOUND ||
+                HoldsStream(storage, step.name.c_str()))
                 return nullptr;
             found = storage->CreateStorage(step.name.c_str());
         }
@@ -175,16 +204,21 @@ void CIXStorParam::SetValue(const char* path, const tagKTVARIANT* value) {
     Guarded([&] {
         const char* valueName = ValueName(kRules, path);
         Held<IXStream> stream(storage->OpenStream(valueName));
-        if (!stream)
+        if (!stream && !MayHoldStorage(storage, valueName))
             stream.Reset(storage->CreateStream(valueName));
         if (stream)
             stream->WriteVariant(value);
     });
 }
 
-// The name is the stream's own: neither split nor replaced when empty.
+// The name is the stream's own: neither split nor replaced when empty. A
+// section of the name stays.
 void CIXStorParam::DeleteValue(const char* valueName) {
-    Guarded([&] { storage->DestroyStream(valueName != nullptr ? valueName : ""); });
+    Guarded([&] {
+        const char* streamName = valueName != nullptr ? valueName : "";
+        if (HoldsStream(storage, streamName))
+            storage->DestroyStream(streamName);
+    });
 }
 
 void CIXStorParam::DeleteAllValues() {
@@ -200,7 +234,8 @@ CTEnum<const char*>* CIXStorParam::EnumValues() {
 
 // The content goes first and is committed, then the storage is let go of
 // before its parent destroys it: an element still open could not go. A root
-// has no parent storage and is only emptied.
+// is only emptied, even when its storage lies in another: what is there
+// under its name is none of the tree's.
 void CIXStorParam::Clear() {
     Guarded([&] {
         DestroyEach(storage, storage->EnumStorages(), &IXStorage::DestroyStorage);
@@ -211,7 +246,8 @@ void CIXStorParam::Clear() {
         storage->Release();
         storage = nullptr;
         if (parentStorage) {
-            parentStorage->DestroyStorage(name);
+            if (parent != nullptr)
+                parentStorage->DestroyStorage(name);
             parentStorage->Commit();
         }
     });

@@ -12,6 +12,7 @@
 #include "kticore/objects/Registry.h"
 #include "kticore/params/ParamTools.h"
 #include "kticore/params/StorageParam.h"
+#include "params/StorageParam.h"
 #include "tests/params/AllKinds.h"
 #include "tests/params/ParamTestSupport.h"
 #include "tests/plugin/TestShape.h"
@@ -169,6 +170,27 @@ const ShapeCase kShapes[] = {
          EXPECT_EQ(names, (kt::test::Names{"@", "v"}));
      },
      kBase + "stream @ 020005\n"},
+    {"SetValueOverASectionStoresNothing", [](IParam* root) { Set(root, "a", Byte(4)); }, kBase},
+    {"GetSectionOverAValueGivesNothing",
+     [](IParam* root) {
+         EXPECT_EQ(TreeRef(root->GetSection("v", 1)), nullptr);
+         Set(root, "v\\w", Byte(4));
+     },
+     kBase},
+    {"DeleteValueLeavesASectionOfTheName", [](IParam* root) { root->DeleteValue("a"); }, kBase},
+    {"CreateSectionReplacesAValueOfItsName",
+     [](IParam* root) { EXPECT_NE(TreeRef(root->CreateSection("v")), nullptr); },
+     "storage a\nstorage a/c\nstream a/c/y 020003\nstream a/x 020002\nstorage v\n"},
+    {"AnEmptySectionNameIsRefusedBeforeAnythingIsMade",
+     [](IParam* root) {
+         for (const char* path : {"", "z\\", "\\z", "z\\\\y"}) {
+             EXPECT_EQ(TreeRef(root->GetSection(path, 1)), nullptr) << path;
+             EXPECT_EQ(TreeRef(root->CreateSection(path)), nullptr) << path;
+         }
+         Set(root, "z\\\\b", Byte(4));
+         Set(root, "\\b", Byte(4));
+     },
+     kBase},
     {"AShorterValueLeavesTheOlderBytesBehindItsEnd",
      [](IParam* root) {
          Set(root, "v", Byte(9));
@@ -237,29 +259,34 @@ TEST(StorageParam, NamesTheStorageRefusesAndOverlongPathsStoreNothing) {
     EXPECT_EQ(Listing(tree.storage.get()), Sorted(kBase + "storage s\n"));
 }
 
-// The operations of IParam, each answering whether it gave anything: a
-// section, an enumerator, a value found.
-struct Operation {
+// The operations of IParam that give something (a section, an enumerator, a
+// value found), each answering whether it did.
+struct Giving {
     const char* name;
     std::function<bool(IParam*)> call;
 };
-const Operation kOperations[] = {
+const Giving kGiving[] = {
     {"CreateSection", [](IParam* p) { return TreeRef(p->CreateSection("n")) != nullptr; }},
     {"GetSection", [](IParam* p) { return TreeRef(p->GetSection("n\\m", 1)) != nullptr; }},
-    {"DeleteSection", [](IParam* p) { return p->DeleteSection("c"), false; }},
-    {"DeleteAllSections", [](IParam* p) { return p->DeleteAllSections(), false; }},
     {"EnumSections",
      [](IParam* p) { return Ref<CTEnum<const char*>>(p->EnumSections()) != nullptr; }},
     {"GetValue", [](IParam* p) { return ValueAt(p, "x").vt != kMissing; }},
     {"GetValueInASection", [](IParam* p) { return ValueAt(p, "c\\y").vt != kMissing; }},
-    {"SetValue", [](IParam* p) { return Set(p, "w", Byte(1)), false; }},
-    {"SetValueInASection", [](IParam* p) { return Set(p, "n\\w", Byte(1)), false; }},
-    {"DeleteValue", [](IParam* p) { return p->DeleteValue("x"), false; }},
-    {"DeleteAllValues", [](IParam* p) { return p->DeleteAllValues(), false; }},
     {"EnumValues", [](IParam* p) { return Ref<CTEnum<const char*>>(p->EnumValues()) != nullptr; }},
-    {"Clear", [](IParam* p) { return p->Clear(), false; }},
-    {"QueryInterfaceForTheStorage",
-     [](IParam* p) { return p->QueryInterface(typeid(IXStorage), nullptr) != 0; }},
+};
+// The operations that give nothing: what they did shows in the storage.
+struct Acting {
+    const char* name;
+    std::function<void(IParam*)> call;
+};
+const Acting kActing[] = {
+    {"DeleteSection", [](IParam* p) { p->DeleteSection("c"); }},
+    {"DeleteAllSections", [](IParam* p) { p->DeleteAllSections(); }},
+    {"SetValue", [](IParam* p) { Set(p, "w", Byte(1)); }},
+    {"SetValueInASection", [](IParam* p) { Set(p, "n\\w", Byte(1)); }},
+    {"DeleteValue", [](IParam* p) { p->DeleteValue("x"); }},
+    {"DeleteAllValues", [](IParam* p) { p->DeleteAllValues(); }},
+    {"Clear", [](IParam* p) { p->Clear(); }},
 };
 
 TEST(StorageParam, AfterClearASectionIsGoneAndItsObjectDoesNothing) {
@@ -268,60 +295,151 @@ TEST(StorageParam, AfterClearASectionIsGoneAndItsObjectDoesNothing) {
     TreeRef section(tree.root->GetSection("a", 0));
     section->Clear();
     EXPECT_EQ(Listing(tree.storage.get()), "stream v 050001000000\n");
-    for (const Operation& operation : kOperations)
+    for (const Giving& operation : kGiving)
         EXPECT_FALSE(operation.call(section.get())) << operation.name;
+    for (const Acting& operation : kActing)
+        operation.call(section.get());
+    EXPECT_EQ(section->QueryInterface(typeid(IXStorage), nullptr), 0);
     CKTVariant kept(5);
     EXPECT_EQ(section->GetValue("x", &kept), 0);
     EXPECT_TRUE(kept == CKTVariant(5));
     EXPECT_EQ(Listing(tree.storage.get()), "stream v 050001000000\n");
 }
 
-// A storage that passes every call to a real one until it is armed, and then
-// throws what it was armed with.
+// A tree whose root lies in a sub-storage ends only what it made: a sibling
+// of the root's own name in the parent storage stays.
+TEST(StorageParam, ClearOfARootInASubStorageLeavesTheParentStorage) {
+    Tree outer;
+    Set(outer.root.get(), "Root\\k", Byte(1));
+    StorageRef inner(outer.storage->CreateStorage("inner"));
+    TreeRef root(new_IXStorParam(inner.get()));
+    Set(root.get(), "s\\w", Byte(2));
+    root->Clear();
+    inner.reset();
+    EXPECT_EQ(Listing(outer.storage.get()), "storage Root\nstorage inner\nstream Root/k 020001\n");
+}
+
+// Each section holds the tree it was opened from.
+TEST(StorageParam, ASectionsParentIsTheTreeThatOpenedIt) {
+    Tree tree;
+    TreeRef first(tree.root->GetSection("a", 1));
+    TreeRef second(first->GetSection("b", 1));
+    const auto parentOf = [](IParam* param) {
+        return TreeRef(static_cast<kt::params::CIXStorParam*>(param)->GetParent());
+    };
+    EXPECT_EQ(parentOf(tree.root.get()), nullptr);
+    EXPECT_EQ(parentOf(first.get()).get(), tree.root.get());
+    EXPECT_EQ(parentOf(second.get()).get(), first.get());
+}
+
+// A storage that passes every call to a real one, and throws what `failure`
+// throws before each call, given its name. The sub-storages it opens are
+// passed through the same way, with no failure of their own, and answer it
+// as their parent.
 class CFailingStorage final : public CKTUnknownImpl<IXStorage> {
 public:
-    explicit CFailingStorage(IXStorage* inner) : inner(inner) { inner->AddRef(); }
-    ~CFailingStorage() override { inner->Release(); }
+    explicit CFailingStorage(IXStorage* inner, IXStorage* parent = nullptr)
+        : inner(inner), parent(parent) {
+        inner->AddRef();
+        if (parent != nullptr)
+            parent->AddRef();
+    }
+    ~CFailingStorage() override {
+        inner->Release();
+        if (parent != nullptr)
+            parent->Release();
+    }
 
-    std::function<void()> failure;
+    std::function<void(const std::string& call)> failure;
 
     IXStorage* CreateStorage(const char* name) override {
-        return Check(), inner->CreateStorage(name);
+        return Check("CreateStorage"), Child(inner->CreateStorage(name));
     }
-    IXStorage* OpenStorage(const char* name) override { return Check(), inner->OpenStorage(name); }
-    int DestroyStorage(const char* name) override { return Check(), inner->DestroyStorage(name); }
-    IXStorage* GetParent() override { return Check(), inner->GetParent(); }
-    CTEnum<const char*>* EnumStorages() override { return Check(), inner->EnumStorages(); }
-    IXStream* CreateStream(const char* name) override { return Check(), inner->CreateStream(name); }
-    IXStream* OpenStream(const char* name) override { return Check(), inner->OpenStream(name); }
-    int DestroyStream(const char* name) override { return Check(), inner->DestroyStream(name); }
-    int Commit() override { return Check(), inner->Commit(); }
-    CTEnum<const char*>* EnumStreams() override { return Check(), inner->EnumStreams(); }
+    IXStorage* OpenStorage(const char* name) override {
+        return Check("OpenStorage"), Child(inner->OpenStorage(name));
+    }
+    int DestroyStorage(const char* name) override {
+        return Check("DestroyStorage"), inner->DestroyStorage(name);
+    }
+    IXStorage* GetParent() override {
+        Check("GetParent");
+        if (parent == nullptr)
+            return inner->GetParent();
+        parent->AddRef();
+        return parent;
+    }
+    CTEnum<const char*>* EnumStorages() override {
+        return Check("EnumStorages"), inner->EnumStorages();
+    }
+    IXStream* CreateStream(const char* name) override {
+        return Check("CreateStream"), inner->CreateStream(name);
+    }
+    IXStream* OpenStream(const char* name) override {
+        return Check("OpenStream"), inner->OpenStream(name);
+    }
+    int DestroyStream(const char* name) override {
+        return Check("DestroyStream"), inner->DestroyStream(name);
+    }
+    int Commit() override { return Check("Commit"), inner->Commit(); }
+    CTEnum<const char*>* EnumStreams() override {
+        return Check("EnumStreams"), inner->EnumStreams();
+    }
     const KTWCHAR* GetName() override { return inner->GetName(); }
 
 private:
-    void Check() const {
+    void Check(const std::string& call) const {
         if (failure)
-            failure();
+            failure(call);
+    }
+    IXStorage* Child(IXStorage* opened) {
+        StorageRef held(opened);
+        return new CFailingStorage(opened, this);
     }
     IXStorage* inner;
+    IXStorage* parent;
 };
 
+void ThrowAccessDenied(const std::string&) { throw CXFileException(XE_ACCESS_DENIED, nullptr, 0); }
+
 TEST(StorageParam, FailuresOfTheStorageAreSwallowedAndOtherExceptionsPass) {
-    for (const Operation& operation : kOperations) {
-        if (operation.name == std::string("QueryInterfaceForTheStorage"))
-            continue;  // answered by the object, not the storage
+    const auto check = [](const char* name, const std::function<void(IParam*)>& run) {
         Tree tree;
         FillBase(tree.root.get());
         Ref<CFailingStorage> failing(new CFailingStorage(tree.storage.get()));
         TreeRef root(new_IXStorParam(failing.get()));
-        failing->failure = [] { throw CXFileException(XE_ACCESS_DENIED, nullptr, 0); };
-        EXPECT_FALSE(operation.call(root.get())) << operation.name;
-        failing->failure = [] { throw std::runtime_error("not the storage's"); };
-        EXPECT_THROW(operation.call(root.get()), std::runtime_error) << operation.name;
+        failing->failure = ThrowAccessDenied;
+        run(root.get());
+        failing->failure = [](const std::string&) {
+            throw std::runtime_error("not the storage's");
+        };
+        EXPECT_THROW(run(root.get()), std::runtime_error) << name;
         failing->failure = nullptr;
-        EXPECT_EQ(Listing(tree.storage.get()), kBase) << operation.name;
-    }
+        EXPECT_EQ(Listing(tree.storage.get()), kBase) << name;
+    };
+    for (const Giving& operation : kGiving)
+        check(operation.name,
+              [&](IParam* p) { EXPECT_FALSE(operation.call(p)) << operation.name; });
+    for (const Acting& operation : kActing)
+        check(operation.name, operation.call);
+}
+
+// The parent storage refuses to destroy the section: its content is gone
+// already, and the section has ended all the same.
+TEST(StorageParam, ASectionWhoseParentStorageFailsInClearEndsAnyway) {
+    Tree tree;
+    FillBase(tree.root.get());
+    Ref<CFailingStorage> failing(new CFailingStorage(tree.storage.get()));
+    TreeRef root(new_IXStorParam(failing.get()));
+    TreeRef section(root->GetSection("a", 0));
+    ASSERT_NE(section, nullptr);
+    failing->failure = [](const std::string& call) {
+        if (call == "DestroyStorage")
+            ThrowAccessDenied(call);
+    };
+    section->Clear();
+    failing->failure = nullptr;
+    EXPECT_EQ(Ref<CTEnum<const char*>>(section->EnumValues()), nullptr);
+    EXPECT_EQ(Listing(tree.storage.get()), "storage a\nstream v 050001000000\n");
 }
 
 TEST(StorageParam, QueryInterfaceAnswersTheSectionsStorage) {

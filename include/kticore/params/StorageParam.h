@@ -13,6 +13,15 @@
 // nothing more but Release. A value path of 512 bytes or more is refused:
 // GetValue gives 0 with the variant untouched, SetValue throws
 // XE_BAD_ARGUMENT. Windows only, as the storages.
+//
+// A value and a section of one name would be one element of the storage:
+// SetValue does not store over a section, GetSection does not make a section
+// over a value, and DeleteValue removes only a value (CreateSection replaces
+// whatever has its name). A section path with an empty step makes nothing.
+// A section that another object holds open cannot be opened again, as the
+// storage rules: GetSection gives null, reads through it give 0, writes
+// store nothing, and DeleteSection skips it. Clear on a root empties its
+// storage and leaves the storage's parent alone.
 #pragma once
 
 #include "kticore/params/Param.h"
