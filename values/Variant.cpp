@@ -352,7 +352,8 @@ CKTVariant::operator tagKTBLOB() const { return blobVal; }
 CKTVariant::operator KTWCHAR*() const {
     if (vt != KTVT_STR)
         return pwszVal;
-    // The contract lets this read of a const variant change it.
+    // This read of a const variant changes it, by design: the wide text it
+    // hands out is owned by the variant from then on.
     CKTVariant& self = const_cast<CKTVariant&>(*this);
     KTWCHAR* wide = nullptr;
     if (pszVal != nullptr) {
