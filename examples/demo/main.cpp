@@ -458,8 +458,26 @@ int ChaptersIn(const KTWCHAR* name) {
     return count;
 }
 
+// Reads a document property by name; "(none)" when the file has none.
+std::string PropertyText(IKTProperty* properties, const char* name) {
+    CKTVariant value;
+    return properties->GetProperty(name, &value) ? value.pszVal : "(none)";
+}
+
+// The whole save gives the document a title and an author too, which come
+// back by name from the reopened file.
+void SetTitleAndAuthor(IXStorage* file) {
+    IKTProperty* properties = nullptr;
+    file->QueryInterface(typeid(IKTProperty), reinterpret_cast<void**>(&properties));
+    const CKTVariant title("The household book"), author(KTW("Jane Doe"));  // wide is narrowed
+    properties->SetProperty("Title", &title);
+    properties->SetProperty("Author", &author);
+    properties->Release();
+}
+
 void CancellableDocument() {
-    Step("A document save that the host's progress sink stops halfway, then a whole one");
+    Step("A document save that the host's progress sink stops halfway, then a whole one "
+         "with its properties");
     const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
     const std::basic_string<KTWCHAR> name = temporary + KTW(".doc");
     for (const int stopAt : {50, 0}) {
@@ -469,12 +487,21 @@ void CancellableDocument() {
         new_CIXDocStorage(file, &sink, &document, 0);
         const bool saved = SaveChapters(document);
         document->Release();
-        if (!saved)
+        if (saved)
+            SetTitleAndAuthor(file);
+        else
             static_cast<CStorage*>(file)->Revert();  // the stopped transaction goes
-        file->Release();
+        file->Release();  // commits what is left, the property sets with it
         std::printf("   %s after %d questions; the file holds %d chapters\n",
                     saved ? "saved" : "stopped", sink.questions, ChaptersIn(name.c_str()));
     }
+    IXStorage* again = open_Storage(name.c_str(), 1);
+    IKTProperty* properties = nullptr;
+    again->QueryInterface(typeid(IKTProperty), reinterpret_cast<void**>(&properties));
+    for (const char* property : {"Title", "Author", "Company"})
+        std::printf("   %s: %s\n", property, PropertyText(properties, property).c_str());
+    properties->Release();
+    again->Release();
     Fio_DeleteFile(name.c_str());
     Fio_DeleteFile(temporary.c_str());
 }
@@ -849,40 +876,6 @@ void SharedServices() {
 
 }  // namespace
 
-#if defined(_WIN32)
-namespace {
-
-// Reads a document property by name; "(none)" when the file has none.
-std::string PropertyText(IKTProperty* properties, const char* name) {
-    CKTVariant value;
-    return properties->GetProperty(name, &value) ? value.pszVal : "(none)";
-}
-
-void SummaryProperties() {
-    Step("Document properties: a title and an author by name, read back after a reopen");
-    const std::basic_string<KTWCHAR> temporary = Fio_GetTempFileName();
-    const std::basic_string<KTWCHAR> name = temporary + KTW(".stg");
-    IXStorage* file = new_Storage(name.c_str(), 0);
-    IKTProperty* properties = nullptr;
-    file->QueryInterface(typeid(IKTProperty), reinterpret_cast<void**>(&properties));
-    const CKTVariant title("The household book"), author(KTW("Jane Doe"));  // wide is narrowed
-    properties->SetProperty("Title", &title);
-    properties->SetProperty("Author", &author);
-    properties->Release();
-    file->Release();  // the storage commits the property sets with the rest
-
-    IXStorage* again = open_Storage(name.c_str(), 1);
-    again->QueryInterface(typeid(IKTProperty), reinterpret_cast<void**>(&properties));
-    for (const char* property : {"Title", "Author", "Company"})
-        std::printf("   %s: %s\n", property, PropertyText(properties, property).c_str());
-    properties->Release();
-    again->Release();
-    Fio_DeleteFile(name.c_str());
-    Fio_DeleteFile(temporary.c_str());
-}
-
-}  // namespace
-#endif
 // The demo's worker: tells KTCreateThread that it is up, through the event
 // (natively the semaphore) named after it, then counts inside a critical
 // section that the main thread counts in too.
@@ -1024,7 +1017,6 @@ int main() {
     CompoundStorages();
     CancellableDocument();
     FileOverFtp();
-    SummaryProperties();
 #endif
     ParameterTrees();
     ProfileFile();
