@@ -107,11 +107,11 @@ int CIKTSummaryInfo::GetProperty(const char* name, CKTVariant* value) {
         place.set == kt::sys::PropertySet::Summary ? summary.get() : documentSummary.get();
     if (properties == nullptr)
         return 0;
-    PROPSPEC spec = {};
-    spec.ulKind = PRSPEC_PROPID;
-    spec.propid = place.id;
+    PROPSPEC selector = {};
+    selector.ulKind = PRSPEC_PROPID;
+    selector.propid = place.id;
     kt::sys::ReadPropertyValue read;
-    if (FAILED(properties->ReadMultiple(1, &spec, &read.value)) || read.value.vt != VT_LPSTR ||
+    if (FAILED(properties->ReadMultiple(1, &selector, &read.value)) || read.value.vt != VT_LPSTR ||
         read.value.pszVal == nullptr)
         return 0;
     *value = static_cast<const char*>(read.value.pszVal);
@@ -131,14 +131,14 @@ int CIKTSummaryInfo::SetProperty(const char* name, const tagKTVARIANT* value) {
     std::string text = NarrowText(*value);
     if (text.empty())
         return 0;
-    PROPSPEC spec = {};
-    spec.ulKind = PRSPEC_PROPID;
-    spec.propid = place.id;
+    PROPSPEC selector = {};
+    selector.ulKind = PRSPEC_PROPID;
+    selector.propid = place.id;
     PROPVARIANT written;
     PropVariantInit(&written);
     written.vt = VT_LPSTR;
     written.pszVal = text.data();
-    const HRESULT status = properties->WriteMultiple(1, &spec, &written, place.id);
+    const HRESULT status = properties->WriteMultiple(1, &selector, &written, place.id);
     properties->Commit(STGC_DEFAULT);
     return SUCCEEDED(status);
 }
