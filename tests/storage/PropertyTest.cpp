@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kticore/storage/Property.h"
+#include "platform/OlePropertySets.h"
 #include "tests/storage/IndependentReader.h"
 #include "tests/storage/StorageSupport.h"
 #include "tests/support/ScratchDirectory.h"
@@ -126,38 +127,6 @@ TEST(StorageProperties, SetAndGetByName) {
     }
 }
 
-// Each query makes an object with names of its own; a query without output
-// makes none (none holds the platform's storage).
-TEST(StorageProperties, EachQueryMakesAnObjectWithNamesOfItsOwn) {
-    StorageRef memory(new_Storage(nullptr, 0));
-    auto* ole = static_cast<IStorage*>(Storage_GetOLEStorage(memory.get()));
-    const auto references = [ole] {
-        ole->AddRef();
-        return ole->Release();
-    };
-    const ULONG before = references();
-    EXPECT_EQ(memory->QueryInterface(typeid(IKTProperty), nullptr), 1);
-    EXPECT_EQ(references(), before);
-    ole->Release();
-    PropertiesRef first = PropertiesOf(memory.get());
-    PropertiesRef second = PropertiesOf(memory.get());
-    EXPECT_NE(first.get(), second.get());
-    ASSERT_EQ(Set(first.get(), "Title", "Kept"), 1);
-    EXPECT_EQ(first->RemoveName("Title"), 1);
-    EXPECT_EQ(first->RemoveName("Title"), 0);
-    EXPECT_EQ(Get(first.get(), "Title"), kAbsent);
-    EXPECT_EQ(Set(first.get(), "Title", "Lost"), 0);
-    EXPECT_EQ(Get(second.get(), "Title"), "Kept");
-
-    // The enumerator keeps the names after its object is gone.
-    CTEnum<const char*>* names = first->EnumProperties();
-    first.reset();
-    std::vector<std::string> left = Names(names), expected = kAllNames;
-    expected.erase(std::find(expected.begin(), expected.end(), "Title"));
-    std::sort(left.begin(), left.end());
-    EXPECT_EQ(left, expected);
-}
-
 // An OLE storage without property sets, nor anything else. Its state is of
 // mode 0, read-only, so that a root storage over it never commits it.
 class CWithoutPropertySets final : public IStorage {
@@ -185,15 +154,38 @@ public:
     // clang-format on
 };
 
-TEST(StorageProperties, AnObjectThatKnowsNoNameAnswersZero) {
+// Each query makes an object with names of its own; a query without output
+// makes none (none holds the platform's storage). Forgetting names keeps the
+// values; an object that knows no name, emptied or over a storage without
+// property sets, answers zero.
+TEST(StorageProperties, EachQueryMakesAnObjectWithNamesOfItsOwn) {
     StorageRef memory(new_Storage(nullptr, 0));
-    ASSERT_EQ(Set(PropertiesOf(memory.get()).get(), "Title", "There"), 1);
-    PropertiesRef emptied = PropertiesOf(memory.get());
+    auto* ole = static_cast<IStorage*>(Storage_GetOLEStorage(memory.get()));
+    const auto references = [ole] {
+        ole->AddRef();
+        return ole->Release();
+    };
+    const ULONG before = references();
+    EXPECT_EQ(memory->QueryInterface(typeid(IKTProperty), nullptr), 1);
+    EXPECT_EQ(references(), before);
+    ole->Release();
+    PropertiesRef first = PropertiesOf(memory.get()), emptied = PropertiesOf(memory.get());
+    EXPECT_NE(first.get(), emptied.get());
+    ASSERT_EQ(Set(first.get(), "Title", "Kept"), 1);
+    EXPECT_EQ(first->RemoveName("Title"), 1);
+    EXPECT_EQ(first->RemoveName("Title"), 0);
+    // The enumerator keeps the names after its object is gone.
+    CTEnum<const char*>* names = first->EnumProperties();
+    first.reset();
+    std::vector<std::string> left = Names(names), expected = kAllNames;
+    expected.erase(std::find(expected.begin(), expected.end(), "Title"));
+    std::sort(left.begin(), left.end());
+    EXPECT_EQ(left, expected);
+
     emptied->RemoveAllNames();
     CWithoutPropertySets withoutSets;
     StorageRef bare(new_StorageByOleStorage(&withoutSets));
     PropertiesRef none = PropertiesOf(bare.get());
-
     for (IKTProperty* properties : {emptied.get(), none.get()}) {
         EXPECT_EQ(Names(properties->EnumProperties()), std::vector<std::string>{});
         for (const std::string& name : kAllNames) {
@@ -202,7 +194,7 @@ TEST(StorageProperties, AnObjectThatKnowsNoNameAnswersZero) {
             EXPECT_EQ(properties->RemoveName(name.c_str()), 0) << name;
         }
     }
-    EXPECT_EQ(Get(PropertiesOf(memory.get()).get(), "Title"), "There");
+    EXPECT_EQ(Get(PropertiesOf(memory.get()).get(), "Title"), "Kept");
 }
 
 // Values of types the library does not handle beside one it does, written
@@ -213,14 +205,10 @@ TEST(StorageProperties, OtherTypesAndUnreadableSetsReadAsAbsentAndAreReplacedByT
     StorageRef memory(new_Storage(nullptr, 0));
     {
         auto* ole = static_cast<IStorage*>(Storage_GetOLEStorage(memory.get()));
-        IPropertySetStorage* sets = nullptr;
-        ASSERT_EQ(ole->QueryInterface(IID_IPropertySetStorage, reinterpret_cast<void**>(&sets)),
-                  S_OK);
+        IPropertySetStorage* sets = kt::sys::PropertySetsOf(ole);
         ole->Release();
         IPropertyStorage* summary = nullptr;
-        ASSERT_EQ(sets->Create(FMTID_SummaryInformation, nullptr, PROPSETFLAG_ANSI,
-                               STGM_CREATE | STGM_SHARE_EXCLUSIVE | STGM_READWRITE, &summary),
-                  S_OK);
+        ASSERT_EQ(kt::sys::CreatePropertySet(sets, kt::sys::PropertySet::Summary, &summary), S_OK);
         sets->Release();
         wchar_t wide[] = L"wide title";
         char narrow[] = "narrow author";

@@ -173,7 +173,6 @@ TEST(OleBridge, OnlyStreamsOverAnOleStreamGiveOne) {
         {"bridge", new_StreamByOleStream(ole.get()), ole.get()},
         {"storage's kind", kt_NewStreamOnOleStream("stored", ole.get()), ole.get()},
         {"memory", new_StreamOnMemory(), nullptr},
-        {"empty", new_EmptyStream(), nullptr},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
