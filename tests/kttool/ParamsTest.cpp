@@ -138,7 +138,6 @@ TEST(Params, PlacesThatCannotBeUsedAreAnsweredWithAMessage) {
         {{"params", "ini:" + missing, "-"}, "missing.txt: cannot be read (no such file)"},
         {{"params", "reg:HKCR\\Software", "-"}, "begins with HKCU\\ or HKLM\\"},
         {{"params", "reg:HKCU\\", "-"}, "a key below the hive is needed"},
-        {{"params", "text:" + scratch / "", "-"}, "cannot be read"},
         {{"params", "text:" + source, "text:" + scratch / ""}, "cannot be opened"},
         {{"params", "text:" + source, "text:" + scratch / "./SOURCE.txt"}, kOverlap},
         {{"params", "ini:" + source, "ini:" + source}, kOverlap},

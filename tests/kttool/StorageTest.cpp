@@ -20,12 +20,6 @@ void WriteBytes(IXStorage* storage, const char* name, const std::string& bytes) 
         ->Write(bytes.data(), static_cast<unsigned>(bytes.size()));
 }
 
-// The stored form of an object of a class no program here has registered.
-std::string ForeignObject() {
-    return std::string(reinterpret_cast<const char*>(&kObjectKind), sizeof kObjectKind) +
-           std::string("Foreign.Shape\0\3\0\0\0xyz", 21);
-}
-
 // The whole listing: streams before storages, each in the file's order (the
 // compound file sorts names by length, then by letters), each level
 // indented, names escaped as text values are.
@@ -42,7 +36,10 @@ TEST(Storage, ListsTheTreeWithTheValueInEachStream) {
         Ref<IXStorage> sub(root->CreateStorage("Sub"));
         WriteValue(sub.get(), "Wide", CKTVariant(KTW("\u00e9t\u00e9")));
         WriteValue(sub.get(), "Frame", CKTVariant(tagRRECT{0.5, -1, 1e10, 2.25}));
-        WriteBytes(sub.get(), "Shape", ForeignObject());
+        // An object of a class no program here has registered.
+        WriteBytes(sub.get(), "Shape",
+                   std::string(reinterpret_cast<const char*>(&kObjectKind), sizeof kObjectKind) +
+                       std::string("Foreign.Shape\0\3\0\0\0xyz", 21));
         Ref<IXStorage> deeper(sub->CreateStorage("Deeper"));
         const CKTVariant longer(-70000);
         CKTVariant shorter(static_cast<unsigned char>(9));
