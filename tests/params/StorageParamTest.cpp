@@ -51,7 +51,8 @@ std::string Sorted(const std::string& text) {
 std::string Listing(IXStorage* storage, const std::string& prefix = "") {
     std::string text;
     for (const std::string& name : kt::test::NamesOf(storage->EnumStreams()))
-        text += "stream " + prefix + name + " " + Hex(kt::test::ReadText(storage, name.c_str())) + "\n";
+        text +=
+            "stream " + prefix + name + " " + Hex(kt::test::ReadText(storage, name.c_str())) + "\n";
     for (const std::string& name : kt::test::NamesOf(storage->EnumStorages())) {
         StorageRef child(storage->OpenStorage(name.c_str()));
         text += "storage " + prefix + name + "\n" + Listing(child.get(), prefix + name + "/");
@@ -80,25 +81,6 @@ struct Tree {
     StorageRef storage;
     TreeRef root;
 };
-
-TEST(StorageParam, ValuesAreStreamsOfOneStoredVariantAndSectionsSubStorages) {
-    ScratchDirectory directory;
-    const WideString path = directory / KTW("tree.stg");
-    const std::string expected =
-        "storage a\n"
-        "stream @ 0a00020000007800\n"
-        "stream Width 050080020000\n"
-        "stream a/b 020007\n";
-    {
-        StorageRef storage(new_Storage(path.c_str(), 0));
-        TreeRef root(new_IXStorParam(storage.get()));
-        Set(root.get(), "Width", CKTVariant(640));
-        Set(root.get(), "", CKTVariant("x"));
-        Set(root.get(), "a\\b", Byte(7));
-        EXPECT_TRUE(ValueAt(root.get(), "@") == CKTVariant("x"));
-    }
-    EXPECT_EQ(kt::test::IndependentTree(path), expected);
-}
 
 struct ShapeCase {
     const char* name;
