@@ -248,7 +248,6 @@ TEST_F(RegistryParamTest, SectionsAreSubKeys) {
     EXPECT_EQ(Keys(), Names{""});
     Ref<IParam> c(tree->GetSection("a\\b\\c", 1));
     ASSERT_NE(c, nullptr);
-    Set(c.get(), "w", CKTVariant(2));
     Set(tree.get(), "a\\x", CKTVariant(3));  // a value named so, in the root
     tree->CreateSection("beside")->Release();
 
@@ -318,27 +317,10 @@ TEST_F(RegistryParamTest, ListingsAreSnapshots) {
     EXPECT_EQ(names->Next(1, batch, nullptr), 0);
 }
 
-// A missing key is not made; a null or empty sub-key is the root itself.
-TEST_F(RegistryParamTest, RootsOpenExistingKeysAndAnswerTwoInterfaces) {
-    const std::wstring missing = path + L"\\missing";
-    EXPECT_EQ(new_IParamCUReg(missing.c_str()), nullptr);
-    EXPECT_EQ(new_IParamLMReg(missing.c_str()), nullptr);
-    EXPECT_EQ(Keys(), Names{""});
-    Ref<IParam> user(new_IParamCUReg(nullptr));
-    ASSERT_NE(user, nullptr);
-    EXPECT_NE(Ref<IParam>(user->GetSection(std::string(path.begin(), path.end()).c_str(), 0)), nullptr);
-    EXPECT_NE(Ref<IParam>(new_IParamLMReg(L"")), nullptr);
-
-    void* answer = nullptr;
-    ASSERT_EQ(tree->QueryInterface(typeid(IParam), &answer), 1);
-    EXPECT_EQ(answer, tree.get());
-    tree->Release();
-    EXPECT_EQ(tree->QueryInterface(typeid(IRegisterIface), nullptr), 1);
-}
-
-// Under a DACL that lets everyone read and nobody write, the key is not
-// opened. The handle taken before keeps its rights, to give access back.
-TEST_F(RegistryParamTest, KeysWithoutWriteAccessAreNotOpened) {
+// A missing key, or one that everyone may read and nobody write, is neither
+// opened nor made; a null or empty sub-key is the root itself. The handle
+// taken before the lock keeps its rights, to give access back.
+TEST_F(RegistryParamTest, RootsOpenOnlyExistingWritableKeysAndAnswerTwoInterfaces) {
     Set(Ref<IParam>(tree->GetSection("locked\\inner", 1)).get(), "v", CKTVariant(1));
     HKEY locked;
     ASSERT_EQ(RegOpenKeyExA(raw, "locked", 0, KEY_ALL_ACCESS, &locked), ERROR_SUCCESS);
@@ -352,13 +334,25 @@ TEST_F(RegistryParamTest, KeysWithoutWriteAccessAreNotOpened) {
     setAccess("D:(A;;KR;;;WD)");
     const RegistryContent before = Content();
     EXPECT_EQ(before.count("\\locked\\inner|v"), 1u);
-    EXPECT_EQ(new_IParamCUReg((path + L"\\locked").c_str()), nullptr);
+    for (const wchar_t* sub : {L"\\missing", L"\\locked"})
+        EXPECT_EQ(new_IParamCUReg((path + sub).c_str()), nullptr);
+    EXPECT_EQ(new_IParamLMReg((path + L"\\missing").c_str()), nullptr);
     EXPECT_EQ(tree->GetSection("locked", 1), nullptr);
     EXPECT_EQ(tree->CreateSection("locked"), nullptr);
     tree->DeleteSection("locked");
     EXPECT_EQ(Content(), before);
     setAccess("D:(A;;KA;;;WD)");
     RegCloseKey(locked);
+
+    Ref<IParam> user(new_IParamCUReg(nullptr));
+    ASSERT_NE(user, nullptr);
+    EXPECT_NE(Ref<IParam>(user->GetSection(std::string(path.begin(), path.end()).c_str(), 0)), nullptr);
+    EXPECT_NE(Ref<IParam>(new_IParamLMReg(L"")), nullptr);
+    void* answer = nullptr;
+    ASSERT_EQ(tree->QueryInterface(typeid(IParam), &answer), 1);
+    EXPECT_EQ(answer, tree.get());
+    tree->Release();
+    EXPECT_EQ(tree->QueryInterface(typeid(IRegisterIface), nullptr), 1);
 }
 
 }  // namespace
