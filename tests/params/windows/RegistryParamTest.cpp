@@ -179,12 +179,10 @@ TEST_F(RegistryParamTest, EveryKindLiesInItsLayoutAndReadsBack) {
 TEST_F(RegistryParamTest, WideTextIsWrittenWideAndReadNarrow) {
     const std::wstring text = L"\u0F00 wide";  // in no ANSI code page
     Set(tree.get(), "wide", CKTVariant(text.c_str()));
-    std::wstring stored(64, L'\0');
-    DWORD type = REG_NONE, size = static_cast<DWORD>(stored.size() * sizeof(wchar_t));
-    ASSERT_EQ(RegQueryValueExW(raw, L"wide", nullptr, &type, reinterpret_cast<BYTE*>(stored.data()), &size),
-              ERROR_SUCCESS);
-    EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
-    EXPECT_EQ(stored.substr(0, size / sizeof(wchar_t)), text + L'\0');
+    wchar_t stored[64];
+    DWORD size = sizeof stored;
+    ASSERT_EQ(RegGetValueW(raw, nullptr, L"wide", RRF_RT_REG_SZ, nullptr, stored, &size), ERROR_SUCCESS);
+    EXPECT_EQ(std::wstring(stored, size / sizeof(wchar_t)), text + L'\0');
     Set(tree.get(), "plain", CKTVariant(KTW("wide text")));
     EXPECT_EQ(ValueAt(tree.get(), "plain"), CKTVariant("wide text"));
 }
