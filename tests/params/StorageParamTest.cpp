@@ -100,18 +100,19 @@ TEST_P(Shape, OfTheStorageAfterwards) {
 const ShapeCase kShapes[] = {
     {"SetValueThroughAnExistingSectionKeepsItsContent",
      [](IParam* root) { Set(root, "a\\z", Byte(4)); }, kBase + "stream a/z 020004\n"},
-    {"GetSectionWithCreateMakesEveryMissingStep",
-     [](IParam* root) { EXPECT_NE(TreeRef(root->GetSection("n\\m", 1)), nullptr); },
-     kBase + "storage n\nstorage n/m\n"},
-    {"GetSectionKeepsWhatIsThereAndMakesNothingWithoutCreate",
+    {"GetSectionMakesEveryMissingStepOnlyWithCreateAndKeepsWhatIsThere",
      [](IParam* root) {
+         EXPECT_NE(TreeRef(root->GetSection("n\\m", 1)), nullptr);
          EXPECT_NE(TreeRef(root->GetSection("a\\c", 1)), nullptr);
          EXPECT_EQ(TreeRef(root->GetSection("a\\q\\r", 0)), nullptr);
      },
-     kBase},
-    {"CreateSectionReplacesItsFirstStepWithAllItsContent",
-     [](IParam* root) { EXPECT_NE(TreeRef(root->CreateSection("a\\c")), nullptr); },
-     "storage a\nstorage a/c\nstream v 050001000000\n"},
+     kBase + "storage n\nstorage n/m\n"},
+    {"CreateSectionReplacesItsFirstStepWithAllItsContentAndAValueOfItsName",
+     [](IParam* root) {
+         EXPECT_NE(TreeRef(root->CreateSection("a\\c")), nullptr);
+         EXPECT_NE(TreeRef(root->CreateSection("v")), nullptr);
+     },
+     "storage a\nstorage a/c\nstorage v\n"},
     {"DeleteSectionThroughAPathRemovesTheLastStepOnly",
      [](IParam* root) { root->DeleteSection("a\\c"); },
      "storage a\nstream a/x 020002\nstream v 050001000000\n"},
@@ -139,9 +140,6 @@ const ShapeCase kShapes[] = {
          Set(root, "v\\w", Byte(4));
      },
      kBase},
-    {"CreateSectionReplacesAValueOfItsName",
-     [](IParam* root) { EXPECT_NE(TreeRef(root->CreateSection("v")), nullptr); },
-     "storage a\nstorage a/c\nstream a/c/y 020003\nstream a/x 020002\nstorage v\n"},
     {"AnEmptySectionNameIsRefusedBeforeAnythingIsMade",
      [](IParam* root) {
          for (const char* path : {"", "z\\", "\\z", "z\\\\y"}) {
