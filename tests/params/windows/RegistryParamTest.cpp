@@ -51,16 +51,6 @@ void ReadContent(HKEY key, const std::string& path, RegistryContent& content) {
     }
 }
 
-// The key paths, or the value names ("path|name"), of the content.
-enum class Entry { kKey, kValue };
-Names Listed(const RegistryContent& content, Entry entry) {
-    Names listed;
-    for (const auto& item : content)
-        if ((item.first.find('|') != std::string::npos) == (entry == Entry::kValue))
-            listed.push_back(item.first);
-    return listed;
-}
-
 // The bytes of a value of ours: the kind, then the value as it lies in memory.
 template <class T>
 std::string Binary(ULONG kind, const T& value) {
@@ -69,6 +59,9 @@ std::string Binary(ULONG kind, const T& value) {
 }
 std::string KindOnly(ULONG kind) { return std::string(reinterpret_cast<const char*>(&kind), 4); }
 std::string Text(const char* text) { return std::string(text, std::strlen(text) + 1); }
+std::string BlobBytes(const CKTVariant& blob) {
+    return std::string(reinterpret_cast<const char*>(blob.blobVal.data), blob.blobVal.size);
+}
 
 CKTVariant Typed(CKTVariant value, unsigned short kind) {
     value.vt = kind;
@@ -96,8 +89,16 @@ protected:
         ReadContent(raw, "", content);
         return content;
     }
-    Names Keys() { return Listed(Content(), Entry::kKey); }
-    Names Values() { return Listed(Content(), Entry::kValue); }
+    // The key paths, or the value names ("path|name"), of the content.
+    Names Keys() { return Listed(false); }
+    Names Values() { return Listed(true); }
+    Names Listed(bool values) {
+        Names listed;
+        for (const auto& item : Content())
+            if ((item.first.find('|') != std::string::npos) == values)
+                listed.push_back(item.first);
+        return listed;
+    }
     RawValue Raw(const std::string& name) {
         const RegistryContent content = Content();
         const auto found = content.find("|" + name);
@@ -119,41 +120,41 @@ protected:
 TEST_F(RegistryParamTest, EveryKindLiesInItsLayoutAndReadsBack) {
     const CKTVariant longBlob = Blob(300);  // longer than a first read takes
     const std::string longText(1000, 't');
+    const unsigned short word = 60000;
+    const tagRRECT rrect{0.5, 0.25, 10.5, 20.75};
     const struct {
         const char* name;
         CKTVariant value;
-        RawValue stored;
+        std::string bytes;
+        DWORD type = REG_BINARY;
     } rows[] = {
-        {"empty", CKTVariant(), {REG_BINARY, KindOnly(KTVT_EMPTY)}},
-        {"bool", CKTVariant(1, KTVT_BOOL), {REG_BINARY, Binary(KTVT_BOOL, 1u)}},
-        {"byte", CKTVariant(static_cast<unsigned char>(200)), {REG_BINARY, Binary(KTVT_BYTE, '\xC8')}},
-        {"word", CKTVariant(static_cast<unsigned short>(60000)),
-         {REG_BINARY, Binary(KTVT_WORD, static_cast<unsigned short>(60000))}},
-        {"ulong", CKTVariant(4000000000ul), {REG_BINARY, Binary(KTVT_ULONG, 4000000000u)}},
-        {"int", CKTVariant(-123456), {REG_BINARY, Binary(KTVT_INT, -123456)}},
-        {"uint", CKTVariant(3000000000u), {REG_BINARY, Binary(KTVT_UINT, 3000000000u)}},
-        {"long", Typed(CKTVariant(-7), KTVT_LONG), {REG_BINARY, Binary(KTVT_LONG, -7)}},
-        {"double", CKTVariant(-1234.5678901234), {REG_BINARY, Binary(KTVT_DOUBLE, -1234.5678901234)}},
-        {"float", CKTVariant(3.25f), {REG_BINARY, Binary(KTVT_FLOAT, 3.25f)}},
-        {"size", CKTVariant(tagSIZE{640, -480}), {REG_BINARY, Binary(KTVT_SIZE, tagSIZE{640, -480})}},
-        {"rsize", CKTVariant(tagRSIZE{1.25, 2e-3}), {REG_BINARY, Binary(KTVT_RSIZE, tagRSIZE{1.25, 2e-3})}},
-        {"point", CKTVariant(tagPOINT{-1, 1}), {REG_BINARY, Binary(KTVT_POINT, tagPOINT{-1, 1})}},
-        {"rpoint", CKTVariant(tagRPOINT{1e10, -0.5}), {REG_BINARY, Binary(KTVT_RPOINT, tagRPOINT{1e10, -0.5})}},
-        {"rect", CKTVariant(tagRECT{1, 2, 300, 400}), {REG_BINARY, Binary(KTVT_RECT, tagRECT{1, 2, 300, 400})}},
-        {"rrect", CKTVariant(tagRRECT{0.5, 0.25, 10.5, 20.75}),
-         {REG_BINARY, Binary(KTVT_RRECT, tagRRECT{0.5, 0.25, 10.5, 20.75})}},
-        {"blob", Blob(3), {REG_BINARY, Binary(KTVT_BLOB, 3u) + std::string("\x00\x07\x0E", 3)}},
-        {"long blob", longBlob,
-         {REG_BINARY, Binary(KTVT_BLOB, 300u) + std::string(reinterpret_cast<char*>(longBlob.blobVal.data), 300)}},
-        {"no bytes", Blob(0), {REG_BINARY, Binary(KTVT_BLOB, 0u)}},
-        {"text", CKTVariant("some text"), {REG_SZ, Text("some text")}},
-        {"no text", CKTVariant(""), {REG_SZ, Text("")}},
-        {"long text", CKTVariant(longText.c_str()), {REG_SZ, Text(longText.c_str())}},
+        {"empty", CKTVariant(), KindOnly(KTVT_EMPTY)},
+        {"bool", CKTVariant(1, KTVT_BOOL), Binary(KTVT_BOOL, 1u)},
+        {"byte", CKTVariant(static_cast<unsigned char>(200)), Binary(KTVT_BYTE, '\xC8')},
+        {"word", CKTVariant(word), Binary(KTVT_WORD, word)},
+        {"ulong", CKTVariant(4000000000ul), Binary(KTVT_ULONG, 4000000000u)},
+        {"int", CKTVariant(-123456), Binary(KTVT_INT, -123456)},
+        {"uint", CKTVariant(3000000000u), Binary(KTVT_UINT, 3000000000u)},
+        {"long", Typed(CKTVariant(-7), KTVT_LONG), Binary(KTVT_LONG, -7)},
+        {"double", CKTVariant(-1234.5678901234), Binary(KTVT_DOUBLE, -1234.5678901234)},
+        {"float", CKTVariant(3.25f), Binary(KTVT_FLOAT, 3.25f)},
+        {"size", CKTVariant(tagSIZE{640, -480}), Binary(KTVT_SIZE, tagSIZE{640, -480})},
+        {"rsize", CKTVariant(tagRSIZE{1.25, 2e-3}), Binary(KTVT_RSIZE, tagRSIZE{1.25, 2e-3})},
+        {"point", CKTVariant(tagPOINT{-1, 1}), Binary(KTVT_POINT, tagPOINT{-1, 1})},
+        {"rpoint", CKTVariant(tagRPOINT{1e10, -0.5}), Binary(KTVT_RPOINT, tagRPOINT{1e10, -0.5})},
+        {"rect", CKTVariant(tagRECT{1, 2, 300, 400}), Binary(KTVT_RECT, tagRECT{1, 2, 300, 400})},
+        {"rrect", CKTVariant(rrect), Binary(KTVT_RRECT, rrect)},
+        {"blob", Blob(3), Binary(KTVT_BLOB, 3u) + std::string("\x00\x07\x0E", 3)},
+        {"long blob", longBlob, Binary(KTVT_BLOB, 300u) + BlobBytes(longBlob)},
+        {"no bytes", Blob(0), Binary(KTVT_BLOB, 0u)},
+        {"text", CKTVariant("some text"), Text("some text"), REG_SZ},
+        {"no text", CKTVariant(""), Text(""), REG_SZ},
+        {"long text", CKTVariant(longText.c_str()), Text(longText.c_str()), REG_SZ},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         tree->SetValue(row.name, &row.value);
-        EXPECT_EQ(Raw(row.name), row.stored);
+        EXPECT_EQ(Raw(row.name), (RawValue{row.type, row.bytes}));
         EXPECT_EQ(ValueAt(tree.get(), row.name), row.value);
     }
 
@@ -178,12 +179,10 @@ TEST_F(RegistryParamTest, EveryKindLiesInItsLayoutAndReadsBack) {
 TEST_F(RegistryParamTest, WideTextIsWrittenWideAndReadNarrow) {
     const std::wstring text = L"\u0F00 wide";  // in no ANSI code page
     Set(tree.get(), "wide", CKTVariant(text.c_str()));
-    std::wstring stored(64, L'\0');
-    DWORD type = REG_NONE, size = static_cast<DWORD>(stored.size() * sizeof(wchar_t));
-    ASSERT_EQ(RegQueryValueExW(raw, L"wide", nullptr, &type, reinterpret_cast<BYTE*>(stored.data()), &size),
-              ERROR_SUCCESS);
-    EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
-    EXPECT_EQ(stored.substr(0, size / sizeof(wchar_t)), text + L'\0');
+    wchar_t stored[64];
+    DWORD size = sizeof stored;
+    ASSERT_EQ(RegGetValueW(raw, nullptr, L"wide", RRF_RT_REG_SZ, nullptr, stored, &size), ERROR_SUCCESS);
+    EXPECT_EQ(std::wstring(stored, size / sizeof(wchar_t)), text + L'\0');
     Set(tree.get(), "plain", CKTVariant(KTW("wide text")));
     EXPECT_EQ(ValueAt(tree.get(), "plain"), CKTVariant("wide text"));
 }
@@ -231,7 +230,6 @@ TEST_F(RegistryParamTest, ValueNamesAreTheRegistrysOwn) {
         Set(tree.get(), name, CKTVariant(name));
     EXPECT_EQ(Keys(), Names{""});
     EXPECT_EQ(Values(), (Names{"|", "|@", "|Name", "|a\\b"}));
-    EXPECT_EQ(Raw("a\\b"), (RawValue{REG_SZ, Text("a\\b")}));
     EXPECT_EQ(ValueAt(tree.get(), nullptr), CKTVariant(""));
 
     // A name longer than a key's may be is listed, and cleared.
@@ -248,7 +246,6 @@ TEST_F(RegistryParamTest, SectionsAreSubKeys) {
     EXPECT_EQ(Keys(), Names{""});
     Ref<IParam> c(tree->GetSection("a\\b\\c", 1));
     ASSERT_NE(c, nullptr);
-    Set(c.get(), "w", CKTVariant(2));
     Set(tree.get(), "a\\x", CKTVariant(3));  // a value named so, in the root
     tree->CreateSection("beside")->Release();
 
@@ -298,53 +295,30 @@ TEST_F(RegistryParamTest, ListingsAreSnapshots) {
     other.reset();
     Set(tree.get(), "later", CKTVariant(1));
     const char* batch[3] = {};
-    ULONG fetched = 99;
-    EXPECT_EQ(names->Next(0, batch, &fetched), 1);
-    EXPECT_EQ(fetched, 0u);
     Names walked;
-    for (fetched = 99; names->Next(3, batch, &fetched); fetched = 99) {
-        ASSERT_LE(fetched, 3u);
+    ULONG fetched = 99;
+    for (; names->Next(3, batch, &fetched); fetched = 99)
         for (ULONG i = 0; i < fetched; ++i) {
             walked.push_back(batch[i]);
             tree->DeleteValue(batch[i]);
         }
-    }
     EXPECT_EQ(fetched, 99u);  // the end leaves the count alone
     std::sort(walked.begin(), walked.end());
     EXPECT_EQ(walked, written);
     EXPECT_EQ(Values(), Names{"|later"});
 
     names->Reset();
-    ASSERT_EQ(names->Skip(8), 1);
-    names->Skip(0xFFFFFFFF);  // past the end, not round to the start
-    EXPECT_EQ(names->Next(1, batch, nullptr), 0);
-    names->Reset();
     names->Skip(8);
     EXPECT_EQ(names->Next(3, batch, &fetched), 1);
     EXPECT_EQ(fetched, 2u);
+    names->Skip(0xFFFFFFFF);  // past the end, not round to the start
+    EXPECT_EQ(names->Next(1, batch, nullptr), 0);
 }
 
-// A missing key is not made; a null or empty sub-key is the root itself.
-TEST_F(RegistryParamTest, RootsOpenExistingKeysAndAnswerTwoInterfaces) {
-    const std::wstring missing = path + L"\\missing";
-    EXPECT_EQ(new_IParamCUReg(missing.c_str()), nullptr);
-    EXPECT_EQ(new_IParamLMReg(missing.c_str()), nullptr);
-    EXPECT_EQ(Keys(), Names{""});
-    Ref<IParam> user(new_IParamCUReg(nullptr));
-    ASSERT_NE(user, nullptr);
-    EXPECT_NE(Ref<IParam>(user->GetSection(std::string(path.begin(), path.end()).c_str(), 0)), nullptr);
-    EXPECT_NE(Ref<IParam>(new_IParamLMReg(L"")), nullptr);
-
-    void* answer = nullptr;
-    ASSERT_EQ(tree->QueryInterface(typeid(IParam), &answer), 1);
-    EXPECT_EQ(answer, tree.get());
-    tree->Release();
-    EXPECT_EQ(tree->QueryInterface(typeid(IRegisterIface), nullptr), 1);
-}
-
-// Under a DACL that lets everyone read and nobody write, the key is not
-// opened. The handle taken before keeps its rights, to give access back.
-TEST_F(RegistryParamTest, KeysWithoutWriteAccessAreNotOpened) {
+// A missing key, or one that everyone may read and nobody write, is neither
+// opened nor made; a null or empty sub-key is the root itself. The handle
+// taken before the lock keeps its rights, to give access back.
+TEST_F(RegistryParamTest, RootsOpenOnlyExistingWritableKeysAndAnswerTwoInterfaces) {
     Set(Ref<IParam>(tree->GetSection("locked\\inner", 1)).get(), "v", CKTVariant(1));
     HKEY locked;
     ASSERT_EQ(RegOpenKeyExA(raw, "locked", 0, KEY_ALL_ACCESS, &locked), ERROR_SUCCESS);
@@ -358,13 +332,25 @@ TEST_F(RegistryParamTest, KeysWithoutWriteAccessAreNotOpened) {
     setAccess("D:(A;;KR;;;WD)");
     const RegistryContent before = Content();
     EXPECT_EQ(before.count("\\locked\\inner|v"), 1u);
-    EXPECT_EQ(new_IParamCUReg((path + L"\\locked").c_str()), nullptr);
+    for (const wchar_t* sub : {L"\\missing", L"\\locked"})
+        EXPECT_EQ(new_IParamCUReg((path + sub).c_str()), nullptr);
+    EXPECT_EQ(new_IParamLMReg((path + L"\\missing").c_str()), nullptr);
     EXPECT_EQ(tree->GetSection("locked", 1), nullptr);
     EXPECT_EQ(tree->CreateSection("locked"), nullptr);
     tree->DeleteSection("locked");
     EXPECT_EQ(Content(), before);
     setAccess("D:(A;;KA;;;WD)");
     RegCloseKey(locked);
+
+    Ref<IParam> user(new_IParamCUReg(nullptr));
+    ASSERT_NE(user, nullptr);
+    EXPECT_NE(Ref<IParam>(user->GetSection(std::string(path.begin(), path.end()).c_str(), 0)), nullptr);
+    EXPECT_NE(Ref<IParam>(new_IParamLMReg(L"")), nullptr);
+    void* answer = nullptr;
+    ASSERT_EQ(tree->QueryInterface(typeid(IParam), &answer), 1);
+    EXPECT_EQ(answer, tree.get());
+    tree->Release();
+    EXPECT_EQ(tree->QueryInterface(typeid(IRegisterIface), nullptr), 1);
 }
 
 }  // namespace
