@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <tuple>
 
 #include "kticore/objects/Persist.h"
 #include "kticore/params/IniFileParam.h"
@@ -140,6 +141,21 @@ protected:
                            [this] { return RegistryTree(); }};
     const BackEnd storage{"storage", kEveryKind, false, [this] { return StorageTree(); }};
 };
+
+// One tree round all four and back into memory: each leg keeps what its row
+// keeps of what came to it, so the end holds what every back end keeps.
+TEST_F(BackEnds, OneTreeGoesRoundAllFourAndBack) {
+    const Ref<IParam> start = EveryKind();
+    Ref<IParam> tree, held;
+    IParam* from = start.get();
+    IParam* expected = start.get();
+    for (const BackEnd* to : {&profile, &registry, &storage, &memory}) {
+        std::tie(tree, held) = Leg(from, expected, *to);
+        from = tree.get();
+        expected = held.get();
+    }
+    EXPECT_EQ(ValueAt(tree.get(), "object").vt, kMissing);  // the profile file dropped it
+}
 
 TEST_F(BackEnds, EveryPairCopiesWhatBothKeep) {
     const Ref<IParam> start = EveryKind();
