@@ -54,7 +54,7 @@ bool WldReader::Next(CXString& key, CXString& value) {
         valueLineStart = keyLineStart;
         ended = valueLine == Line::End;
     }
-    if (rawKey == kWldLanguageKey)
+    if (IsLanguageKey())
         languageId = static_cast<unsigned>(std::atoi(rawValue.c_str()));
     UndoWldEscapes(rawKey.data(), rawKey.size(), unescaped);
     key = unescaped.c_str();

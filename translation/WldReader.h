@@ -30,6 +30,9 @@ public:
 
     // The value of the last language key read, by atoi; 0 if none.
     unsigned LanguageId() const { return languageId; }
+    // Whether the last pair's key is the language key: compared as the file
+    // holds it, before escapes are undone.
+    bool IsLanguageKey() const { return rawKey == kWldLanguageKey; }
 
     // Where the lines of the last pair begin in the file: the value's is the
     // key's when the key came without one. For tools that name lines.

@@ -150,6 +150,8 @@ WldEntries DictionaryOf(std::vector<std::pair<std::string, std::string>> pairs) 
         const auto line = static_cast<unsigned>(2 * dictionary.entries.size() + 1);
         dictionary.entries.push_back({key, value, line, line + 1});
     }
+    dictionary.entries.front().isLanguage = true;
+    dictionary.languageId = 1033;
     return dictionary;
 }
 
@@ -190,6 +192,18 @@ TEST(CheckInPlace, AnEmptyLineThatEndsTheDictionaryIsReported) {
     ASSERT_EQ(findings.size(), 1u);
     EXPECT_EQ(findings[0].kind, "ended");
     EXPECT_EQ(findings[0].line, 3u);
+}
+
+// The language as the library reads it: atoi takes "1049 " as 1049, whose
+// code page 1251 then reads the value.
+TEST(CheckInPlace, TheLanguageIsReadAsTheLibraryReadsIt) {
+    Scratch scratch;
+    const std::string path = scratch / "russian.wld";
+    std::ofstream(path, std::ios::binary)
+        << "\"KT_WLD_LANG_ID\"\n\"1049 \"\n\"Open\"\n\"\xce\xf2\xea\xf0\xfb\xf2\xfc\"\n";
+    const std::vector<Finding> findings = CheckDictionary(ReadWldEntries(path), {}, 0);
+    for (const Finding& finding : findings)
+        ADD_FAILURE() << finding.kind << ": " << finding.message;
 }
 
 }  // namespace

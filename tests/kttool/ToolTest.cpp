@@ -1,4 +1,6 @@
 // The program's answers to its command lines, and pseudo-translation.
+#include <map>
+
 #include "tests/kttool/ToolTestSupport.h"
 #include "tools/kttool/Pseudo.h"
 #include "tools/kttool/TextChecks.h"
@@ -85,17 +87,24 @@ TEST(Pseudo, ValuesGrowAndKeepWhatTheProgramReads) {
     EXPECT_EQ(PseudoTranslate(KTW("Open"), 1251), KTW("[Open\u00b7\u00b7]"));
 }
 
-// A key without a value, then an empty line: the value pseudo writes must
-// not leave that line behind it, where it would end the dictionary.
-TEST(Pseudo, AKeyWithoutAValueKeepsTheEntriesBehindIt) {
-    Scratch scratch;
-    std::ofstream(scratch / "in.wld", std::ios::binary) << "\"Open\"\n\n\"Close\"\n\"Fermer\"\n";
-    ASSERT_EQ(RunKtTool({"pseudo", scratch / "in.wld", "-o", scratch / "out.wld"}).status,
-              kSuccess);
-    const WldEntries read = ReadWldEntries(scratch / "out.wld");
-    ASSERT_EQ(read.entries.size(), 3u);  // the language, Open, Close
-    EXPECT_EQ(read.entries[1].value.front(), '[');
-    EXPECT_EQ(read.entries[2].key, "Close");
+// A key without a value gets one on a line of its own: not behind an empty
+// line, where the dictionary would end, nor on the key's line when that is
+// the last and has no line end.
+TEST(Pseudo, AKeyWithoutAValueGetsOneAndKeepsTheEntriesAroundIt) {
+    for (const char* text : {"\"Open\"\n\n\"Close\"\n\"Fermer\"\n",
+                             "\"Close\"\r\n\"Fermer\"\r\n\"Open\""}) {
+        SCOPED_TRACE(text);
+        Scratch scratch;
+        std::ofstream(scratch / "in.wld", std::ios::binary) << text;
+        ASSERT_EQ(RunKtTool({"pseudo", scratch / "in.wld", "-o", scratch / "out.wld"}).status,
+                  kSuccess);
+        std::map<std::string, std::string> values;
+        for (const WldEntry& entry : ReadWldEntries(scratch / "out.wld").entries)
+            values[entry.key] = entry.value;
+        EXPECT_EQ(values.size(), 3u);  // the language, Open, Close
+        EXPECT_EQ(values["Open"].substr(0, 1), "[");
+        EXPECT_EQ(values["Close"].substr(0, 1), "[");
+    }
 }
 
 }  // namespace

@@ -119,7 +119,7 @@ private:
     void CheckLanguage() {
         const WldEntry* language = nullptr;
         for (const WldEntry& entry : dictionary.entries)
-            if (entry.key == kt::kWldLanguageKey)
+            if (entry.isLanguage)
                 language = &entry;  // the reader takes the last
         valueCodePage = keyCodePage;
         if (language == nullptr) {
@@ -128,9 +128,10 @@ private:
                        " entry: values are read in the system's code page");
             return;
         }
-        unsigned id = 0;
+        // The number as the library takes it (atoi), not as a strict reading would.
+        const unsigned id = dictionary.languageId;
         DWORD codePage = 0;
-        if (!ParseNumber(language->value, id) || !kt::sys::LocaleAnsiCodePage(id, codePage)) {
+        if (id == 0 || !kt::sys::LocaleAnsiCodePage(id, codePage)) {
             Report(language->valueLine, "language",
                    std::string(kt::kWldLanguageKey) + " \"" + language->value +
                        "\" is no locale number this system knows");
@@ -155,7 +156,7 @@ private:
             entry.value = Widen(read.value, valueCodePage);
             if (entry.value.empty())
                 entry.value = entry.key;
-            entry.isLanguage = read.key == kt::kWldLanguageKey;
+            entry.isLanguage = read.isLanguage;
             entry.source = entry.key;
             const auto first = byHash.emplace(KeyHash(entry.key), entries.size());
             entry.admitted = first.second;

@@ -90,7 +90,12 @@ public:
     void Replace(unsigned number, const std::string& text) {
         lines[number - 1] = text + LineEnd(number);
     }
+    // `text` on a line of its own behind line `number`: a last line without
+    // a line end gets the one of the line before it.
     void AddBehind(unsigned number, const std::string& text) {
+        std::string& line = lines[number - 1];
+        if (line.empty() || line.back() != '\n')
+            line += number > 1 ? LineEnd(number - 1) : "\n";
         added[number - 1] = text + LineEnd(number);
     }
     // A line with nothing before its LF: where a key is due, it ends the
@@ -152,7 +157,7 @@ int RunPseudo(const Arguments& args, std::ostream& out, std::ostream& err) {
     bool languageWritten = false;
     for (const WldEntry& entry : dictionary.entries) {
         WideText value;
-        if (entry.key == kt::kWldLanguageKey) {
+        if (entry.isLanguage) {
             value = Widen(std::to_string(language), codePage);
             languageWritten = true;
         } else {

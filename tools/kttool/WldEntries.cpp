@@ -93,6 +93,7 @@ WldEntries ReadWldEntries(const std::string& path) {
             entry.value = static_cast<const char*>(value);
             entry.keyLine = lines.LineOf(reader.KeyLineStart());
             entry.valueLine = lines.LineOf(reader.ValueLineStart());
+            entry.isLanguage = reader.IsLanguageKey();
             read.entries.push_back(std::move(entry));
         }
         read.languageId = reader.LanguageId();

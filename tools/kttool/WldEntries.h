@@ -14,6 +14,7 @@ struct WldEntry {
     std::string value;
     unsigned keyLine = 0;  // from 1
     unsigned valueLine = 0;
+    bool isLanguage = false;  // the key that names the language, as the reader tells it
 };
 
 struct WldEntries {

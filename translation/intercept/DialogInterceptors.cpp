@@ -35,7 +35,15 @@ Result OpenServed(Direct direct, Find find, Open open, HINSTANCE module, const U
     HRSRC real = find(module, name, DialogType<Unit>());
     if (real == nullptr)
         return Result{};
-    void* block = Supp_LoadResource(module, Supp_WrapResource(real, module, name, DialogType<Unit>()));
+    void* block = nullptr;
+    const bool served = OrUntranslated(
+        [&] {
+            block = Supp_LoadResource(module, Supp_WrapResource(real, module, name, DialogType<Unit>()));
+            return true;
+        },
+        [] { return false; });
+    if (!served)  // out of memory: the dialog as it stands
+        return direct(module, name, parent, procedure, param);
     if (block == nullptr)
         return Result{};
     const Result result = open(module, static_cast<LPCDLGTEMPLATE>(block), parent, procedure, param);
@@ -53,7 +61,11 @@ Result OpenRewritten(Open open, HINSTANCE module, LPCDLGTEMPLATE tmpl, HWND pare
     if (!Supp_IsTranslationEnable() || tmpl == nullptr)
         return open(module, tmpl, parent, procedure, param);
     unsigned size = 0;
-    void* copy = Supp_RewriteDialog(tmpl, &size, nullptr);
+    void* copy = OrUntranslated([&] { return Supp_RewriteDialog(tmpl, &size, nullptr); },
+                                [&] {
+                                    size = 0;
+                                    return static_cast<void*>(nullptr);
+                                });
     const auto* rewritten = copy != nullptr ? static_cast<LPCDLGTEMPLATE>(copy) : tmpl;
     const Result result = open(module, rewritten, parent, procedure, param);
     if (size != 0)

@@ -31,27 +31,38 @@ HMENU TranslateMenu(HMENU menu, const KTWCHAR* prefix) {
     return menu;
 }
 
+// `menu`, translated by `translate` where that can be done.
+template <class Translate>
+HMENU Translated(HMENU menu, Translate translate) {
+    return OrUntranslated(translate, [&] { return menu; });
+}
+
 }  // namespace
 
 HMENU WINAPI LoadMenuA(HINSTANCE module, LPCSTR name) {
+    HMENU menu = KT_REAL(LoadMenuA)(module, name);
     if (!Supp_IsTranslationEnable())
-        return KT_REAL(LoadMenuA)(module, name);
-    const std::string prefix = MenuPrefix(Supp_MakeKeyA, module, name);
-    return TranslateMenu(KT_REAL(LoadMenuA)(module, name), CXStringW(prefix.c_str()));
+        return menu;
+    return Translated(menu, [&] {
+        return TranslateMenu(menu, CXStringW(MenuPrefix(Supp_MakeKeyA, module, name).c_str()));
+    });
 }
 
 HMENU WINAPI LoadMenuW(HINSTANCE module, LPCWSTR name) {
     HMENU menu = KT_REAL(LoadMenuW)(module, name);
     if (!Supp_IsTranslationEnable())
         return menu;
-    return TranslateMenu(menu, MenuPrefix(Supp_MakeKeyW, module, name).c_str());
+    return Translated(menu, [&] { return TranslateMenu(menu, MenuPrefix(Supp_MakeKeyW, module, name).c_str()); });
 }
 
 HMENU WINAPI LoadMenuIndirectA(const MENUTEMPLATEA* menuTemplate) {
     HMENU menu = KT_REAL(LoadMenuIndirectA)(menuTemplate);
-    if (Supp_IsTranslationEnable())
+    if (!Supp_IsTranslationEnable())
+        return menu;
+    return Translated(menu, [&] {
         Supp_Translate(menu);
-    return menu;
+        return menu;
+    });
 }
 
 }  // namespace kt::intercept

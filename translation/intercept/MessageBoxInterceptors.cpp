@@ -20,15 +20,19 @@ constexpr char kNoText[] = "";
 
 const char* OrDefault(const char* text, const char* fallback) { return text != nullptr ? text : fallback; }
 
-// `text` translated in `buffer`; a text too long for the buffer is shown as
-// it stands rather than cut.
+// `text` translated in `buffer`; a text too long for the buffer, or one the
+// dictionary could not be asked for, is shown as it stands rather than cut.
 const char* Translated(const char* text, MessageBuffer& buffer) {
     const std::size_t length = std::strlen(text);
     if (length >= kMessageCapacity)
         return text;
     std::memcpy(buffer, text, length + 1);
-    Supp_TranslateBufferA(buffer, kMessageCapacity);
-    return buffer;
+    return OrUntranslated(
+        [&] {
+            Supp_TranslateBufferA(buffer, kMessageCapacity);
+            return static_cast<const char*>(buffer);
+        },
+        [&] { return text; });
 }
 
 // A text field of MSGBOXPARAMSA: a string, or the number of a string of the
@@ -38,7 +42,7 @@ const char* TranslatedField(HINSTANCE module, LPCSTR field, const char* fallback
         return Translated(OrDefault(field, fallback), buffer);
     if (KT_REAL(LoadStringA)(module, LOWORD(reinterpret_cast<std::uintptr_t>(field)), buffer, kMessageCapacity) == 0)
         buffer[0] = 0;
-    Supp_TranslateBufferA(buffer, kMessageCapacity);
+    OrUntranslated([&] { Supp_TranslateBufferA(buffer, kMessageCapacity); }, [] {});
     return buffer;
 }
 

@@ -8,9 +8,16 @@
 namespace kt::intercept {
 namespace {
 
+// Without a record, the module gets the real resource: what it loads,
+// locks and measures is then the system's.
 template <class Name>
 HRSRC Wrapped(HRSRC real, HMODULE module, Name name, const void* type) {
-    return reinterpret_cast<HRSRC>(Supp_WrapResource(real, module, name, type));
+    return OrUntranslated([&] { return reinterpret_cast<HRSRC>(Supp_WrapResource(real, module, name, type)); },
+                          [&] { return real; });
+}
+
+HRSRC RealOf(HRSRC resource) {
+    return IsResourceRecord(resource) ? reinterpret_cast<SuppResource*>(resource)->real : resource;
 }
 
 }  // namespace
@@ -38,7 +45,9 @@ HRSRC WINAPI FindResourceExW(HMODULE module, LPCWSTR type, LPCWSTR name, WORD la
 HGLOBAL WINAPI LoadResource(HMODULE module, HRSRC resource) {
     if (!Supp_IsTranslationEnable())
         return KT_REAL(LoadResource)(module, resource);
-    return Supp_LoadResource(module, reinterpret_cast<SuppResource*>(resource));
+    return OrUntranslated(
+        [&] { return static_cast<HGLOBAL>(Supp_LoadResource(module, reinterpret_cast<SuppResource*>(resource))); },
+        [&] { return KT_REAL(LoadResource)(module, RealOf(resource)); });
 }
 
 // A loaded block is memory already, a real one of a module as much as a
@@ -52,7 +61,8 @@ LPVOID WINAPI LockResource(HGLOBAL block) {
 DWORD WINAPI SizeofResource(HMODULE module, HRSRC resource) {
     if (!Supp_IsTranslationEnable() || !IsResourceRecord(resource))
         return KT_REAL(SizeofResource)(module, resource);
-    return ServedResourceSize(module, reinterpret_cast<SuppResource*>(resource));
+    return OrUntranslated([&] { return ServedResourceSize(module, reinterpret_cast<SuppResource*>(resource)); },
+                          [&] { return KT_REAL(SizeofResource)(module, RealOf(resource)); });
 }
 
 // Records live until unload; freeing one does nothing.

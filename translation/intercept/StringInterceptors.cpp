@@ -38,7 +38,7 @@ int LoadTranslatedString(Real real, Translate translate, HINSTANCE module, UINT 
         buffer[0] = 0;
         return 0;
     }
-    return static_cast<int>(translate(HasBlock(id), loaded));
+    return OrUntranslated([&] { return static_cast<int>(translate(HasBlock(id), loaded)); }, [&] { return loaded; });
 }
 
 }  // namespace

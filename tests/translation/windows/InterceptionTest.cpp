@@ -214,6 +214,15 @@ TEST_F(Interception, DialogsAreFoundAsRecordsAndOtherTypesAndSwitchedOffCallsAsT
     EXPECT_EQ(FindResourceExA(ThisModule(), dialogTypeA, MAKEINTRESOURCEA(300), 0),
               KT_SYSTEM("kernel32", FindResourceExA)(ThisModule(), dialogTypeA,
                                                      MAKEINTRESOURCEA(300), 0));
+    // With the switch on, the Ex forms (type before name) make the dialog's record.
+    Supp_SetTranslationEnable(1);
+    for (HRSRC found : {FindResourceExA(ThisModule(), dialogTypeA, MAKEINTRESOURCEA(300), 0),
+                        FindResourceExW(ThisModule(), dialogType, MAKEINTRESOURCEW(300), 0)}) {
+        ASSERT_TRUE(IsResourceRecord(found));
+        EXPECT_EQ(reinterpret_cast<SuppResource*>(found)->type, kResourceTypeDialog);
+        EXPECT_EQ(reinterpret_cast<SuppResource*>(found)->real,
+                  findReal(ThisModule(), MAKEINTRESOURCEW(300), dialogType));
+    }
 }
 
 TEST_F(Interception, BlocksTheDictionaryDoesNotKnowAreServedAsTheModuleHasThem) {
