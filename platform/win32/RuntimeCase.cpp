@@ -10,7 +10,9 @@ namespace kt::sys {
 namespace {
 
 unsigned char* Bytes(char* text) { return reinterpret_cast<unsigned char*>(text); }
-const unsigned char* Bytes(const char* text) { return reinterpret_cast<const unsigned char*>(text); }
+const unsigned char* Bytes(const char* text) {
+    return reinterpret_cast<const unsigned char*>(text);
+}
 
 }  // namespace
 

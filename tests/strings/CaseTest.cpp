@@ -40,17 +40,16 @@ TYPED_TEST(Case, CaseBlindComparisonsFoldToLowerCase) {
         int count;  // characters; -1 for CompareI
         int sign;
     } rows[] = {
-        {"abc", "ABC", -1, 0},
-        {"\xE9", "\xC9", -1, 1},
+        {"abc", "ABC", -1, 0}, {"\xE9", "\xC9", -1, 1},
         {"_", "A", -1, -1},  // '_' lies between the upper and the lower letters
-        {"abX", "ABY", 2, 0},
-        {"abX", "ABY", 3, -1},
+        {"abX", "ABY", 2, 0},  {"abX", "ABY", 3, -1},
         {"ab", "ABC", -1, -1},
     };
     for (const Row& row : rows) {
         const auto a = this->Make(row.a);
         const auto b = this->T(row.b);
-        const int result = row.count < 0 ? a.CompareI(b.c_str()) : a.CompareIN(b.c_str(), row.count);
+        const int result =
+            row.count < 0 ? a.CompareI(b.c_str()) : a.CompareIN(b.c_str(), row.count);
         EXPECT_EQ(Sign(result), row.sign) << row.a << " " << row.b << " " << row.count;
     }
 }

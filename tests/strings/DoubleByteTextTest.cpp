@@ -14,7 +14,7 @@ namespace {
 // Shift-JIS (code page 932).
 const char kNihongo[] = "\x93\xFA\x96\x7B\x8C\xEA";  // three characters
 const char kHon[] = "\x96\x7B";
-const char kHyou[] = "\x95\x5C";        // its trail byte is the code of '\'
+const char kHyou[] = "\x95\x5C";            // its trail byte is the code of '\'
 const char kKatakanaA[] = "\x83\x41";       // its trail byte is the code of 'A'
 const char kKatakanaSmallA[] = "\x83\x61";  // and this one's of 'a'
 
