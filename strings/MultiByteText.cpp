@@ -1,10 +1,12 @@
-// The multibyte text operations. They rest on the runtime's lead-byte test
-// alone; the runtime's own _mbs functions are not used because they read past
-// the terminator of text that ends in a lead byte.
+// The multibyte text operations. They rest on the runtime's lead-byte test;
+// the runtime's own _mbs functions read past the terminator of text that ends
+// in a lead byte, and only the case operations, which must give the runtime's
+// answers, call them, on text guarded against that.
 #include "strings/MultiByteText.h"
 
-#include "platform/TextConversion.h"
-#include "strings/CaseMapping.h"
+#include <string>
+
+#include "platform/RuntimeCase.h"
 
 namespace kt::mbcs {
 
@@ -106,11 +108,30 @@ const char* FindLastOneOf(const char* text, const char* set) {
 
 namespace {
 
-template <class Fold>
-int CompareCodes(const char* a, const char* b, unsigned count, Fold fold) {
+// The runtime reads on behind a lone lead byte at the end (it takes the
+// terminator for the trail byte); such text is compared from a copy that
+// ends in two terminators.
+bool EndsInLoneLead(const char* text) {
+    const char* last = nullptr;
+    for (const char* p = text; *p != 0; p = Next(p))
+        last = p;
+    return last != nullptr && IsLead(*last) && last[1] == 0;
+}
+
+const char* WithSecondTerminator(const char* text, std::string& copy) {
+    if (!EndsInLoneLead(text))
+        return text;
+    copy.assign(text);
+    copy.push_back('\0');
+    return copy.c_str();
+}
+
+}  // namespace
+
+int Compare(const char* a, const char* b, unsigned count) {
     for (; count != 0; --count) {
-        KTWCHAR x = fold(CodeAt(a));
-        KTWCHAR y = fold(CodeAt(b));
+        const KTWCHAR x = CodeAt(a);
+        const KTWCHAR y = CodeAt(b);
         if (x != y)
             return x < y ? -1 : 1;
         if (x == 0)
@@ -121,61 +142,25 @@ int CompareCodes(const char* a, const char* b, unsigned count, Fold fold) {
     return 0;
 }
 
-// Maps a character through its 16-bit unit in the current code page; the
-// mapped unit must come back as a character of the same size.
-template <class MapUnit>
-KTWCHAR MapChar(KTWCHAR code, MapUnit mapUnit) {
-    if (code < 0x80)
-        return mapUnit(code);  // ASCII is itself in every code page
-    char bytes[2];
-    unsigned size = Encode(code, bytes);
-    unsigned codePage = sys::MultiByteCodePage();
-    KTWCHAR unit;
-    if (sys::MultiByteToWide(codePage, bytes, static_cast<int>(size), &unit, 1) != 1)
-        return code;
-    KTWCHAR mapped = mapUnit(unit);
-    if (mapped == unit)
-        return code;
-    char back[2];
-    if (sys::WideToMultiByte(codePage, &mapped, 1, back, 2) != static_cast<int>(size))
-        return code;
-    KTWCHAR check;
-    if (sys::MultiByteToWide(codePage, back, static_cast<int>(size), &check, 1) != 1 ||
-        check != mapped)
-        return code;
-    return size == 2 ? static_cast<KTWCHAR>(static_cast<unsigned char>(back[0]) << 8 |
-                                            static_cast<unsigned char>(back[1]))
-                     : static_cast<unsigned char>(back[0]);
-}
-
-template <class MapChar>
-void MapInPlace(char* text, MapChar mapChar) {
-    for (char* p = text; *p != 0;) {
-        unsigned size = CharSize(p);
-        KTWCHAR code = CodeAt(p);
-        KTWCHAR mapped = mapChar(code);
-        if (mapped != code)
-            Encode(mapped, p);
-        p += size;
-    }
-}
-
-}  // namespace
-
-KTWCHAR CharToUpper(KTWCHAR code) { return MapChar(code, text::ToUpperUnit); }
-
-KTWCHAR CharToLower(KTWCHAR code) { return MapChar(code, text::ToLowerUnit); }
-
-int Compare(const char* a, const char* b, unsigned count) {
-    return CompareCodes(a, b, count, [](KTWCHAR code) { return code; });
-}
-
 int CompareIgnoringCase(const char* a, const char* b, unsigned count) {
-    return CompareCodes(a, b, count, CharToLower);
+    std::string copyOfA, copyOfB;
+    a = WithSecondTerminator(a, copyOfA);
+    b = WithSecondTerminator(b, copyOfB);
+    return count == UINT_MAX ? sys::CompareMultiByteIgnoringCase(a, b)
+                             : sys::CompareMultiByteIgnoringCase(a, b, count);
 }
 
-void ToUpper(char* text) { MapInPlace(text, CharToUpper); }
+// The room that Upper and Lower make (2 * size + 2) holds a second
+// terminator behind the first, where a lone lead byte at the end leads the
+// runtime.
+void ToUpper(char* text) {
+    text[std::char_traits<char>::length(text) + 1] = 0;
+    sys::UpperMultiByte(text);
+}
 
-void ToLower(char* text) { MapInPlace(text, CharToLower); }
+void ToLower(char* text) {
+    text[std::char_traits<char>::length(text) + 1] = 0;
+    sys::LowerMultiByte(text);
+}
 
 }  // namespace kt::mbcs

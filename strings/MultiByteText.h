@@ -50,11 +50,11 @@ const char* FindLastOneOf(const char* text, const char* set);
 
 // Compares the first `count` characters by character code: -1, 0 or 1.
 int Compare(const char* a, const char* b, unsigned count = UINT_MAX);
+// As _mbsicmp, or _mbsnicmp for a `count` below UINT_MAX: the sign tells.
 int CompareIgnoringCase(const char* a, const char* b, unsigned count = UINT_MAX);
 
-KTWCHAR CharToUpper(KTWCHAR code);
-KTWCHAR CharToLower(KTWCHAR code);
-// In place; a character whose other case has another size stays.
+// _mbsupr and _mbslwr in place; the byte behind the terminator must be
+// writable.
 void ToUpper(char* text);
 void ToLower(char* text);
 

@@ -7,8 +7,9 @@
 #include <string>
 
 #include "kticore/strings/StringData.h"
-#include "strings/CaseMapping.h"
+#include "platform/RuntimeCase.h"
 #include "strings/MultiByteText.h"
+#include "strings/SpaceCharacters.h"
 
 namespace kt {
 
@@ -94,17 +95,15 @@ struct WideText {
     static const KTWCHAR* FindOneOf(const KTWCHAR* text, const KTWCHAR* set);
     static const KTWCHAR* FindLastOneOf(const KTWCHAR* text, const KTWCHAR* set);
     static int Compare(const KTWCHAR* a, const KTWCHAR* b, unsigned count);
-    static int CompareIgnoringCase(const KTWCHAR* a, const KTWCHAR* b, unsigned count);
+    // _wcsicmp, or _wcsnicmp for a `count` below UINT_MAX: the sign tells.
+    static int CompareIgnoringCase(const KTWCHAR* a, const KTWCHAR* b, unsigned count) {
+        return count == UINT_MAX ? sys::CompareWideIgnoringCase(a, b)
+                                 : sys::CompareWideIgnoringCase(a, b, count);
+    }
 
     static bool IsSpace(KTWCHAR unit) { return text::IsSpaceUnit(unit); }
-    static void ToUpper(KTWCHAR* text) {
-        for (; *text != 0; ++text)
-            *text = text::ToUpperUnit(*text);
-    }
-    static void ToLower(KTWCHAR* text) {
-        for (; *text != 0; ++text)
-            *text = text::ToLowerUnit(*text);
-    }
+    static void ToUpper(KTWCHAR* text) { sys::UpperWide(text); }
+    static void ToLower(KTWCHAR* text) { sys::LowerWide(text); }
 };
 
 }  // namespace kt

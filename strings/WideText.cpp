@@ -1,5 +1,6 @@
 // The searching and comparing of 16-bit text, unit by unit. Written here
-// rather than taken from the C library: natively wchar_t is not 16 bits.
+// rather than taken from the C library: natively wchar_t is not 16 bits. Case
+// is the runtime's (platform/RuntimeCase.h).
 #include "strings/TextTraits.h"
 
 namespace kt {
@@ -46,29 +47,14 @@ const KTWCHAR* WideText::FindLastOneOf(const KTWCHAR* text, const KTWCHAR* set) 
     return nullptr;
 }
 
-namespace {
-
-template <class Fold>
-int CompareUnits(const KTWCHAR* a, const KTWCHAR* b, unsigned count, Fold fold) {
+int WideText::Compare(const KTWCHAR* a, const KTWCHAR* b, unsigned count) {
     for (; count != 0; --count, ++a, ++b) {
-        KTWCHAR x = fold(*a);
-        KTWCHAR y = fold(*b);
-        if (x != y)
-            return x < y ? -1 : 1;
-        if (x == 0)
+        if (*a != *b)
+            return *a < *b ? -1 : 1;
+        if (*a == 0)
             return 0;
     }
     return 0;
-}
-
-}  // namespace
-
-int WideText::Compare(const KTWCHAR* a, const KTWCHAR* b, unsigned count) {
-    return CompareUnits(a, b, count, [](KTWCHAR unit) { return unit; });
-}
-
-int WideText::CompareIgnoringCase(const KTWCHAR* a, const KTWCHAR* b, unsigned count) {
-    return CompareUnits(a, b, count, text::ToLowerUnit);
 }
 
 }  // namespace kt

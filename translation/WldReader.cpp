@@ -3,8 +3,8 @@
 #include <cstdlib>
 
 #include "platform/MultiByte.h"
-#include "strings/CaseMapping.h"
 #include "strings/MultiByteText.h"
+#include "strings/SpaceCharacters.h"
 #include "translation/WldEscapes.h"
 
 namespace kt {

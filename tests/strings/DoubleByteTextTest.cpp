@@ -2,6 +2,7 @@
 // no operation cuts a character between its lead and trail byte.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "kticore/strings/XString.h"
@@ -13,9 +14,9 @@ namespace {
 // Shift-JIS (code page 932).
 const char kNihongo[] = "\x93\xFA\x96\x7B\x8C\xEA";  // three characters
 const char kHon[] = "\x96\x7B";
-const char kHyou[] = "\x95\x5C";        // its trail byte is the code of '\'
-const char kFullWidthA[] = "\x82\x81";  // full-width 'a'
-const char kFullWidthUpperA[] = "\x82\x60";
+const char kHyou[] = "\x95\x5C";            // its trail byte is the code of '\'
+const char kKatakanaA[] = "\x83\x41";       // its trail byte is the code of 'A'
+const char kKatakanaSmallA[] = "\x83\x61";  // and this one's of 'a'
 
 std::string Text(const CXString& s) { return static_cast<const char*>(s); }
 
@@ -99,14 +100,23 @@ TEST_F(DoubleByteText, ALeadByteAtTheEndStaysInsideTheText) {
     EXPECT_EQ(Text(s), "ab");
 }
 
-TEST_F(DoubleByteText, CaseChangesFullWidthLettersToo) {
-    CXString s = CXString("ab") + kFullWidthA;
-    s.Upper();
-    EXPECT_EQ(Text(s), std::string("AB") + kFullWidthUpperA);
+// A trail byte may have the code of a letter; only whole characters have case.
+// Text cut after a lead byte ends there: the case change stops at its end, and
+// what lies behind (here "bb") is left alone.
+TEST_F(DoubleByteText, CaseChangesWholeCharactersUpToTheEnd) {
+    CXString s = CXString("AB") + kKatakanaA;
     s.Lower();
-    EXPECT_EQ(Text(s), std::string("ab") + kFullWidthA);
-    EXPECT_EQ(CXString(kFullWidthA).CompareI(kFullWidthUpperA), 0);
-    EXPECT_NE(CXString(kFullWidthA).Compare(kFullWidthUpperA), 0);
+    EXPECT_EQ(Text(s), std::string("ab") + kKatakanaA);
+    EXPECT_NE(CXString(kKatakanaA).CompareI(kKatakanaSmallA), 0);
+
+    CXString cut;
+    std::memcpy(cut.GetBuffer(6), "a\x82\0bbb", 7);
+    cut.ReleaseBuffer(-1);
+    cut.Upper();
+    EXPECT_EQ(Text(cut), "A\x82");
+    EXPECT_EQ(std::string(static_cast<const char*>(cut) + 4, 2), "bb");
+    EXPECT_EQ(CXString("a\x82").CompareI("A\x82"), 0);
+    EXPECT_LT(CXString("a\x82").CompareIN("A\x83", 5), 0);
 }
 
 TEST_F(DoubleByteText, ReducePathStringCountsCharacters) {

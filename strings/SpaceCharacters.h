@@ -1,16 +1,10 @@
-// Case and blank space of single 16-bit units, the same on every build: the
-// simple case pairs of the Latin, Greek, Cyrillic, full-width and circled
-// Latin letters and the Roman numerals, and the Unicode blank characters.
-// Narrow text maps its characters through these too, so both widths change
-// case alike.
+// Blank space in single 16-bit units and in the bytes of narrow text, the
+// same on every build.
 #pragma once
 
 #include "kticore/platform/Platform.h"
 
 namespace kt::text {
-
-KTWCHAR ToUpperUnit(KTWCHAR unit);
-KTWCHAR ToLowerUnit(KTWCHAR unit);
 
 // Tab, line feed, vertical tab, form feed, carriage return, the space, and
 // the Unicode space separators (no-break space, ideographic space, ...).
