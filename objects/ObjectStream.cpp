@@ -40,8 +40,9 @@ int WriteObjectToXStream(IXStream* stream, IPersistXStream* object) {
 
 int ReadObjectFromXStream(IXStream* stream, IKTUnknown** object) {
     *object = nullptr;
-    // Room for the terminator that a memory stream puts behind a full line.
-    char name[kClassNameLimit + 2];
+    // Room for the terminator that a memory stream puts behind a full line;
+    // an OLE stream puts none there, so the room starts as zeros.
+    char name[kClassNameLimit + 2] = {};
     if (stream->ReadLine(name, kClassNameLimit) == 0 || name[0] == 0)
         return 0;
     const ULONG size = stream->ReadDWord();
@@ -66,7 +67,7 @@ int ReadObjectFromXStream(IXStream* stream, IKTUnknown** object) {
 
 unsigned long SkipObjectToXStream(IXStream* stream) {
     const unsigned start = stream->Seek(0, 1);
-    char name[kClassNameLimit + 2];
+    char name[kClassNameLimit + 2] = {};
     stream->ReadLine(name, kClassNameLimit);
     if (name[0] != 0) {
         // A seek moves by a signed 32-bit offset: a length above 2 GiB is

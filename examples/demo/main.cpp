@@ -174,8 +174,8 @@ public:
     const char* GetClassName() override { return "CLSID_DemoNote"; }
     ULONG GetSize() override { return static_cast<ULONG>(text.size() + 1); }
     void Load(IXStream* stream) override {
-        char line[256];
-        stream->ReadLine(line, 255);
+        char line[256];  // a line and the two places a stream may fill behind it
+        stream->ReadLine(line, sizeof line - 2);
         text = line;
     }
     void Save(IXStream* stream) override { stream->WriteString(text.c_str()); }

@@ -20,7 +20,7 @@ using kt::test::Ref;
 
 // A class of the test itself, never registered: its name and payload are
 // whatever the test gives, and its Save may fail with a code after writing.
-class CFixedPayload final : public CKTUnknownImpl<IPersistXStream> {
+class CFixedPayload : public CKTUnknownImpl<IPersistXStream> {
 public:
     CFixedPayload(std::string name, Bytes payload, DWORD saveFailure = XE_NONE)
         : name(std::move(name)), payload(std::move(payload)), saveFailure(saveFailure) {}
@@ -132,6 +132,12 @@ TEST(ObjectForm, NameTerminatorMeasuredLengthAndPayloadAtAnyPosition) {
     stream->Seek(4, 0);
     EXPECT_EQ(SkipObjectToXStream(stream.get()), 4u);
     EXPECT_EQ(stream->ReadByte(), 9);
+    // The length is what Save wrote, whatever GetSize claims.
+    struct CClaimsMore final : CFixedPayload {
+        using CFixedPayload::CFixedPayload;
+        ULONG GetSize() override { return 1000; }
+    } claimsMore("Abc", {1, 2});
+    EXPECT_EQ(Stored(&claimsMore), Stored(&abc));
 }
 
 TEST(ObjectForm, WhatSaveThrowsPassesThroughAndTheLengthStaysZero) {
