@@ -127,6 +127,7 @@ TEST_F(FileLocks, AnotherProcessCanNotWriteALockedFile) {
     EXPECT_EQ(kt::test::RunTestHelper("write", name), 10 + XE_SHARING);
     EXPECT_EQ(kt::test::RunTestHelper("writable", name), 0);
     EXPECT_EQ(Fio_IsWritableFile(name.c_str()), 1);  // to this process it is
+    EXPECT_TRUE(HeldAgainstWriters(name));  // the question gave the lock its handle back
     Fio_UnlockFile(name.c_str(), false);
     EXPECT_EQ(kt::test::RunTestHelper("write", name), 0);
     EXPECT_EQ(kt::test::ContentOf(name), "!");

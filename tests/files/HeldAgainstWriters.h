@@ -12,7 +12,7 @@ inline bool HeldAgainstWriters(const WideString& name) {
         sys::CreateFileHandle(name.c_str(), sys::kGenericWrite, sys::kShareRead | sys::kShareWrite,
                               sys::kOpenExisting, 0);
     if (writer == sys::kNoFile)
-        return true;
+        return sys::LastFileError() == sys::kErrorSharingViolation;  // not a file gone missing
     sys::CloseFileHandle(writer);
     return false;
 }

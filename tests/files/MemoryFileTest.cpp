@@ -86,8 +86,6 @@ TEST_F(MemoryFile, NameFunctionsTreatTheBlockAsAFile) {
     EXPECT_EQ(Fio_IsMemFile(nullptr), 0);
     EXPECT_EQ(Fio_IsFileExist(KTW("fmem::1,2")), 1);
     EXPECT_EQ(Fio_IsWritableFile(name.c_str()), 1);
-    Fio_DeleteFile(name.c_str());
-    Fio_CreateDirectory(name.c_str());
     FioFileInfo info;
     std::memset(&info, 0xAB, sizeof info);
     Fio_GetFileInfo(name.c_str(), &info);
