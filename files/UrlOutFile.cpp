@@ -52,6 +52,6 @@ private:
 
 IXOutFile* Fio_UrlOpenOut(const KTWCHAR* url, int flags) {
     if (!Fio_UrlIsWritableFile(url))
-        throw CXFileException(XE_ACCESS_DENIED, url, XFILEOP_OPEN);
+        throw CXException(XE_ACCESS_DENIED);  // a refusal before any file is made
     return new kt::CXUrlOutFile(url, flags | FIO_WRITE);
 }

@@ -92,4 +92,19 @@ FileFailure FileFailureOf(Action&& action) {
     return {};
 }
 
+// The code of a CXException that is no file's failure.
+template <class Action>
+DWORD PlainFailureOf(Action&& action) {
+    try {
+        action();
+    } catch (const CXFileException&) {
+        ADD_FAILURE() << "a CXFileException was thrown";
+        return XE_NONE;
+    } catch (const CXException& failure) {
+        return failure.code;
+    }
+    ADD_FAILURE() << "no CXException was thrown";
+    return XE_NONE;
+}
+
 }  // namespace kt::test
