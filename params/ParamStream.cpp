@@ -130,6 +130,8 @@ bool WriteUpToNextSection(IXStream* stream, SavedSection& level, SavedSection& b
 }
 
 void Empty(IParam* param) {
+    if (param == nullptr)
+        return;
     param->DeleteAllSections();
     param->DeleteAllValues();
 }
@@ -138,6 +140,8 @@ struct LoadedSection {
     LoadedSection() = default;
     explicit LoadedSection(IParam* top) : param(HoldAnother(top)) {}
 
+    // Null for a section the tree could not make: its form is read into
+    // nothing, so that what follows it is read in its place.
     Held<IParam> param;
     bool begun = false;
     unsigned length = 0;
@@ -161,7 +165,7 @@ bool ReadUpToNextSection(IXStream* stream, char* name, LoadedSection& level, Loa
     }
     if (!level.readingValues) {
         if (ReadName(stream, level.length, name)) {
-            below.param.Reset(param->CreateSection(name));
+            below.param.Reset(param != nullptr ? param->CreateSection(name) : nullptr);
             return true;
         }
         level.readingValues = true;
@@ -169,7 +173,8 @@ bool ReadUpToNextSection(IXStream* stream, char* name, LoadedSection& level, Loa
     while (ReadName(stream, level.length, name)) {
         CKTVariant value;
         stream->ReadVariant(&value);
-        param->SetValue(name, &value);
+        if (param != nullptr)
+            param->SetValue(name, &value);
     }
     return false;
 }

@@ -84,7 +84,7 @@ public:
         Note("GetValue", "(" + std::string(name) + ")@" + std::to_string(written));
         return 0;
     }
-    void SetValue(const char*, const tagKTVARIANT*) override {}
+    void SetValue(const char* name, const tagKTVARIANT*) override { Note("SetValue", "(" + std::string(name) + ")"); }
     void DeleteValue(const char*) override {}
     void DeleteAllValues() override { Note("DeleteAllValues"); }
     CTEnum<const char*>* EnumValues() override {
@@ -227,6 +227,23 @@ TEST(StreamForm, AFailingTreeEndsItsOwnLevelOfTheLoad) {
         stream->Seek(0, 0);
         EXPECT_EQ(LoadParamFromXStream(stream.get(), root.get()), result) << failing;
     }
+}
+
+// A section the tree cannot make (null from CreateSection) is read into
+// nothing: the values behind it still reach their own section.
+TEST(StreamForm, ASectionTheTreeCannotMakeIsReadPast) {
+    auto source = NewTree();
+    Set(source.get(), "s\\t\\deep", CKTVariant(1));
+    Set(source.get(), "s\\inner", CKTVariant(2));
+    Set(source.get(), "after", CKTVariant(3));
+    const Bytes form = Saved(source.get());
+    CScriptedTree::Script script;
+    Ref<IParam> refusing(new CScriptedTree(script, "root", {}, {}));
+    Ref<IXStream> stream(new_StreamOnMemory());
+    stream->Write(form.data(), static_cast<unsigned>(form.size()));
+    stream->Seek(0, 0);
+    EXPECT_EQ(LoadParamFromXStream(stream.get(), refusing.get()), 1);
+    EXPECT_EQ(script.calls, "root.DeleteAllSections root.DeleteAllValues root.CreateSection(s) root.SetValue(after) ");
 }
 
 // The code a save fails with, XE_NONE when it does not.
