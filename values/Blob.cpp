@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 
 #include "values/BlobBytes.h"
@@ -13,13 +14,20 @@ unsigned char* CopyBlobBytes(const unsigned char* data, ULONG size) {
     return copy;
 }
 
+bool AllZero(const void* data, unsigned long size) {
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    return std::all_of(bytes, bytes + size, [](unsigned char byte) { return byte == 0; });
+}
+
+// A blob with a size and no bytes counts as that many zeros, as it is
+// stored: it equals what it reads back as.
 bool SameBlob(const tagKTBLOB& a, const tagKTBLOB& b) {
     if (a.size != b.size)
         return false;
     if (a.size == 0 || a.data == b.data)
         return true;
     if (a.data == nullptr || b.data == nullptr)
-        return false;
+        return AllZero(a.data != nullptr ? a.data : b.data, a.size);
     return std::memcmp(a.data, b.data, a.size) == 0;
 }
 

@@ -355,11 +355,9 @@ CKTVariant::operator KTWCHAR*() const {
     // This read of a const variant changes it, by design: the wide text it
     // hands out is owned by the variant from then on.
     CKTVariant& self = const_cast<CKTVariant&>(*this);
-    KTWCHAR* wide = nullptr;
-    if (pszVal != nullptr) {
-        const CXStringW converted(pszVal);
-        wide = CopyText(converted, converted.GetSize());
-    }
+    // A null narrow text becomes the empty wide one, as CXStringW makes it.
+    const CXStringW converted(pszVal);
+    KTWCHAR* wide = CopyText(converted, converted.GetSize());
     delete[] self.pszVal;
     self.vt = KTVT_WSTR;
     self.pwszVal = wide;

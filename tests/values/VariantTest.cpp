@@ -218,6 +218,11 @@ TEST(VariantReads, WideReadTurnsANarrowTextWide) {
     CKTVariant number(5);
     EXPECT_EQ(static_cast<KTWCHAR*>(number), reinterpret_cast<KTWCHAR*>(number.pszVal));
     EXPECT_EQ(number.vt, KTVT_INT);
+    // A null narrow text turns into the empty wide text.
+    CKTVariant none(static_cast<const char*>(nullptr));
+    const KTWCHAR* empty = none;
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(empty[0], 0);
 }
 
 TEST(VariantEquality, EachKindComparesByItsOwnRule) {
