@@ -285,5 +285,37 @@ TEST(MapEnum, NoEnumeratorOnceRemoveAllHasClosedTheMap) {
     keys->Release();
 }
 
+// "\x08" and "ab" share bucket 8 (25027 % 127), "\x08" newest and first;
+// "c" is alone in bucket 99. Removing the entry a walk stands on, at the
+// head of its chain or behind another, leaves the walk on what follows.
+TEST(MapEnum, AWalkGoesOnPastTheEntryRemovedUnderItAndEndsAtAClear) {
+    CTMapEnum<const char*, int, const char*, int> map;
+    const auto walkAfterRemoving = [&map](int stepsBefore) {
+        map.Set("ab", 1);
+        map.Set("\x08", 2);
+        map.Set("c", 3);
+        CTEnum<const char*>* keys = map.GetEnum();
+        const char* key = nullptr;
+        for (int step = 0; step < stepsBefore; ++step)
+            keys->Next(1, &key, nullptr);
+        map.Remove(std::string(key).c_str());
+        std::string rest;
+        while (keys->Next(1, &key, nullptr))
+            rest += std::string(key) + " ";
+        keys->Release();
+        return rest;
+    };
+    EXPECT_EQ(walkAfterRemoving(1), "ab c ");  // the head of bucket 8
+    EXPECT_EQ(walkAfterRemoving(2), "c ");     // "ab", behind "\x08"
+
+    CTEnum<const char*>* keys = map.GetEnum();
+    const char* key = nullptr;
+    ASSERT_EQ(keys->Next(1, &key, nullptr), 1);
+    map.Clear();
+    map.Set("c", 3);
+    EXPECT_EQ(keys->Next(1, &key, nullptr), 0);
+    keys->Release();
+}
+
 }  // namespace
 }  // namespace kt::test

@@ -1,5 +1,7 @@
 // CTMapEnum: a map that is at the same time a counted object, so that the
-// enumerators of its keys can keep it alive.
+// enumerators of its keys can keep it alive. It knows its live enumerators,
+// and its own Remove and Clear move them off the entries that go: a walk
+// never stands on a freed entry.
 #pragma once
 
 #include "kticore/core/Enum.h"
@@ -15,7 +17,11 @@ template <class K, class V, class KR, class VR>
 class _CMapKeyEnum : public CTOwnedEnum<KR, CTMapEnum<K, V, KR, VR>> {
 public:
     explicit _CMapKeyEnum(CTMapEnum<K, V, KR, VR>* owner)
-        : CTOwnedEnum<KR, CTMapEnum<K, V, KR, VR>>(owner) {}
+        : CTOwnedEnum<KR, CTMapEnum<K, V, KR, VR>>(owner) {
+        owner->Attach(this);
+    }
+    // The owner lives until the enumerator is gone: its reference goes last.
+    ~_CMapKeyEnum() override { this->owner->Detach(this); }
 
     int Next(ULONG count, KR* items, ULONG* fetched) override {
         if (!started)
@@ -49,6 +55,8 @@ public:
     }
 
 private:
+    friend class CTMapEnum<K, V, KR, VR>;
+
     K* Step() {
         K* key = finished ? nullptr : this->owner->NextKey(position);
         finished = key == nullptr;
@@ -58,6 +66,9 @@ private:
     CTMapPosition position;
     DWORD started = 0;
     bool finished = false;
+    // The chain of the owner's live enumerators.
+    _CMapKeyEnum* nextWalk = nullptr;
+    _CMapKeyEnum* previousWalk = nullptr;
 };
 
 template <class K, class V, class KR, class VR>
@@ -73,4 +84,51 @@ public:
             return nullptr;
         return new _CMapKeyEnum<K, V, KR, VR>(this);
     }
+
+    // Removes as the map does; an enumerator standing on the entry goes on
+    // from the entry before it in its chain, or from the start of its bucket.
+    int Remove(K key) {
+        using Node = typename CTMap<K, V>::Node;
+        if (Node* gone = this->closing ? nullptr : this->Find(key)) {
+            Node* before = nullptr;
+            for (Node* node = *this->Bucket(gone->hash); node != gone; node = node->next)
+                before = node;
+            for (Walk* walk = walks; walk != nullptr; walk = walk->nextWalk)
+                if (walk->position.node == gone)
+                    walk->position.node = before;
+        }
+        return CTMap<K, V>::Remove(key);
+    }
+
+    // Empties and reopens the map as the map does; every enumerator is at
+    // its end.
+    void Clear() {
+        for (Walk* walk = walks; walk != nullptr; walk = walk->nextWalk) {
+            walk->position = CTMapPosition();
+            walk->finished = true;
+        }
+        CTMap<K, V>::Clear();
+    }
+
+private:
+    using Walk = _CMapKeyEnum<K, V, KR, VR>;
+    friend Walk;
+
+    void Attach(Walk* walk) {
+        walk->nextWalk = walks;
+        if (walks != nullptr)
+            walks->previousWalk = walk;
+        walks = walk;
+    }
+
+    void Detach(Walk* walk) {
+        if (walk->previousWalk != nullptr)
+            walk->previousWalk->nextWalk = walk->nextWalk;
+        else
+            walks = walk->nextWalk;
+        if (walk->nextWalk != nullptr)
+            walk->nextWalk->previousWalk = walk->previousWalk;
+    }
+
+    Walk* walks = nullptr;
 };
