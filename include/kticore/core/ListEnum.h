@@ -6,19 +6,20 @@
 
 #include "kticore/core/Enum.h"
 #include "kticore/core/List.h"
+#include "kticore/core/LiveWalks.h"
 
 template <class T, class R>
 class CTListEnum;
 
 // Walks the items of a CTListEnum in list order.
 template <class T, class R>
-class _CListEnum : public CTOwnedEnum<R, CTListEnum<T, R>> {
+class _CListEnum : public CTOwnedEnum<R, CTListEnum<T, R>>, public CTLiveWalk<_CListEnum<T, R>> {
 public:
     explicit _CListEnum(CTListEnum<T, R>* owner) : CTOwnedEnum<R, CTListEnum<T, R>>(owner) {
-        owner->Attach(this);
+        owner->walks.Attach(this);
     }
     // The owner lives until the enumerator is gone: its reference goes last.
-    ~_CListEnum() override { this->owner->Detach(this); }
+    ~_CListEnum() override { this->owner->walks.Detach(this); }
 
     int Next(ULONG count, R* items, ULONG* fetched) override {
         if (!started)
@@ -52,9 +53,6 @@ private:
 
     _CTListPlex<T>* current = nullptr;
     DWORD started = 0;
-    // The chain of the owner's live enumerators.
-    _CListEnum* nextWalk = nullptr;
-    _CListEnum* previousWalk = nullptr;
 };
 
 template <class T, class R>
@@ -70,38 +68,22 @@ public:
     // Unlinks `node` as the list does; an enumerator that would hand it out
     // next moves on to the node behind it.
     Plex* Remove(Plex* node) {
-        for (_CListEnum<T, R>* walk = walks; walk != nullptr; walk = walk->nextWalk)
-            if (walk->current == node)
-                walk->current = this->Next(node);
+        walks.ForEach([&](_CListEnum<T, R>& walk) {
+            if (walk.current == node)
+                walk.current = this->Next(node);
+        });
         return CTPList<T>::Remove(node);
     }
 
     // Empties and closes the list as the list does; every enumerator is at
     // its end.
     void RemoveAll() {
-        for (_CListEnum<T, R>* walk = walks; walk != nullptr; walk = walk->nextWalk)
-            walk->current = nullptr;
+        walks.ForEach([](_CListEnum<T, R>& walk) { walk.current = nullptr; });
         CTPList<T>::RemoveAll();
     }
 
 private:
     friend class _CListEnum<T, R>;
 
-    void Attach(_CListEnum<T, R>* walk) {
-        walk->nextWalk = walks;
-        if (walks != nullptr)
-            walks->previousWalk = walk;
-        walks = walk;
-    }
-
-    void Detach(_CListEnum<T, R>* walk) {
-        if (walk->previousWalk != nullptr)
-            walk->previousWalk->nextWalk = walk->nextWalk;
-        else
-            walks = walk->nextWalk;
-        if (walk->nextWalk != nullptr)
-            walk->nextWalk->previousWalk = walk->previousWalk;
-    }
-
-    _CListEnum<T, R>* walks = nullptr;
+    CTLiveWalks<_CListEnum<T, R>> walks;
 };

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "kticore/core/Enum.h"
+#include "kticore/core/LiveWalks.h"
 #include "kticore/core/Map.h"
 
 template <class K, class V, class KR, class VR>
@@ -14,14 +15,15 @@ class CTMapEnum;
 // Reset, as a list's enumerator does, although the map's own walk would begin
 // again.
 template <class K, class V, class KR, class VR>
-class _CMapKeyEnum : public CTOwnedEnum<KR, CTMapEnum<K, V, KR, VR>> {
+class _CMapKeyEnum : public CTOwnedEnum<KR, CTMapEnum<K, V, KR, VR>>,
+                     public CTLiveWalk<_CMapKeyEnum<K, V, KR, VR>> {
 public:
     explicit _CMapKeyEnum(CTMapEnum<K, V, KR, VR>* owner)
         : CTOwnedEnum<KR, CTMapEnum<K, V, KR, VR>>(owner) {
-        owner->Attach(this);
+        owner->walks.Attach(this);
     }
     // The owner lives until the enumerator is gone: its reference goes last.
-    ~_CMapKeyEnum() override { this->owner->Detach(this); }
+    ~_CMapKeyEnum() override { this->owner->walks.Detach(this); }
 
     int Next(ULONG count, KR* items, ULONG* fetched) override {
         if (!started)
@@ -66,9 +68,6 @@ private:
     CTMapPosition position;
     DWORD started = 0;
     bool finished = false;
-    // The chain of the owner's live enumerators.
-    _CMapKeyEnum* nextWalk = nullptr;
-    _CMapKeyEnum* previousWalk = nullptr;
 };
 
 template <class K, class V, class KR, class VR>
@@ -93,9 +92,10 @@ public:
             Node* before = nullptr;
             for (Node* node = *this->Bucket(gone->hash); node != gone; node = node->next)
                 before = node;
-            for (Walk* walk = walks; walk != nullptr; walk = walk->nextWalk)
-                if (walk->position.node == gone)
-                    walk->position.node = before;
+            walks.ForEach([&](Walk& walk) {
+                if (walk.position.node == gone)
+                    walk.position.node = before;
+            });
         }
         return CTMap<K, V>::Remove(key);
     }
@@ -103,10 +103,10 @@ public:
     // Empties and reopens the map as the map does; every enumerator is at
     // its end.
     void Clear() {
-        for (Walk* walk = walks; walk != nullptr; walk = walk->nextWalk) {
-            walk->position = CTMapPosition();
-            walk->finished = true;
-        }
+        walks.ForEach([](Walk& walk) {
+            walk.position = CTMapPosition();
+            walk.finished = true;
+        });
         CTMap<K, V>::Clear();
     }
 
@@ -114,21 +114,5 @@ private:
     using Walk = _CMapKeyEnum<K, V, KR, VR>;
     friend Walk;
 
-    void Attach(Walk* walk) {
-        walk->nextWalk = walks;
-        if (walks != nullptr)
-            walks->previousWalk = walk;
-        walks = walk;
-    }
-
-    void Detach(Walk* walk) {
-        if (walk->previousWalk != nullptr)
-            walk->previousWalk->nextWalk = walk->nextWalk;
-        else
-            walks = walk->nextWalk;
-        if (walk->nextWalk != nullptr)
-            walk->nextWalk->previousWalk = walk->previousWalk;
-    }
-
-    Walk* walks = nullptr;
+    CTLiveWalks<Walk> walks;
 };
